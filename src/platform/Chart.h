@@ -1,0 +1,52 @@
+// The chart: a table of labels and values drawn in one of twelve styles.
+#pragma once
+
+#include <QWidget>
+
+#include <memory>
+#include <vector>
+
+namespace pollarix {
+
+struct ChartRow {
+    QString label;
+    double value = 0;
+};
+
+// The numbers are those of the style list of the Analyze screen.
+enum class ChartType {
+    Bar3D = 0,
+    Bar2D = 1,
+    Line3D = 2,
+    Line2D = 3,
+    Area3D = 4,
+    Area2D = 5,
+    Step3D = 6,
+    Step2D = 7,
+    Combination3D = 8,
+    Combination2D = 9,
+    Pie2D = 14,
+    XY2D = 16,
+};
+
+class Chart : public QWidget {
+    Q_OBJECT
+  public:
+    explicit Chart(QWidget* parent = nullptr);
+    ~Chart() override;
+
+    ChartType chartType() const;
+    void SetChartType(ChartType type);
+    // Shows exactly these rows; an empty table shows an empty chart that says there is no answer.
+    void SetChartData(std::vector<ChartRow> rows);
+    const std::vector<ChartRow>& ChartData() const;
+
+    // The chart as a picture of the given size in pixels.
+    QImage Picture(const QSize& size);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+} // namespace pollarix

@@ -1,0 +1,152 @@
+// The database under survey and library files: SQLite in the terms the program uses. Nothing here
+// knows what a survey is. Names of tables and columns are compared without regard to case.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <string>
+#include <variant>
+
+namespace pollarix {
+
+// A value bound to a statement: Null, a whole number, a real number or text. Values are always
+// bound, never pasted into SQL.
+class DbValue {
+  public:
+    DbValue(std::nullptr_t = nullptr) {}
+    DbValue(std::int64_t value) : value_(value) {}
+    DbValue(int value) : value_(static_cast<std::int64_t>(value)) {}
+    DbValue(double value) : value_(value) {}
+    DbValue(const QString& value) : value_(value) {}
+    DbValue(const char* value) : value_(QString::fromUtf8(value)) {}
+    using Variant = std::variant<std::monostate, std::int64_t, double, QString>;
+    const Variant& Value() const { return value_; }
+
+  private:
+    Variant value_;
+};
+
+// A forward-only reader of a statement's rows. Movable; closed when it goes out of scope. Fields
+// are named (any case) or numbered from 0. All readers throw: NoCurrentRecord at the end,
+// InvalidNull for a Null, TypeMismatch for a value of another kind, InvalidArgument for an unknown
+// field name, and database failures.
+class Recordset {
+  public:
+    Recordset(Recordset&&) noexcept;
+    Recordset& operator=(Recordset&&) noexcept;
+    ~Recordset();
+
+    bool AtEnd() const;
+    void MoveNext();
+    void Close();
+
+    // Position of a field, for readers of many rows.
+    int Ordinal(const char* field) const;
+
+    bool IsNull(int field) const;
+    bool IsNull(const char* field) const { return IsNull(Ordinal(field)); }
+    // A number read as text is written in decimal.
+    QString Text(int field) const;
+    QString Text(const char* field) const { return Text(Ordinal(field)); }
+    // "" for a Null: NullToString.
+    QString NullToString(int field) const;
+    QString NullToString(const char* field) const { return NullToString(Ordinal(field)); }
+    // Whole numbers; a real value is rounded half to even, text is refused.
+    std::int64_t Integer(int field) const;
+    std::int64_t Integer(const char* field) const { return Integer(Ordinal(field)); }
+    double Real(int field) const;
+    double Real(const char* field) const { return Real(Ordinal(field)); }
+
+  private:
+    friend class Connection;
+    struct State;
+    explicit Recordset(std::unique_ptr<State> state);
+    std::unique_ptr<State> state_;
+};
+
+// A connection to one database file.
+class Connection {
+  public:
+    enum class Mode {
+        ReadWrite,        // the survey file
+        ReadOnly,         // the library
+        ReadWriteTrusted, // a file the program itself has just made (no check for views and
+                          // triggers)
+    };
+
+    Connection();
+    ~Connection();
+    Connection(const Connection&) = delete;
+    Connection& operator=(const Connection&) = delete;
+
+    // Opens an existing file; never creates one. Throws a Failure that names what is wrong: no such
+    // file (53), a directory or no permission (75), no database, views or triggers or virtual
+    // tables in it. Fails with InvalidArgument when the connection is open already.
+    void Open(const QString& path, Mode mode = Mode::ReadWrite);
+    bool IsOpen() const;
+    // Closes; open recordsets become unusable (AtEnd). Throws NoObject when not open.
+    void Close();
+    QString Path() const;
+
+    // Runs a statement that gives rows. Statements are prepared once and kept by their text, so
+    // keep texts constant and bind what varies ("?" placeholders, in order).
+    Recordset Execute(const char* sql, std::initializer_list<DbValue> values = {});
+    // Runs a statement that changes rows; gives the count of rows changed.
+    std::int64_t Run(const char* sql, std::initializer_list<DbValue> values = {});
+    // The first field of the first row as a whole number; throws NoCurrentRecord without a row.
+    std::int64_t Count(const char* sql, std::initializer_list<DbValue> values = {});
+
+    struct Handle;
+    Handle& RequireOpen() const;
+
+  private:
+    friend class Recordset;
+    friend class TableInsert;
+    friend class WriteBatch;
+    std::shared_ptr<Handle> handle_;
+};
+
+// Adds rows to one table: prepared once, then one Add a row.
+//   TableInsert insert(connection, "response", {"questionid", "name"});
+//   const std::int64_t id = insert.Add({7, text});
+class TableInsert {
+  public:
+    TableInsert(Connection& connection, const char* table,
+                std::initializer_list<const char*> columns);
+    ~TableInsert();
+    TableInsert(const TableInsert&) = delete;
+    TableInsert& operator=(const TableInsert&) = delete;
+
+    // One value a column, in order. Gives the generated id. Text given for a number column is
+    // converted by the database if it is a number, else the row is refused with a failure.
+    std::int64_t Add(std::initializer_list<DbValue> values);
+
+  private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
+
+// Groups the statements of one user action into one commit. Nested batches belong to the outermost.
+// When the scope is left by a failure, what was written so far is committed: an action that fails
+// leaves the file as far as it got. At a crash the file holds all of the action or none of it.
+class WriteBatch {
+  public:
+    explicit WriteBatch(Connection& connection);
+    ~WriteBatch();
+    WriteBatch(const WriteBatch&) = delete;
+    WriteBatch& operator=(const WriteBatch&) = delete;
+
+    // Ends the batch and writes it; throws if the file can't take it.
+    void Commit();
+
+  private:
+    std::shared_ptr<Connection::Handle> handle_;
+    bool outermost_ = false;
+    bool done_ = false;
+};
+
+} // namespace pollarix

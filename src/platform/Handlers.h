@@ -1,0 +1,28 @@
+// The top of every event handler: what a handler does not catch itself ends there, is shown in one
+// critical box with description and number, and the program goes on.
+#pragma once
+
+#include <functional>
+
+#include "platform/Failure.h"
+
+namespace pollarix {
+
+// Runs a handler that the user's action started. A Failure (or any other exception) that leaves
+// it is shown by the reporter; nothing is thrown. A handler that code started by writing a property
+// is called directly instead, so that its failure reaches that code.
+void RunHandler(const std::function<void()>& handler) noexcept;
+
+// Shows a failure nothing caught. The program sets it once to a message box; tests to a recorder.
+// An empty reporter writes to stderr.
+using FailureReporter = std::function<void(const Failure&)>;
+void SetFailureReporter(FailureReporter reporter);
+
+// Lets the interface handle its pending events once: paints, timers, keys and clicks.
+void DoEvents();
+
+// The same, but keys, clicks and shortcuts wait: for long work whose window has to repaint while
+// what the user presses must not start the same work again or close the survey under it.
+void DoPaintEvents();
+
+} // namespace pollarix

@@ -1,0 +1,49 @@
+// The visible rich text editor: bold, italic, underline, size, font, colour, bullets; text in any
+// script. Text is taken and given as RTF (TextRTF) or plain with CR LF line ends (Text).
+#pragma once
+
+#include <QTextEdit>
+
+#include <functional>
+
+#include "platform/RichText.h"
+
+namespace pollarix {
+
+class RichTextBox : public QTextEdit {
+    Q_OBJECT
+  public:
+    explicit RichTextBox(QWidget* parent = nullptr);
+
+    QString TextRTF() const;
+    void SetTextRTF(const QString& rtf); // raises nothing; clears the undo history
+    QString Text() const;
+    void SetText(const QString& plain);
+
+    int SelStart() const;
+    void SetSelStart(int position); // also drops the selection
+    int SelLength() const;
+    void SetSelLength(int length);
+
+    // Formatting of the selection, or of what is typed next.
+    void SetSelBold(bool on);
+    void SetSelItalic(bool on);
+    void SetSelUnderline(bool on);
+    void SetSelFontSize(double points);
+    void SetSelFontName(const QString& name);
+    void SetSelColour(const QColor& colour);
+    void SetSelBullet(bool on);
+
+    // Raised by the user's keys, for every key: KeyDown before the box acts on it, KeyUp after.
+    std::function<void(QKeyEvent&)> KeyDown;
+    std::function<void(QKeyEvent&)> KeyUp;
+    // Raised when the user moves the focus from the box to another control or window of the program
+    // (not to a popup or menu, and not when code moves the focus, see MoveFocusQuietly).
+    std::function<void()> LostFocus;
+};
+
+// Gives a control the focus without raising the LostFocus of the control that has it. Hidden or
+// disabled controls are left alone.
+void MoveFocusQuietly(QWidget& control);
+
+} // namespace pollarix

@@ -1,0 +1,1 @@
+// Stands here until the room's first class comes.
