@@ -1,0 +1,22 @@
+// The few things the program does with whole files.
+#pragma once
+
+#include <QByteArrayView>
+#include <QString>
+
+namespace pollarix {
+
+// A new empty file in the directory: the prefix, a number that no file there has, ".tmp". Gives its
+// full path. Throws PathOrFileAccess, naming the directory.
+QString NewTempFileName(const QString& directory, const QString& prefix);
+
+// Copies a file over another or to a new one. The target is replaced only when the copy is whole on
+// the disk, and keeps its old content at any failure. Throws FileNotFound for a missing source and
+// PathOrFileAccess for a copy onto itself, a target that may not be written and anything the system
+// says; the path is named.
+void CopyFileOver(const QString& from, const QString& to);
+
+// Replaces a file's content by the given bytes in the same way.
+void WriteWholeFile(const QString& path, QByteArrayView bytes);
+
+} // namespace pollarix
