@@ -1,0 +1,185 @@
+// What the program counts on in the template of a new survey, asked of the built blank.mdb itself.
+#include <SQLiteCpp/SQLiteCpp.h>
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace pollarix::test {
+namespace {
+
+class SurveySchema : public testing::Test {
+  protected:
+    void SetUp() override {
+        const QString copy = directory_.filePath("survey.plxs");
+        ASSERT_TRUE(QFile::copy(POLLARIX_DATA_DIR "/blank.mdb", copy));
+        QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
+        survey_ = SQLite::Database(copy.toStdString(), SQLite::OPEN_READWRITE);
+        // The program opens survey files this way, the defaults of columns have to work in it.
+        sqlite3_db_config(survey_.getHandle(), SQLITE_DBCONFIG_DEFENSIVE, 1, nullptr);
+        sqlite3_db_config(survey_.getHandle(), SQLITE_DBCONFIG_TRUSTED_SCHEMA, 0, nullptr);
+    }
+
+    std::string Text(const std::string& sql) { return survey_.execAndGet(sql).getString(); }
+    std::int64_t Number(const std::string& sql) { return survey_.execAndGet(sql).getInt64(); }
+
+    std::string Plan(const std::string& sql) {
+        SQLite::Statement explain(survey_, "EXPLAIN QUERY PLAN " + sql);
+        std::string plan;
+        while (explain.executeStep()) {
+            plan += explain.getColumn(3).getString() + '\n';
+        }
+        return plan;
+    }
+
+  private:
+    QTemporaryDir directory_;
+
+  protected:
+    SQLite::Database survey_{":memory:", SQLite::OPEN_READWRITE};
+};
+
+TEST_F(SurveySchema, VersionComesFirstAndIsExact) {
+    SQLite::Statement version(survey_, "SELECT * FROM version");
+    ASSERT_TRUE(version.executeStep());
+    EXPECT_EQ(version.getColumn(0).getDouble(), 1.7);
+    EXPECT_FALSE(version.executeStep());
+}
+
+TEST_F(SurveySchema, StartsWithScalesButNoSurvey) {
+    for (const char* table : {"question", "response", "respondent", "respondent_responses"}) {
+        EXPECT_EQ(Number(std::string("SELECT count(*) FROM ") + table), 0) << table;
+    }
+    EXPECT_EQ(Number("SELECT count(*) FROM responsematrix WHERE responsematrixgroupid = 1"), 0);
+    EXPECT_GE(Number("SELECT count(*) FROM responsematrixgroup WHERE id <> 1"), 8);
+    // Questions changed to a matrix carry scale 2.
+    EXPECT_GE(Number("SELECT count(*) FROM responsematrix WHERE responsematrixgroupid = 2"), 3);
+    // Each scale on offer has points, counted from 0 without a gap; they are shown joined by "/".
+    EXPECT_EQ(Number("SELECT count(*) FROM responsematrixgroup AS g WHERE id <> 1 AND NOT EXISTS "
+                     "(SELECT 1 FROM responsematrix AS m WHERE m.responsematrixgroupid = g.id)"),
+              0);
+    EXPECT_EQ(Number("SELECT count(*) FROM (SELECT min(pos) AS first, max(pos) AS last, count(*) "
+                     "AS points, count(DISTINCT pos) AS places FROM responsematrix GROUP BY "
+                     "responsematrixgroupid) WHERE first <> 0 OR last <> points - 1 OR places <> "
+                     "points"),
+              0);
+    EXPECT_EQ(Number("SELECT count(*) FROM responsematrix WHERE name LIKE '%/%' OR name = ''"), 0);
+}
+
+TEST_F(SurveySchema, DefaultsFillMarkAndDate) {
+    survey_.exec("INSERT INTO question (question, questionno, qtype, pos) VALUES ('a', '1', 0, 1)");
+    survey_.exec("INSERT INTO response (questionid, name, pos) VALUES (1, 'b', 1)");
+    EXPECT_EQ(Number("SELECT deleteme FROM question") + Number("SELECT deleteme FROM response"), 0);
+    EXPECT_EQ(Text("SELECT typeof(logicjumptoquestionid) FROM response"), "null");
+
+    survey_.exec("INSERT INTO respondent (source) VALUES ('Web')");
+    EXPECT_EQ(Number("SELECT submitteddate GLOB "
+                     "'[0-9][0-9][0-9][0-9]-[01][0-9]-[0-3][0-9] [0-2][0-9]:[0-5][0-9]:[0-5][0-9]."
+                     "[0-9][0-9][0-9]' FROM respondent"),
+              1);
+    EXPECT_EQ(Number("SELECT abs(julianday('now', 'localtime') - julianday(submitteddate)) < 0.001 "
+                     "FROM respondent"),
+              1);
+}
+
+TEST_F(SurveySchema, NumberColumnsRefuseTextThatIsNoNumber) {
+    const auto insert = [this](const std::string& column, const char* value) {
+        const auto shown = [&](const char* name) { return column == name ? "?1" : "1"; };
+        SQLite::Statement row(survey_, std::string("INSERT INTO respondent_responses (RespondentID,"
+                                                   " QuestionID, ResponseID, ResponseMatrixID)"
+                                                   " VALUES (") +
+                                           shown("RespondentID") + ", " + shown("QuestionID") +
+                                           ", " + shown("ResponseID") + ", " +
+                                           shown("ResponseMatrixID") + ")");
+        row.bind(1, value);
+        row.exec();
+    };
+    for (const char* column : {"RespondentID", "QuestionID", "ResponseID", "ResponseMatrixID"}) {
+        for (const char* value : {"x", "", "7x", "1.5"}) {
+            EXPECT_THROW(insert(column, value), SQLite::Exception)
+                << column << " = '" << value << '\'';
+        }
+        EXPECT_NO_THROW(insert(column, "41")) << column;
+    }
+    EXPECT_EQ(Number("SELECT count(*) FROM respondent_responses"), 4);
+}
+
+TEST_F(SurveySchema, IdsAreNeverUsedAgain) {
+    const std::vector<std::pair<std::string, std::string>> rows = {
+        {"question", "(question) VALUES ('a')"},
+        {"response", "(questionid) VALUES (1)"},
+        {"responsematrixgroup", "(name) VALUES ('User Added')"},
+        {"responsematrix", "(ResponseMatrixGroupID) VALUES (2)"},
+        {"respondent", "(source) VALUES ('Web')"},
+        {"respondent_responses", "(RespondentID, QuestionID) VALUES (1, 1)"}};
+    for (const auto& [table, values] : rows) {
+        survey_.exec("INSERT INTO " + table + ' ' + values);
+        const std::int64_t last = survey_.getLastInsertRowid();
+        survey_.exec("DELETE FROM " + table + " WHERE id = " + std::to_string(last));
+        survey_.exec("INSERT INTO " + table + ' ' + values);
+        EXPECT_GT(survey_.getLastInsertRowid(), last) << table;
+    }
+}
+
+TEST_F(SurveySchema, ComparesSourcesWithoutCaseAndKeepsNullFromEmpty) {
+    survey_.exec("INSERT INTO respondent (source) VALUES ('manual ENTRY'), ('Web'), (''), (NULL)");
+    EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source='Manual Entry'"), 1);
+    EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source=''"), 1);
+    EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source IS NULL"), 1);
+}
+
+// Every statement that reads or deletes answers finds them through an index, and the counts never
+// touch the table.
+TEST_F(SurveySchema, NoStatementScansTheAnswers) {
+    const std::vector<std::pair<std::string, std::string>> statements = {
+        {"SELECT simpleresponse FROM respondent_responses WHERE respondentid = ? AND questionid = "
+         "?",
+         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
+        {"SELECT id FROM respondent_responses WHERE responseid = ? AND questionid = ? AND "
+         "respondentid = ?",
+         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
+        {"SELECT id, ResponseMatrixID FROM respondent_responses WHERE questionid = ? AND "
+         "responseid = ? AND respondentid = ?",
+         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
+        {"DELETE FROM respondent_responses WHERE RespondentID = ? AND questionid = ?",
+         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
+        {"DELETE FROM respondent_responses WHERE respondentid = ?",
+         "answers_by_respondent (RespondentID=?)"},
+        {"SELECT response.name FROM respondent_responses, response WHERE "
+         "respondent_responses.responseid = response.id AND response.questionid = ? AND "
+         "respondent_responses.questionid = ? AND respondent_responses.respondentid = ?",
+         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
+        {"SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND questionid = ?",
+         "COVERING INDEX answers_by_response (ResponseID=?)"},
+        {"SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND responseMatrixID = ?",
+         "COVERING INDEX answers_by_response (ResponseID=? AND ResponseMatrixID=?)"},
+    };
+    for (const auto& [sql, wanted] : statements) {
+        const std::string plan = Plan(sql);
+        EXPECT_NE(plan.find(wanted), std::string::npos) << sql << '\n' << plan;
+        EXPECT_EQ(plan.find("SCAN"), std::string::npos) << sql << '\n' << plan;
+    }
+}
+
+// Lists come out of an index in their order, so that their first rows cost no more than themselves.
+TEST_F(SurveySchema, OrdersNeedNoSort) {
+    for (const char* sql :
+         {"SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate DESC",
+          "SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate DESC, id DESC",
+          "SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate, id",
+          "SELECT * FROM question ORDER BY pos", "SELECT id FROM question WHERE pos = ?",
+          "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos",
+          "SELECT name FROM responsematrix WHERE responsematrixgroupid = ? ORDER BY pos"}) {
+        const std::string plan = Plan(sql);
+        EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << sql << '\n' << plan;
+        EXPECT_NE(plan.find("INDEX"), std::string::npos) << sql << '\n' << plan;
+    }
+}
+
+} // namespace
+} // namespace pollarix::test
