@@ -4,12 +4,15 @@
 
 #include <QString>
 
+#include <concepts>
 #include <cstdint>
 #include <initializer_list>
 #include <memory>
 #include <optional>
 #include <string>
 #include <variant>
+
+struct sqlite3_stmt;
 
 namespace pollarix {
 
@@ -18,8 +21,8 @@ namespace pollarix {
 class DbValue {
   public:
     DbValue(std::nullptr_t = nullptr) {}
-    DbValue(std::int64_t value) : value_(value) {}
-    DbValue(int value) : value_(static_cast<std::int64_t>(value)) {}
+    template <std::integral Whole>
+    DbValue(Whole value) : value_(static_cast<std::int64_t>(value)) {}
     DbValue(double value) : value_(value) {}
     DbValue(const QString& value) : value_(value) {}
     DbValue(const char* value) : value_(QString::fromUtf8(value)) {}
@@ -65,6 +68,7 @@ class Recordset {
     friend class Connection;
     struct State;
     explicit Recordset(std::unique_ptr<State> state);
+    sqlite3_stmt* Row(int field) const;
     std::unique_ptr<State> state_;
 };
 
@@ -88,7 +92,10 @@ class Connection {
     // tables in it. Fails with InvalidArgument when the connection is open already.
     void Open(const QString& path, Mode mode = Mode::ReadWrite);
     bool IsOpen() const;
-    // Closes; open recordsets become unusable (AtEnd). Throws NoObject when not open.
+    // Closes; open recordsets become unusable (AtEnd). Throws NoObject when not open. A batch that
+    // is under way is committed first; when that fails the connection is closed all the same and
+    // the failure thrown, and once more by the batch's Commit. Whoever must not lose what it holds
+    // in memory commits the batch itself and closes after.
     void Close();
     QString Path() const;
 
@@ -131,21 +138,24 @@ class TableInsert {
 };
 
 // Groups the statements of one user action into one commit. Nested batches belong to the outermost.
-// When the scope is left by a failure, what was written so far is committed: an action that fails
-// leaves the file as far as it got. At a crash the file holds all of the action or none of it.
+// When the scope is left without Commit, by a failure say, what was written so far is committed: an
+// action that fails leaves the file as far as it got. At a crash the file holds all of the action
+// or none of it. Some failures (a full disk, a broken one) make the database itself take the whole
+// batch back: then nothing more is written in it and Commit throws that failure.
 class WriteBatch {
   public:
+    // Takes the file's write lock; throws "database is locked" when another program holds it.
     explicit WriteBatch(Connection& connection);
     ~WriteBatch();
     WriteBatch(const WriteBatch&) = delete;
     WriteBatch& operator=(const WriteBatch&) = delete;
 
-    // Ends the batch and writes it; throws if the file can't take it.
+    // Ends the batch and writes it; throws if the file can't take it, and then nothing of the batch
+    // is in the file.
     void Commit();
 
   private:
     std::shared_ptr<Connection::Handle> handle_;
-    bool outermost_ = false;
     bool done_ = false;
 };
 

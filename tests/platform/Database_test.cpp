@@ -1,0 +1,338 @@
+#include "platform/Database.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <limits>
+
+#include "platform/Failure.h"
+
+using namespace pollarix;
+
+namespace {
+
+// What another program does to the file.
+class Other {
+  public:
+    explicit Other(const QString& path) { sqlite3_open(path.toUtf8(), &database_); }
+    ~Other() { sqlite3_close(database_); }
+    void Run(const char* sql) {
+        ASSERT_EQ(sqlite3_exec(database_, sql, nullptr, nullptr, nullptr), SQLITE_OK)
+            << sqlite3_errmsg(database_);
+    }
+
+  private:
+    sqlite3* database_ = nullptr;
+};
+
+template <typename Action> Failure FailureOf(Action action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return failure;
+    }
+    ADD_FAILURE() << "no failure";
+    return Failure(0);
+}
+
+class Database : public testing::Test {
+  protected:
+    Database() {
+        Other(path).Run("CREATE TABLE item(id INTEGER PRIMARY KEY AUTOINCREMENT, name TEXT,"
+                        " size INTEGER, share REAL) STRICT");
+        connection.Open(path);
+    }
+    std::int64_t Rows() { return connection.Count("SELECT count(*) FROM item"); }
+    std::int64_t RowsOnDisk() {
+        Connection other;
+        other.Open(path, Connection::Mode::ReadOnly);
+        return other.Count("SELECT count(*) FROM item");
+    }
+    QString Make(const char* name, const QByteArray& bytes) {
+        QFile file(dir.filePath(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        file.write(bytes);
+        return file.fileName();
+    }
+
+    QTemporaryDir dir;
+    QString path = dir.filePath("Umfrage ü%1 #?.plxs");
+    Connection connection;
+};
+
+} // namespace
+
+TEST_F(Database, ValuesComeBackAsTheyWereWritten) {
+    QString text = QString::fromUtf8(
+        "O'Hara \\ { } Ωμέγα عربي 日本語 👩‍👩‍👧 %1 ? :a\r\n");
+    text += QChar(0);
+    text += QString(10000, 'x');
+    TableInsert insert(connection, "ITEM", {"Name", "size", "share"});
+    EXPECT_EQ(insert.Add({text, INT64_MIN, 0.1}), 1);
+    EXPECT_EQ(insert.Add({"", "12", 2}), 2);
+    EXPECT_EQ(insert.Add({nullptr, nullptr, nullptr}), 3);
+
+    Recordset rows = connection.Execute("SELECT * FROM item WHERE id >= ? ORDER BY id", {1});
+    EXPECT_EQ(rows.Text("NAME"), text);
+    EXPECT_EQ(rows.Integer("Size"), INT64_MIN);
+    EXPECT_EQ(rows.Text("size"), QString::number(INT64_MIN));
+    EXPECT_EQ(rows.Real("share"), 0.1);
+    EXPECT_EQ(rows.Text("share"), "0.1");
+    rows.MoveNext();
+    EXPECT_FALSE(rows.IsNull("name"));
+    EXPECT_EQ(rows.Text("name"), "");
+    EXPECT_EQ(rows.Integer("size"), 12);
+    EXPECT_EQ(rows.Text("share"), "2");
+    rows.MoveNext();
+    EXPECT_TRUE(rows.IsNull("name"));
+    EXPECT_EQ(rows.NullToString("name"), "");
+    EXPECT_EQ(FailureOf([&] { rows.Text("name"); }).Number(), failure::InvalidNull);
+    EXPECT_EQ(FailureOf([&] { rows.Integer("size"); }).Number(), failure::InvalidNull);
+    rows.MoveNext();
+    EXPECT_TRUE(rows.AtEnd());
+    EXPECT_EQ(rows.Ordinal("share"), 3);
+    EXPECT_EQ(FailureOf([&] { rows.Text("name"); }).Number(), failure::NoCurrentRecord);
+    EXPECT_EQ(FailureOf([&] { rows.MoveNext(); }).Number(), failure::NoCurrentRecord);
+    EXPECT_EQ(FailureOf([&] { rows.Ordinal("other"); }).Number(), failure::InvalidArgument);
+}
+
+TEST_F(Database, ConversionsRoundHalfToEvenAndRefuseWhatIsNoNumber) {
+    const std::pair<const char*, std::int64_t> whole[] = {{"SELECT 0.5", 0},
+                                                          {"SELECT 1.5", 2},
+                                                          {"SELECT -2.5", -2},
+                                                          {"SELECT 1e15 + 0.5", 1000000000000000}};
+    for (const auto& [sql, expected] : whole)
+        EXPECT_EQ(connection.Count(sql), expected) << sql;
+    const std::pair<const char*, int> refused[] = {{"SELECT '7'", failure::TypeMismatch},
+                                                   {"SELECT x'00'", failure::TypeMismatch},
+                                                   {"SELECT 1e19", failure::Overflow},
+                                                   {"SELECT -9e999", failure::Overflow},
+                                                   {"SELECT NULL", failure::InvalidNull},
+                                                   {"SELECT 1 WHERE 0", failure::NoCurrentRecord},
+                                                   {"SELECT 1; SELECT 2", failure::InvalidArgument},
+                                                   {"SELECT ?", failure::InvalidArgument},
+                                                   {"", failure::InvalidArgument}};
+    for (const auto& [sql, number] : refused)
+        EXPECT_EQ(FailureOf([&] { connection.Count(sql); }).Number(), number) << sql;
+
+    TableInsert insert(connection, "item", {"size"});
+    const Failure refusal = FailureOf([&] { insert.Add({"twelve"}); });
+    EXPECT_EQ(refusal.Source(), "SQLite");
+    EXPECT_EQ(refusal.Description(), "cannot store TEXT value in INTEGER column item.size");
+    EXPECT_EQ(insert.Add({7}), 1); // the refused row leaves the insert usable
+}
+
+TEST_F(Database, StatementsCanBeNestedInThemselvesAndTheTableMayChangeUnderThem) {
+    for (int i = 1; i <= 3; ++i)
+        connection.Run("INSERT INTO item(size) VALUES(?)", {i});
+    const char* sql = "SELECT * FROM item ORDER BY id";
+    int seen = 0;
+    for (Recordset outer = connection.Execute(sql); !outer.AtEnd(); outer.MoveNext()) {
+        for (Recordset inner = connection.Execute(sql); !inner.AtEnd(); inner.MoveNext())
+            seen += static_cast<int>(outer.Integer("size") * inner.Integer("size"));
+    }
+    EXPECT_EQ(seen, 36);
+    EXPECT_EQ(connection.Run("UPDATE item SET size = 9 WHERE size > ?", {1}), 2);
+
+    Other(path).Run("ALTER TABLE item ADD COLUMN added TEXT DEFAULT 'new'");
+    EXPECT_EQ(connection.Execute(sql).Text("added"), "new");
+
+    // The same address with another text, and more texts than are kept.
+    char buffer[64];
+    for (int i = 0; i < 1000; ++i) {
+        std::snprintf(buffer, sizeof buffer, "SELECT %d", i);
+        ASSERT_EQ(connection.Count(buffer), i);
+    }
+}
+
+TEST_F(Database, ClosingMakesRecordsetsEndAndEverythingElseFail) {
+    connection.Run("INSERT INTO item(name) VALUES('a')");
+    Recordset rows = connection.Execute("SELECT name FROM item");
+    TableInsert insert(connection, "item", {"name"});
+    EXPECT_EQ(FailureOf([&] { connection.Open(path); }).Number(), failure::InvalidArgument);
+    connection.Close();
+    EXPECT_TRUE(rows.AtEnd());
+    EXPECT_EQ(FailureOf([&] { rows.Text(0); }).Number(), failure::NoCurrentRecord);
+    EXPECT_EQ(FailureOf([&] { insert.Add({"b"}); }).Number(), failure::NoObject);
+    EXPECT_EQ(FailureOf([&] { connection.Close(); }).Number(), failure::NoObject);
+    EXPECT_EQ(FailureOf([&] { connection.Run("DELETE FROM item"); }).Number(), failure::NoObject);
+    connection.Open(path);
+    EXPECT_EQ(Rows(), 1);
+    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+}
+
+TEST_F(Database, ABatchIsWrittenAsAWholeOrAsFarAsItGot) {
+    {
+        WriteBatch batch(connection);
+        connection.Run("INSERT INTO item(size) VALUES(1)");
+        {
+            WriteBatch nested(connection);
+            connection.Run("INSERT INTO item(size) VALUES(2)");
+            nested.Commit();
+        }
+        EXPECT_EQ(RowsOnDisk(), 0);
+        batch.Commit();
+        EXPECT_EQ(RowsOnDisk(), 2);
+    }
+    FailureOf([&] {
+        WriteBatch batch(connection);
+        connection.Run("INSERT INTO item(size) VALUES(3)");
+        connection.Run("INSERT INTO item(size) VALUES('x')");
+        batch.Commit();
+    });
+    EXPECT_EQ(RowsOnDisk(), 3);
+    {
+        WriteBatch batch(connection);
+        connection.Run("INSERT INTO item(size) VALUES(4)");
+        connection.Close();
+        EXPECT_EQ(RowsOnDisk(), 4);
+        connection.Open(path);
+        connection.Run("INSERT INTO item(size) VALUES(5)");
+        batch.Commit();
+    }
+    EXPECT_EQ(RowsOnDisk(), 5);
+}
+
+TEST_F(Database, ABatchThatTheDatabaseTookBackIsNotPassedOffAsWritten) {
+    connection.Run("INSERT INTO item(name) VALUES('kept')");
+    connection.Execute("PRAGMA max_page_count = 20"); // the disk is full soon
+    connection.Execute("PRAGMA cache_size = 5");
+    WriteBatch batch(connection);
+    TableInsert insert(connection, "item", {"name"});
+    const Failure full = FailureOf([&] {
+        for (int i = 0; i < 100000; ++i)
+            insert.Add({QString(1000, 'x')});
+    });
+    EXPECT_EQ(full.Description(), "database or disk is full");
+    EXPECT_EQ(Rows(), 1); // it took everything back by itself
+    EXPECT_EQ(FailureOf([&] { insert.Add({nullptr}); }).Number(), full.Number());
+    EXPECT_EQ(FailureOf([&] { batch.Commit(); }).Number(), full.Number());
+    EXPECT_EQ(Rows(), 1);
+    connection.Run("INSERT INTO item(name) VALUES('after')");
+    EXPECT_EQ(RowsOnDisk(), 2);
+}
+
+TEST_F(Database, ALockHeldElsewhereIsTold) {
+    connection.Execute("PRAGMA busy_timeout = 20");
+    Other other(path);
+    other.Run("BEGIN IMMEDIATE");
+    const Failure locked = FailureOf([&] { WriteBatch batch(connection); });
+    EXPECT_EQ(locked.Description(), "database is locked");
+    EXPECT_EQ(FailureOf([&] { connection.Run("DELETE FROM item"); }).Description(),
+              "database is locked");
+    other.Run("ROLLBACK");
+    // A reader elsewhere stops the commit, and then nothing of the batch is there.
+    other.Run("BEGIN; SELECT * FROM item");
+    WriteBatch batch(connection);
+    connection.Run("INSERT INTO item(size) VALUES(1)");
+    EXPECT_EQ(FailureOf([&] { batch.Commit(); }).Description(), "database is locked");
+    other.Run("COMMIT");
+    EXPECT_EQ(Rows(), 0);
+    connection.Run("INSERT INTO item(size) VALUES(2)");
+    EXPECT_EQ(RowsOnDisk(), 1);
+}
+
+TEST_F(Database, AProgramThatDiesInsideABatchLeavesNothingOfIt) {
+    connection.Run("INSERT INTO item(size) VALUES(1)");
+    connection.Close();
+    const pid_t child = fork();
+    if (child == 0) {
+        Connection own;
+        own.Open(path);
+        own.Execute("PRAGMA cache_size = 5"); // so that pages reach the file before the commit
+        WriteBatch batch(own);
+        TableInsert insert(own, "item", {"name"});
+        for (int i = 0; i < 2000; ++i)
+            insert.Add({QString(500, 'x')});
+        _exit(7);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    ASSERT_EQ(WEXITSTATUS(status), 7);
+    ASSERT_TRUE(QFile::exists(path + "-journal"));
+    ASSERT_GT(QFile(path).size(), 500000);
+    connection.Open(path);
+    EXPECT_EQ(Rows(), 1);
+    EXPECT_EQ(connection.Execute("PRAGMA integrity_check").Text(0), "ok");
+    EXPECT_FALSE(QFile::exists(path + "-journal"));
+}
+
+TEST_F(Database, WhatIsNoSurveyFileIsRefusedWithItsReasonAndLeftAlone) {
+    connection.Run("INSERT INTO item(name) VALUES(?)", {QString(20000, 'x')});
+    connection.Close();
+    QFile whole(path);
+    ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
+    const QByteArray survey = whole.readAll();
+    const auto hostile = [&](const char* name, const char* sql) {
+        const QString file = dir.filePath(name);
+        Other(file).Run(sql);
+        return file;
+    };
+    struct Case {
+        QString path;
+        int number;
+        const char* says;
+    };
+    const Case cases[] = {
+        {dir.filePath("missing.plxs"), failure::FileNotFound, "File not found: "},
+        {"", failure::FileNotFound, "File not found"},
+        {":memory:", failure::FileNotFound, "File not found"},
+        {"file:x?mode=memory", failure::FileNotFound, "File not found"},
+        {dir.path(), failure::PathOrFileAccess, "Is a directory"},
+        {"/dev/null", failure::PathOrFileAccess, "not a regular file"},
+        {Make("text", QByteArray(5000, 'a')), SQLITE_NOTADB, "file is not a database"},
+        {hostile("view", "CREATE TABLE a(x); CREATE VIEW question AS SELECT * FROM a"), 75,
+         "views"},
+        {hostile("trigger", "CREATE TABLE a(x); CREATE TRIGGER t AFTER UPDATE ON a BEGIN DELETE"
+                            " FROM a; END"),
+         75, "triggers"},
+        {hostile("virtual", "CREATE VIRTUAL TABLE question USING fts5(x)"), 75, "views"},
+        {hostile("forged", "CREATE TABLE a(x); CREATE VIEW question AS SELECT * FROM a;"
+                           "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET type = 'table',"
+                           " rootpage = 2 WHERE type = 'view'"),
+         SQLITE_CORRUPT, "malformed database schema"},
+    };
+    for (const Case& one : cases) {
+        const bool existed = QFile::exists(one.path);
+        const Failure refusal = FailureOf([&] { connection.Open(one.path); });
+        EXPECT_EQ(refusal.Number(), one.number) << one.path.toStdString();
+        EXPECT_TRUE(refusal.Description().contains(one.says)) << refusal.what();
+        EXPECT_FALSE(connection.IsOpen());
+        EXPECT_EQ(QFile::exists(one.path), existed);
+    }
+    const QString cut = Make("truncated", survey.left(survey.size() / 2));
+    EXPECT_EQ(FailureOf([&] {
+                  connection.Open(cut);
+                  connection.Execute("SELECT name FROM item").Text(0);
+              }).Source(),
+              "SQLite");
+    if (connection.IsOpen())
+        connection.Close();
+    connection.Open(Make("empty", {}));
+    EXPECT_EQ(FailureOf([&] { connection.Execute("SELECT * FROM version"); }).Description(),
+              "no such table: version");
+    connection.Close();
+    EXPECT_EQ(QFile(dir.filePath("empty")).size(), 0);
+}
+
+TEST_F(Database, AFileWithoutWritePermissionCanBeReadAndSaysWhyItIsNotWritten) {
+    if (geteuid() == 0)
+        GTEST_SKIP() << "permissions do not bind the superuser";
+    connection.Close();
+    QFile::setPermissions(path, QFile::ReadOwner);
+    connection.Open(path);
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_EQ(FailureOf([&] { connection.Run("DELETE FROM item"); }).Description(),
+              "attempt to write a readonly database");
+    connection.Close();
+    QFile::setPermissions(path, {});
+    const Failure denied = FailureOf([&] { connection.Open(path); });
+    EXPECT_EQ(denied.Number(), failure::PathOrFileAccess);
+    EXPECT_TRUE(denied.Description().endsWith("Permission denied"));
+}
