@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "platform/Focus.h"
 #include "platform/RichText.h"
 
 namespace pollarix {
@@ -41,9 +42,5 @@ class RichTextBox : public QTextEdit {
     // (not to a popup or menu, and not when code moves the focus, see MoveFocusQuietly).
     std::function<void()> LostFocus;
 };
-
-// Gives a control the focus without raising the LostFocus of the control that has it. Hidden or
-// disabled controls are left alone.
-void MoveFocusQuietly(QWidget& control);
 
 } // namespace pollarix
