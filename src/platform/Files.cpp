@@ -4,7 +4,6 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRandomGenerator>
-#include <QSaveFile>
 
 #include "platform/Failure.h"
 
@@ -27,27 +26,6 @@ void RequireWritable(const QString& path) {
         Refuse(path, "it is read-only");
 }
 
-class WholeFile {
-  public:
-    explicit WholeFile(const QString& path) : path_(path), file_(path) {
-        RequireWritable(path);
-        if (!file_.open(QIODevice::WriteOnly))
-            Refuse(path, file_.errorString());
-    }
-    void Write(QByteArrayView bytes) {
-        if (file_.write(bytes.data(), bytes.size()) != bytes.size())
-            Refuse(path_, file_.errorString());
-    }
-    void Finish() {
-        if (!file_.commit())
-            Refuse(path_, file_.errorString());
-    }
-
-  private:
-    QString path_;
-    QSaveFile file_;
-};
-
 } // namespace
 
 QString NewTempFileName(const QString& directory, const QString& prefix) {
@@ -61,6 +39,22 @@ QString NewTempFileName(const QString& directory, const QString& prefix) {
             Refuse(directory, file.errorString());
     }
     Refuse(directory, "no free name for a temporary file");
+}
+
+WholeFile::WholeFile(const QString& path) : path_(path), file_(path) {
+    RequireWritable(path);
+    if (!file_.open(QIODevice::WriteOnly))
+        Refuse(path, file_.errorString());
+}
+
+void WholeFile::Write(QByteArrayView bytes) {
+    if (file_.write(bytes.data(), bytes.size()) != bytes.size())
+        Refuse(path_, file_.errorString());
+}
+
+void WholeFile::Finish() {
+    if (!file_.commit())
+        Refuse(path_, file_.errorString());
 }
 
 void CopyFileOver(const QString& from, const QString& to) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArrayView>
+#include <QSaveFile>
 #include <QString>
 
 namespace pollarix {
@@ -15,6 +16,20 @@ QString NewTempFileName(const QString& directory, const QString& prefix);
 // PathOrFileAccess for a copy onto itself, a target that may not be written and anything the system
 // says; the path is named.
 void CopyFileOver(const QString& from, const QString& to);
+
+// Writes a file piece by piece, in bounded memory and in the same way: only Finish replaces the
+// target, and without it the target keeps its old content. All three throw PathOrFileAccess with
+// the path and the system's words.
+class WholeFile {
+  public:
+    explicit WholeFile(const QString& path);
+    void Write(QByteArrayView bytes);
+    void Finish();
+
+  private:
+    QString path_;
+    QSaveFile file_;
+};
 
 // Replaces a file's content by the given bytes in the same way.
 void WriteWholeFile(const QString& path, QByteArrayView bytes);
