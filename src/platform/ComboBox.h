@@ -27,6 +27,21 @@ class ComboBox : public QComboBox {
 
     std::function<void()> Click;     // as in ListBox
     std::function<void()> LostFocus; // as in RichTextBox
+
+    void showPopup() override;
+
+  protected:
+    bool event(QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void initStyleOption(QStyleOptionComboBox* option) const override;
+
+  private:
+    void RequireEntry(int index) const;
+
+    int newIndex_ = -1;
+    bool raised_ = false;
 };
 
 // Selects the first entry whose ItemData equals the text read as a number, and stops; raises its

@@ -3,6 +3,7 @@
 
 #include <QListWidget>
 
+#include <cstdint>
 #include <functional>
 
 namespace pollarix {
@@ -31,6 +32,19 @@ class ListBox : public QListWidget {
     // The user selected an entry by mouse or key, or code set ListIndex. A failure in it reaches
     // the code that set ListIndex; a user's click shows it.
     std::function<void()> Click;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
+
+  private:
+    QListWidgetItem& Entry(int index) const;
+
+    int newIndex_ = -1;
+    mutable bool entryPressed_ = false;
 };
 
 } // namespace pollarix

@@ -37,8 +37,9 @@ class TreeView : public QTreeWidget {
     explicit TreeView(QWidget* parent = nullptr);
     ~TreeView() override;
 
-    // Adds a node; relative is "" for a root node. Throws InvalidArgument for a key in use,
-    // NoObject for an unknown relative. Long or many-lined texts show on one line, cut at the edge.
+    // Adds a node, as the relative's last child or as its neighbour; relative is "" for a root
+    // node. Throws InvalidArgument for a key in use, NoObject for an unknown relative. Long or
+    // many-lined texts show on one line, cut at the edge.
     TreeNode& Add(const QString& relative, Relationship relationship, const QString& key,
                   const QString& text);
     // Removes the node and all below it, raising nothing. Throws NoObject for an unknown key.
@@ -53,6 +54,20 @@ class TreeView : public QTreeWidget {
     // The user clicked a node (the current one too) or moved to it with the keys. Never raised by
     // code.
     std::function<void(TreeNode&)> NodeClick;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    QItemSelectionModel::SelectionFlags
+    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
+
+  private:
+    struct State;
+    void RaiseNodeClick();
+
+    std::unique_ptr<State> state_;
 };
 
 } // namespace pollarix

@@ -1,0 +1,201 @@
+// The tree: its two orders, its clicks, and what comes before what when the user clicks.
+#include "platform/TreeView.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+#include "platform/Failure.h"
+#include "platform/Handlers.h"
+
+using namespace pollarix;
+
+namespace {
+
+int NumberOf(const std::function<void()>& action) {
+    try {
+        action();
+    } catch (const Failure& failure) {
+        return failure.Number();
+    }
+    return 0;
+}
+
+class TreeViewTest : public testing::Test {
+  protected:
+    QWidget window_;
+    QLineEdit edit_{&window_};
+    TreeView tree_{&window_};
+    QStringList log_;
+
+    void SetUp() override {
+        auto* layout = new QVBoxLayout(&window_);
+        layout->addWidget(&edit_);
+        layout->addWidget(&tree_);
+        window_.resize(240, 320);
+        tree_.Add("", TreeView::Root, "S", "Survey").SetExpanded(true);
+        for (const char* key : {"a", "b", "c"})
+            tree_.Add("S", TreeView::tvwChild, key, QString(key).toUpper());
+        tree_.NodeClick = [this](TreeNode& node) { log_ << node.Key(); };
+        window_.show();
+        window_.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+        edit_.setFocus();
+    }
+
+    void Click(const QString& key, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(tree_.viewport(), button, {},
+                          tree_.visualItemRect(tree_.Find(key)).center());
+    }
+    QString Selected() const { return tree_.SelectedItem() ? tree_.SelectedItem()->Key() : "-"; }
+    QStringList Log() { return std::exchange(log_, {}); }
+    QString Collection() const {
+        QString keys;
+        for (int i = 1; i <= tree_.Count(); ++i)
+            keys += tree_.Item(i).Key();
+        return keys;
+    }
+    QString Display() const {
+        QString keys;
+        for (TreeNode* node = tree_.Find("S"); node;
+             node = static_cast<TreeNode*>(tree_.itemBelow(node)))
+            keys += node->Key();
+        return keys;
+    }
+};
+
+} // namespace
+
+TEST_F(TreeViewTest, ANodeAddedAgainIsLastInTheCollectionWhereverItStands) {
+    EXPECT_EQ(Collection(), "Sabc");
+    tree_.Remove("b");
+    tree_.Add("a", TreeView::tvwPrevious, "b", "B");
+    EXPECT_EQ(Display(), "Sbac");
+    EXPECT_EQ(Collection(), "Sacb");
+    tree_.Remove("a");
+    tree_.Add("c", TreeView::tvwNext, "a", "A");
+    EXPECT_EQ(Display(), "Sbca");
+    EXPECT_EQ(Collection(), "Scba");
+    EXPECT_EQ(tree_.Find("c")->Previous()->Key(), "b");
+    EXPECT_EQ(tree_.Find("c")->Next()->Key(), "a");
+    EXPECT_EQ(tree_.Find("b")->Previous(), nullptr);
+    EXPECT_EQ(tree_.Find("a")->Next(), nullptr);
+    EXPECT_EQ(tree_.Find("S")->Next(), nullptr) << "the root has no neighbours";
+}
+
+TEST_F(TreeViewTest, RemovingABranchForgetsAllBelowIt) {
+    tree_.Add("b", TreeView::tvwChild, "x", "X").SetSelected();
+    tree_.Add("x", TreeView::tvwChild, "y", "Y");
+    tree_.Remove("b");
+    EXPECT_EQ(Collection(), "Sac");
+    EXPECT_EQ(tree_.Find("y"), nullptr);
+    EXPECT_EQ(Selected(), "c");
+    tree_.Add("S", TreeView::tvwChild, "y", "Y");
+    tree_.Remove("S");
+    EXPECT_EQ(tree_.Count(), 0);
+    EXPECT_EQ(tree_.SelectedItem(), nullptr);
+    EXPECT_EQ(Log(), QStringList());
+}
+
+TEST_F(TreeViewTest, WhatCannotBeFails) {
+    EXPECT_EQ(NumberOf([&] { tree_.Add("S", TreeView::tvwChild, "a", ""); }),
+              failure::InvalidArgument);
+    EXPECT_EQ(NumberOf([&] { tree_.Add("no", TreeView::tvwNext, "d", ""); }), failure::NoObject);
+    EXPECT_EQ(NumberOf([&] { tree_.Remove("no"); }), failure::NoObject);
+    EXPECT_EQ(NumberOf([&] { tree_.Item(0); }), failure::Subscript);
+    EXPECT_EQ(NumberOf([&] { tree_.Item(5); }), failure::Subscript);
+    EXPECT_EQ(Collection(), "Sabc");
+}
+
+TEST_F(TreeViewTest, CodeRaisesNoNodeClick) {
+    EXPECT_EQ(tree_.SelectedItem(), nullptr);
+    tree_.setFocus();
+    EXPECT_EQ(tree_.SelectedItem(), nullptr) << "the focus alone selects nothing";
+    tree_.Find("b")->SetSelected();
+    tree_.Find("b")->SetText("other");
+    tree_.Remove("b");
+    EXPECT_NE(tree_.SelectedItem(), nullptr);
+    tree_.Find("S")->SetExpanded(false);
+    tree_.Find("a")->SetSelected();
+    EXPECT_TRUE(tree_.Find("S")->isExpanded()) << "a selected node is visible";
+    tree_.Clear();
+    EXPECT_EQ(tree_.Count(), 0);
+    EXPECT_EQ(Log(), QStringList());
+}
+
+TEST_F(TreeViewTest, ClicksAndKeysOfTheUserRaiseNodeClick) {
+    Click("b");
+    Click("b");
+    Click("S");
+    EXPECT_EQ(Log(), QStringList({"b", "b", "S"}));
+    Click("c", Qt::RightButton);
+    QTest::mouseClick(tree_.viewport(), Qt::LeftButton, {}, QPoint(60, tree_.height() - 20));
+    const QRect root = tree_.visualItemRect(tree_.Find("S"));
+    QTest::mouseClick(tree_.viewport(), Qt::LeftButton, {},
+                      QPoint(root.left() - tree_.indentation() / 2, root.center().y()));
+    EXPECT_FALSE(tree_.Find("S")->isExpanded());
+    tree_.Find("S")->SetExpanded(true);
+    EXPECT_EQ(Log(), QStringList()) << "no node was clicked";
+    EXPECT_EQ(Selected(), "S");
+    for (Qt::Key key : {Qt::Key_Down, Qt::Key_End, Qt::Key_Down, Qt::Key_Up, Qt::Key_Home,
+                        Qt::Key_PageDown, Qt::Key_Left, Qt::Key_B})
+        QTest::keyClick(&tree_, key);
+    EXPECT_EQ(Log(), QStringList({"a", "c", "b", "S", "c", "S", "b"}));
+}
+
+TEST_F(TreeViewTest, ADoubleClickEndsWithAClickOnItsNode) {
+    tree_.NodeClick = [this](TreeNode& node) {
+        log_ << node.Key();
+        edit_.setFocus();
+    };
+    Click("a");
+    QTest::mouseDClick(tree_.viewport(), Qt::LeftButton, {},
+                       tree_.visualItemRect(tree_.Find("a")).center());
+    EXPECT_EQ(Log().last(), "a");
+    EXPECT_TRUE(edit_.hasFocus());
+}
+
+TEST_F(TreeViewTest, TheFocusIsLostBeforeTheSelectionMoves) {
+    struct Watcher : QObject {
+        std::function<void()> onFocusOut;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::FocusOut)
+                onFocusOut();
+            return false;
+        }
+    } watcher;
+    watcher.onFocusOut = [this] { log_ << "lost on " + Selected(); };
+    edit_.installEventFilter(&watcher);
+    tree_.NodeClick = [this](TreeNode& node) {
+        log_ << "click on " + node.Key();
+        edit_.setFocus();
+    };
+    Click("b"); // the very first click
+    Click("c");
+    QTest::keyClick(&edit_, Qt::Key_Tab);
+    QTest::keyClick(&tree_, Qt::Key_Up);
+    EXPECT_EQ(Log(), QStringList({"lost on -", "click on b", "lost on b", "click on c", "lost on c",
+                                  "click on b"}));
+    edit_.removeEventFilter(&watcher);
+}
+
+TEST_F(TreeViewTest, AFailingNodeClickIsShownAndLeavesTheNodeSelected) {
+    std::vector<int> shown;
+    SetFailureReporter([&](const Failure& failure) { shown.push_back(failure.Number()); });
+    tree_.NodeClick = [](TreeNode&) { throw Failure(failure::NoObject); };
+    Click("b");
+    SetFailureReporter({});
+    EXPECT_EQ(shown, std::vector<int>{failure::NoObject});
+    EXPECT_EQ(Selected(), "b");
+}
+
+TEST_F(TreeViewTest, TextsOfManyLinesTakeOneLineAndStayAsTheyAre) {
+    const QString text = "1. first\r\nsecond\r\n" + QString("long ").repeated(2000);
+    const QRect before = tree_.visualItemRect(tree_.Find("a"));
+    tree_.Find("a")->SetText(text);
+    EXPECT_EQ(tree_.Find("a")->Text(), text);
+    EXPECT_EQ(tree_.visualItemRect(tree_.Find("a")), before);
+}
