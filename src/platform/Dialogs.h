@@ -18,7 +18,7 @@ enum class MsgAnswer { Ok, Yes, No, Cancel };
 // "|".
 struct FileDialogRequest {
     QString title;
-    QString fileName; // preset name or path, "" for none
+    QString fileName; // preset name, path or directory, "" for none
     QString filter;
     bool promptOverwrite = false; // save dialogs only
 };

@@ -15,8 +15,13 @@ struct Directories {
     QString InUser(const QString& name) const { return user + '/' + name; }
 
     // Beside the executable when the data lies there (a build tree), else share/pollarix next to
-    // its bin directory; and the user's local data directory, made if missing.
+    // its bin directory; and the user's local data directory, made if missing. Throws
+    // PathOrFileAccess when it can't be made.
     static Directories OfThisProgram();
 };
+
+// Makes a directory that nobody but its owner may look into, with whatever lies above it; one that
+// is there already is left as it is. Throws PathOrFileAccess.
+void MakeOwnersDirectory(const QString& path);
 
 } // namespace pollarix

@@ -1,0 +1,24 @@
+#include "platform/Application.h"
+
+#include <exception>
+
+#include "platform/Handlers.h"
+
+namespace pollarix {
+
+Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
+    setApplicationName("pollarix");
+    setApplicationDisplayName("Pollarix");
+    setDesktopFileName("pollarix");
+}
+
+bool Application::notify(QObject* receiver, QEvent* event) {
+    try {
+        return QApplication::notify(receiver, event);
+    } catch (const std::exception&) {
+        RunHandler([] { throw; });
+        return false;
+    }
+}
+
+} // namespace pollarix

@@ -1,0 +1,214 @@
+#include "platform/QtDialogs.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDesktopServices>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimer>
+#include <QUrl>
+
+#include <gtest/gtest.h>
+
+#include "platform/Failure.h"
+#include "platform/Handlers.h"
+#include "platform/HourGlass.h"
+
+using namespace pollarix;
+
+namespace {
+
+// Runs an action on the dialog that shows next.
+template <typename Dialog, typename Action> void OnNext(Action action) {
+    QTimer::singleShot(0, qApp, [action] {
+        auto* const dialog = qobject_cast<Dialog*>(QApplication::activeModalWidget());
+        ASSERT_TRUE(dialog);
+        action(dialog);
+    });
+}
+
+void PressNext(Qt::Key key) {
+    OnNext<QMessageBox>([key](QMessageBox* box) { QTest::keyClick(box, key); });
+}
+
+// Types a name into the next file dialog and confirms it.
+void TypeNext(const QString& name, int filter = 0) {
+    OnNext<QFileDialog>([=](QFileDialog* dialog) {
+        dialog->selectNameFilter(dialog->nameFilters().at(filter));
+        auto* const edit = dialog->findChild<QLineEdit*>("fileNameEdit");
+        edit->setText(name);
+        QTest::keyClick(edit, Qt::Key_Return);
+        if (dialog->isVisible()) {
+            ADD_FAILURE() << "the dialog does not take " << name.toStdString();
+            dialog->reject();
+        }
+    });
+}
+
+QString Make(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+    return path;
+}
+
+} // namespace
+
+TEST(QtDialogs, BoxesAnswerToEnterAndEscapeAndShowTextAsItIs) {
+    QtDialogs dialogs;
+    QWidget owner;
+    dialogs.SetDefaultParent(&owner);
+    struct Case {
+        MsgButtons buttons;
+        Qt::Key key;
+        MsgAnswer answer;
+    };
+    const Case cases[] = {
+        {MsgButtons::Ok, Qt::Key_Return, MsgAnswer::Ok},
+        {MsgButtons::Ok, Qt::Key_Escape, MsgAnswer::Ok},
+        {MsgButtons::YesNo, Qt::Key_Return, MsgAnswer::Yes},
+        {MsgButtons::YesNo, Qt::Key_Escape, MsgAnswer::No},
+        {MsgButtons::YesNoCancel, Qt::Key_Return, MsgAnswer::Yes},
+        {MsgButtons::YesNoCancel, Qt::Key_Escape, MsgAnswer::Cancel},
+    };
+    for (const Case& one : cases) {
+        PressNext(one.key);
+        EXPECT_EQ(dialogs.MsgBox("Save?", MsgIcon::Question, one.buttons), one.answer);
+    }
+    OnNext<QMessageBox>([&](QMessageBox* box) {
+        EXPECT_EQ(box->textFormat(), Qt::PlainText);
+        EXPECT_EQ(box->text(), "<b>Tom & Jerry</b>");
+        EXPECT_EQ(box->icon(), QMessageBox::Critical);
+        EXPECT_EQ(box->windowTitle(), "Pollarix");
+        EXPECT_EQ(box->parentWidget(), &owner);
+        box->button(QMessageBox::No)->click();
+    });
+    EXPECT_EQ(dialogs.MsgBox("<b>Tom & Jerry</b>", MsgIcon::Critical, MsgButtons::YesNoCancel),
+              MsgAnswer::No);
+    OnNext<QMessageBox>([](QMessageBox* box) {
+        EXPECT_LT(box->text().size(), 3000);
+        EXPECT_EQ(box->detailedText().size(), 100000);
+        box->accept();
+    });
+    dialogs.MsgBox(QString(100000, 'x'), MsgIcon::Information, MsgButtons::Ok);
+}
+
+TEST(QtDialogs, ABoxOutlivesItsWindowAndTheHourGlassRestsMeanwhile) {
+    QtDialogs dialogs;
+    auto* const owner = new QWidget;
+    dialogs.SetDefaultParent(owner);
+    const HourGlass outer;
+    const HourGlass inner;
+    OnNext<QMessageBox>([owner](QMessageBox*) {
+        EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+        delete owner;
+    });
+    EXPECT_EQ(dialogs.MsgBox("?", MsgIcon::Question, MsgButtons::YesNo), MsgAnswer::No);
+    ASSERT_NE(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
+}
+
+TEST(QtDialogs, ASavedNameGetsItsSuffixBeforeOverwritingIsAsked) {
+    QTemporaryDir dir;
+    QtDialogs dialogs;
+    FileDialogRequest request{"Save", dir.filePath("first"), "", true};
+    request.filter = "Pollarix (*.plxs)|*.plxs|Comma separated|*.csv|All Files (*.*)|*.*";
+    struct Case {
+        const char* typed;
+        int filter;
+        const char* saved;
+    };
+    const Case cases[] = {{"survey", 0, "survey.plxs"},
+                          {"Results 2.0", 0, "Results 2.0.plxs"},
+                          {"a.rtf", 0, "a.rtf"},
+                          {"Dr. Who", 1, "Dr. Who.csv"},
+                          {"anything", 2, "anything"}};
+    for (const Case& one : cases) {
+        TypeNext(one.typed, one.filter);
+        const FileDialogResult result = dialogs.ShowSave(request);
+        EXPECT_EQ(result.fileName, dir.filePath(one.saved));
+        EXPECT_EQ(result.filterIndex, one.filter);
+    }
+
+    // The dialog remembers where it was; "no" to the question goes back to it.
+    Make(dir.filePath("survey.plxs"));
+    request.fileName.clear();
+    TypeNext("survey");
+    QTimer::singleShot(0, qApp, [] {
+        QTimer::singleShot(0, qApp, [] {
+            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+            ASSERT_TRUE(box);
+            EXPECT_TRUE(box->text().contains("survey.plxs already exists"));
+            TypeNext("other");
+            QTest::keyClick(box, Qt::Key_Return); // "No" is the default
+        });
+    });
+    EXPECT_EQ(dialogs.ShowSave(request).fileName, dir.filePath("other.plxs"));
+}
+
+TEST(QtDialogs, OpenGivesAnExistingFileAndCancelIsAFailure) {
+    QTemporaryDir dir;
+    QtDialogs dialogs;
+    const QString survey = Make(dir.filePath("survey.plxs"));
+    FileDialogRequest request{"Open", dir.filePath(""), "Pollarix (*.plxs)|*.plxs", false};
+    TypeNext("survey.plxs");
+    EXPECT_EQ(dialogs.ShowOpen(request).fileName, survey);
+    OnNext<QFileDialog>([](QFileDialog* dialog) {
+        EXPECT_EQ(dialog->nameFilters(), QStringList("Pollarix (*.plxs)"));
+        dialog->reject();
+    });
+    try {
+        dialogs.ShowOpen(request);
+        FAIL();
+    } catch (const Failure& failure) {
+        EXPECT_EQ(failure.Number(), failure::DialogCancelled);
+    }
+}
+
+class Opener : public QObject {
+    Q_OBJECT
+
+  public:
+    QStringList opened;
+
+  public slots:
+    void Open(const QUrl& url) { opened << url.toString(); }
+};
+
+TEST(QtDialogs, OnlyWebPagesAreOpenedAsLinksAndFilesAsFiles) {
+    Opener opener;
+    const QStringList schemes{"http", "https", "file", "ftp", "javascript", "mailto"};
+    for (const QString& scheme : schemes)
+        QDesktopServices::setUrlHandler(scheme, &opener, "Open");
+    QtDialogs dialogs;
+    for (const char* url :
+         {"https://example.org/a?b=c d", "HTTP://example.org", "file:///etc/passwd",
+          "ftp://example.org", "javascript:alert(1)", "http:", "https:///x", "mailto:a@example.org",
+          "example.org", "/bin/sh", ""})
+        dialogs.OpenUrl(url);
+    EXPECT_EQ(opener.opened, QStringList({"https://example.org/a?b=c d", "http://example.org"}));
+    opener.opened.clear();
+    dialogs.OpenFile("/tmp/http: 100%.rtf");
+    dialogs.OpenFile("mailto:help@example.org");
+    EXPECT_EQ(opener.opened,
+              QStringList({"file:///tmp/http: 100%25.rtf", "mailto:help@example.org"}));
+    for (const QString& scheme : schemes)
+        QDesktopServices::unsetUrlHandler(scheme);
+}
+
+TEST(Application, AnExceptionThatSlipsThroughAnEventIsReportedAndTheLoopGoesOn) {
+    std::vector<int> shown;
+    SetFailureReporter([&](const Failure& failure) { shown.push_back(failure.Number()); });
+    bool wentOn = false;
+    QTimer::singleShot(0, qApp, [] { throw Failure(failure::Overflow); });
+    QTimer::singleShot(1, qApp, [] { throw std::runtime_error("other"); });
+    QTimer::singleShot(2, qApp, [&] { wentOn = true; });
+    EXPECT_TRUE(QTest::qWaitFor([&] { return wentOn; }, 2000));
+    SetFailureReporter({});
+    ASSERT_EQ(shown.size(), 2u);
+    EXPECT_EQ(shown[0], failure::Overflow);
+    EXPECT_EQ(QApplication::applicationDisplayName(), "Pollarix");
+}
+
+#include "QtDialogs_test.moc"
