@@ -96,15 +96,16 @@ std::int32_t FtpConnection::SetCurrentDirectory(const QString& directory) {
         return internet::InvalidUrl;
     if (!IsAlive())
         return internet::ConnectionEnded;
+    // The star lets libcurl keep the connection when the server refuses.
     curl_slist* command =
-        curl_slist_append(nullptr, QString("CWD " + directory).toUtf8().constData());
+        curl_slist_append(nullptr, QString("*CWD " + directory).toUtf8().constData());
     curl_easy_setopt(curl_.get(), CURLOPT_UPLOAD, 0L);
     curl_easy_setopt(curl_.get(), CURLOPT_NOBODY, 1L);
     curl_easy_setopt(curl_.get(), CURLOPT_QUOTE, command);
     const std::int32_t code = Perform({});
     curl_easy_setopt(curl_.get(), CURLOPT_QUOTE, nullptr);
     curl_slist_free_all(command);
-    return code;
+    return code == 0 && replyCode_ >= 400 ? internet::ServersOwnWords : code;
 }
 
 std::int32_t FtpConnection::PutFile(const QString& localPath, const QString& remoteName) {
