@@ -114,7 +114,7 @@ void ListBox::mouseMoveEvent(QMouseEvent* event) {
 
 QItemSelectionModel::SelectionFlags ListBox::selectionCommand(const QModelIndex& index,
                                                               const QEvent* event) const {
-    if (event && event->type() == QEvent::MouseButtonPress && index.isValid())
+    if (IsPress(event) && index.isValid())
         entryPressed_ = true;
     return UserSelection(QListWidget::selectionCommand(index, event), event);
 }

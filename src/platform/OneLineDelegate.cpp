@@ -91,4 +91,9 @@ QItemSelectionModel::SelectionFlags UserSelection(QItemSelectionModel::Selection
     return command;
 }
 
+bool IsPress(const QEvent* event) {
+    return event && (event->type() == QEvent::MouseButtonPress ||
+                     event->type() == QEvent::MouseButtonDblClick);
+}
+
 } // namespace pollarix

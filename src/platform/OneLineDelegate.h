@@ -38,4 +38,8 @@ class OneLineDelegate : public QStyledItemDelegate {
 QItemSelectionModel::SelectionFlags UserSelection(QItemSelectionModel::SelectionFlags command,
                                                   const QEvent* event);
 
+// Whether the event that a view asks a selection command for is the user's press on an entry: the
+// second of two quick clicks on different entries comes as a double click.
+bool IsPress(const QEvent* event);
+
 } // namespace pollarix

@@ -192,7 +192,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent* event) {
 
 QItemSelectionModel::SelectionFlags TreeView::selectionCommand(const QModelIndex& index,
                                                                const QEvent* event) const {
-    if (event && event->type() == QEvent::MouseButtonPress && index.isValid())
+    if (IsPress(event) && index.isValid())
         state_->nodePressed = true;
     return UserSelection(QTreeWidget::selectionCommand(index, event), event);
 }

@@ -1,0 +1,334 @@
+// The grid: what it keeps and drops, what the user's clicks and keys do, and that rows nobody sees
+// cost nothing.
+#include "platform/Grid.h"
+
+#include <QAccessible>
+#include <QHeaderView>
+#include <QScrollBar>
+#include <QSignalSpy>
+#include <QTest>
+#include <QVBoxLayout>
+
+#include <gtest/gtest.h>
+
+#include "platform/Failure.h"
+#include "platform/Handlers.h"
+#include "support/NumberOf.h"
+
+using namespace pollarix;
+using pollarix::test::NumberOf;
+
+namespace {
+
+class GridTest : public testing::Test {
+  protected:
+    struct Window : QWidget {
+        QStringList keys;
+        void keyPressEvent(QKeyEvent* event) override {
+            keys << QKeySequence(event->key()).toString();
+        }
+    } window_;
+    Grid grid_{&window_};
+    QStringList log_;
+    std::vector<int> shown_; // failures that reached the top
+
+    // Five body rows "r1c0", ... of three columns.
+    void SetUp() override {
+        auto* layout = new QVBoxLayout(&window_);
+        layout->addWidget(&grid_);
+        window_.resize(420, 260);
+        grid_.SetCols(3);
+        grid_.SetRows(6);
+        for (int row = 0; row < 6; ++row) {
+            for (int col = 0; col < 3; ++col)
+                grid_.SetTextMatrix(row, col, QString("r%1c%2").arg(row).arg(col));
+        }
+        grid_.Click = [this] { log_ << "click " + Where(); };
+        grid_.DblClick = [this] { log_ << "double " + Where(); };
+        SetFailureReporter([this](const Failure& failure) { shown_.push_back(failure.Number()); });
+        window_.show();
+        window_.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window_));
+        grid_.setFocus();
+    }
+    void TearDown() override { SetFailureReporter({}); }
+
+    QString Where() const {
+        return QString("%1,%2-%3").arg(grid_.Row()).arg(grid_.Col()).arg(grid_.ColSel());
+    }
+    // The cells shown as selected, in the grid's rows.
+    QString Marked() const {
+        QStringList cells;
+        for (const QModelIndex& cell : grid_.selectionModel()->selectedIndexes())
+            cells << QString("%1,%2").arg(cell.row() + 1).arg(cell.column());
+        cells.sort();
+        return cells.join(' ');
+    }
+    QPoint At(int row, int col) const {
+        return grid_.visualRect(grid_.model()->index(row - 1, col)).center();
+    }
+    void ClickCell(int row, int col, Qt::MouseButton button = Qt::LeftButton) {
+        QTest::mouseClick(grid_.viewport(), button, {}, At(row, col));
+    }
+    void Press(std::initializer_list<Qt::Key> keys) {
+        for (Qt::Key key : keys)
+            QTest::keyClick(&grid_, key);
+    }
+    QStringList Log() { return std::exchange(log_, {}); }
+};
+
+} // namespace
+
+TEST_F(GridTest, CodeSelectsACellOrAStretchOfARow) {
+    EXPECT_EQ(Where(), "0,0-0");
+    EXPECT_EQ(Marked(), "") << "the focus selects nothing";
+    grid_.SetRow(2);
+    EXPECT_EQ(Marked(), "2,0");
+    grid_.SetColSel(2);
+    EXPECT_EQ(Marked(), "2,0 2,1 2,2");
+    grid_.SetRow(3);
+    EXPECT_EQ(Where(), "3,0-0");
+    EXPECT_EQ(Marked(), "3,0");
+    grid_.SetColSel(1);
+    grid_.SetCol(2);
+    EXPECT_EQ(Marked(), "3,2");
+    EXPECT_EQ(grid_.Text(), "r3c2");
+    grid_.SetText("new");
+    EXPECT_EQ(grid_.TextMatrix(3, 2), "new");
+    grid_.SetRow(0);
+    EXPECT_EQ(Marked(), "");
+    EXPECT_EQ(Log(), QStringList()) << "code raises nothing";
+}
+
+TEST_F(GridTest, WhatIsOutOfTheGridFailsAndChangesNothing) {
+    grid_.SetRow(1);
+    for (int bad : {-1, 6}) {
+        for (const std::function<void()>& action : std::vector<std::function<void()>>{
+                 [&] { grid_.SetRow(bad); }, [&] { grid_.SetCol(bad); },
+                 [&] { grid_.SetColSel(bad); }, [&] { grid_.TextMatrix(bad, 0); },
+                 [&] { grid_.TextMatrix(0, bad); }, [&] { grid_.SetTextMatrix(bad, 0, ""); },
+                 [&] { grid_.RowData(bad); }, [&] { grid_.SetRowData(bad, 1); },
+                 [&] { grid_.ColData(bad); }, [&] { grid_.ColWidth(bad); },
+                 [&] { grid_.SetColWidth(bad, 1); }, [&] { grid_.SetCellAlignment(1, bad, 1); }})
+            EXPECT_EQ(NumberOf(action), failure::InvalidArgument) << bad;
+    }
+    EXPECT_EQ(NumberOf([&] { grid_.SetRows(-1); }), failure::InvalidArgument);
+    EXPECT_EQ(NumberOf([&] { grid_.SetCellAlignment(1, 1, 2); }), failure::InvalidArgument);
+    EXPECT_EQ(Where(), "1,0-0");
+}
+
+TEST_F(GridTest, ShrinkingClampsTheSelectionAndDropsWhatLiesBeyond) {
+    grid_.SetRow(5);
+    grid_.SetCol(2);
+    grid_.SetRowData(3, 33);
+    grid_.SetRowData(5, 55);
+    grid_.SetColData(2, 22);
+    grid_.SetCellAlignment(5, 0, 7);
+    grid_.SetColWidth(2, 2400);
+    grid_.SetRows(4);
+    grid_.SetCols(2);
+    EXPECT_EQ(Where(), "3,1-1");
+    EXPECT_EQ(Marked(), "3,1");
+    grid_.SetRows(6);
+    grid_.SetCols(3);
+    EXPECT_EQ(grid_.TextMatrix(3, 1), "r3c1");
+    EXPECT_EQ(grid_.TextMatrix(5, 0), "");
+    EXPECT_EQ(grid_.TextMatrix(0, 2), "");
+    EXPECT_EQ(grid_.CellAlignment(5, 0), 1);
+    EXPECT_EQ(grid_.RowData(3), 33);
+    EXPECT_EQ(grid_.RowData(5), 0);
+    EXPECT_EQ(grid_.ColData(2), 0);
+    EXPECT_EQ(grid_.ColWidth(2), 2400) << "widths outlive their columns";
+    EXPECT_EQ(grid_.columnWidth(2), 160);
+    for (int rows : {1, 0, 2}) {
+        grid_.SetRows(rows);
+        EXPECT_EQ(grid_.Row(), 0);
+    }
+}
+
+TEST_F(GridTest, AClickMovesToItsCellAndOneOnAHeadMovesNothing) {
+    ClickCell(2, 1);
+    ClickCell(2, 1);
+    ClickCell(4, 2, Qt::RightButton);
+    EXPECT_EQ(Log(), QStringList({"click 2,1-1", "click 2,1-1"}));
+    QTest::mouseDClick(grid_.viewport(), Qt::LeftButton, {}, At(3, 0));
+    EXPECT_EQ(Log(), QStringList({"click 3,0-0"})) << "the first click was on another cell";
+    QTest::mouseDClick(grid_.viewport(), Qt::LeftButton, {}, At(3, 0));
+    EXPECT_EQ(Log().last(), "double 3,0-0");
+
+    QWidget* heads = grid_.horizontalHeader()->viewport();
+    const QPoint head(grid_.columnViewportPosition(2) + 20, heads->height() / 2);
+    QTest::mouseClick(heads, Qt::LeftButton, {}, head);
+    QTest::mouseDClick(heads, Qt::LeftButton, {}, head);
+    grid_.SetFixedCols(1);
+    QTest::mouseClick(grid_.verticalHeader()->viewport(), Qt::LeftButton, {}, QPoint(10, 10));
+    for (const QString& entry : Log())
+        EXPECT_EQ(entry, "click 3,0-0");
+    EXPECT_EQ(Where(), "3,0-0");
+    QTest::mouseClick(grid_.viewport(), Qt::LeftButton, {}, grid_.viewport()->rect().bottomRight());
+    EXPECT_EQ(Log(), QStringList()) << "beside all cells";
+}
+
+TEST_F(GridTest, KeysMoveTheCellAndAreHeardBeforeTheyMoveIt) {
+    grid_.KeyDown = [this](QKeyEvent& event) {
+        log_ << Where();
+        if (event.key() == Qt::Key_Space)
+            event.accept();
+    };
+    Press({Qt::Key_Down, Qt::Key_Right, Qt::Key_Down, Qt::Key_End, Qt::Key_PageDown, Qt::Key_Right,
+           Qt::Key_Home, Qt::Key_Left, Qt::Key_Up});
+    EXPECT_EQ(Log(), QStringList({"0,0-0", "1,0-0", "1,1-1", "2,1-1", "2,2-2", "5,2-2", "5,2-2",
+                                  "5,0-0", "5,0-0"}))
+        << "each as it was when the key came; no clicks";
+    EXPECT_EQ(Where(), "4,0-0");
+    grid_.SetFixedCols(1);
+    grid_.SetCol(2);
+    Press({Qt::Key_Left, Qt::Key_Left});
+    EXPECT_EQ(Where(), "4,1-1") << "keys do not enter the head column";
+    grid_.SetCol(0);
+    EXPECT_EQ(grid_.Text(), "r4c0") << "but code may";
+    EXPECT_EQ(Marked(), "");
+
+    window_.keys.clear();
+    Press({Qt::Key_Down, Qt::Key_Return, Qt::Key_Space});
+    EXPECT_EQ(window_.keys, QStringList({"Return"})) << "moves and accepted keys stay in the grid";
+}
+
+TEST_F(GridTest, AGridOfWholeRowsStaysOneForMouseAndKeys) {
+    grid_.SetSelectRows(true);
+    ClickCell(2, 1);
+    EXPECT_EQ(Log(), QStringList("click 2,0-2"));
+    EXPECT_EQ(Marked(), "2,0 2,1 2,2");
+    Press({Qt::Key_Right, Qt::Key_Down, Qt::Key_Left});
+    EXPECT_EQ(Where(), "3,0-2");
+    Press({Qt::Key_Home});
+    EXPECT_EQ(Where(), "1,0-2");
+    QTest::mouseDClick(grid_.viewport(), Qt::LeftButton, {}, At(4, 0));
+    QTest::mouseDClick(grid_.viewport(), Qt::LeftButton, {}, At(4, 2));
+    EXPECT_EQ(Log().last(), "double 4,0-2") << "anywhere on the row";
+    grid_.SetSelectRows(false);
+    grid_.SetRow(2);
+    grid_.SetColSel(1);
+    Press({Qt::Key_Down, Qt::Key_Right});
+    EXPECT_EQ(Where(), "3,0-1") << "a stretch set by code stays wide as it moves";
+}
+
+TEST_F(GridTest, AMillionRowsAskOnlyForTheTextsOnTheScreen) {
+    int asked = 0;
+    grid_.SetRows(1);
+    grid_.SetProvider([&](int row, int col) {
+        ++asked;
+        return QString("%1/%2").arg(row).arg(col);
+    });
+    grid_.SetRedraw(false);
+    grid_.SetRows(1'000'001);
+    grid_.SetRow(900'000);
+    EXPECT_EQ(asked, 0);
+    grid_.SetRedraw(true);
+    grid_.grab();
+    const int aScreen = 3 * (grid_.viewport()->height() / grid_.rowHeight(0) + 2);
+    EXPECT_GT(asked, 0);
+    EXPECT_LE(asked, aScreen);
+    EXPECT_TRUE(grid_.viewport()->rect().contains(At(900'000, 0))) << "the row set is in view";
+
+    asked = 0;
+    grid_.viewport()->update();
+    grid_.grab();
+    EXPECT_EQ(grid_.TextMatrix(900'000, 2), "900000/2");
+    EXPECT_EQ(asked, 0) << "texts on the screen are remembered";
+    Press({Qt::Key_End});
+    grid_.grab();
+    grid_.SetRow(1'000'000);
+    grid_.grab();
+    EXPECT_LE(asked, aScreen);
+    grid_.SetRow(1);
+    grid_.SetRow(1'000'000);
+
+    asked = 0;
+    for (int row = 1; row <= 600; ++row)
+        grid_.TextMatrix(row, 0);
+    for (int row = 600; row >= 1; --row)
+        grid_.TextMatrix(row, 0);
+    EXPECT_GE(asked, 600 + 600 - 512) << "what is remembered has a bound";
+    EXPECT_LE(asked, 700);
+    asked = 0;
+    grid_.SetTextMatrix(1, 0, "");
+    grid_.TextMatrix(1, 0);
+    grid_.TextMatrix(0, 0);
+    EXPECT_EQ(asked, 0) << "a cell set to nothing is set; the head is never asked for";
+    grid_.SetProvider({});
+    EXPECT_EQ(grid_.TextMatrix(600, 0), "");
+}
+
+TEST_F(GridTest, FillingRowByRowTellsTheViewOnceWhenItStands) {
+    QSignalSpy resets(grid_.model(), &QAbstractItemModel::modelReset);
+    QSignalSpy inserts(grid_.model(), &QAbstractItemModel::rowsInserted);
+    QSignalSpy changes(grid_.model(), &QAbstractItemModel::dataChanged);
+    grid_.SetRow(4);
+    grid_.SetColWidth(1, 3000);
+    grid_.SetRedraw(false);
+    grid_.SetRows(1);
+    ClickCell(2, 1);
+    Press({Qt::Key_Down});
+    EXPECT_EQ(grid_.Row(), 0) << "the user waits";
+    EXPECT_EQ(Log(), QStringList());
+    for (int row = 1; row <= 100'000; ++row) {
+        grid_.SetRows(row + 1);
+        grid_.SetTextMatrix(row, 0, QString::number(row));
+        grid_.SetRowData(row, -row);
+    }
+    grid_.SetRow(77'777);
+    EXPECT_EQ(resets.count() + inserts.count() + changes.count(), 0);
+    grid_.SetRedraw(true);
+    EXPECT_EQ(resets.count(), 1);
+    EXPECT_EQ(inserts.count() + changes.count(), 0);
+    EXPECT_EQ(grid_.Text(), "77777");
+    EXPECT_EQ(grid_.RowData(77'777), -77'777);
+    EXPECT_EQ(Marked(), "77777,0");
+    EXPECT_EQ(grid_.columnWidth(1), 200);
+    EXPECT_TRUE(grid_.viewport()->rect().contains(At(77'777, 0)));
+}
+
+TEST_F(GridTest, AFailingProviderFailsTheReaderAndIsShownOnceForAScreen) {
+    grid_.SetRows(1);
+    grid_.SetRows(1000);
+    grid_.SetProvider([](int, int) -> QString { throw Failure(failure::NoCurrentRecord); });
+    EXPECT_EQ(NumberOf([&] { grid_.TextMatrix(1, 0); }), failure::NoCurrentRecord);
+    EXPECT_TRUE(shown_.empty());
+    grid_.grab();
+    grid_.grab();
+    QTest::qWait(1);
+    EXPECT_EQ(shown_, std::vector<int>{failure::NoCurrentRecord});
+}
+
+TEST_F(GridTest, WidthsFollowTheUserAndTheStretchingColumnTheWindow) {
+    grid_.setColumnWidth(1, 90); // what dragging the edge of a head does
+    EXPECT_EQ(grid_.ColWidth(1), 1350);
+    grid_.SetStretchCol(1);
+    const auto total = [this] {
+        return grid_.columnWidth(0) + grid_.columnWidth(1) + grid_.columnWidth(2);
+    };
+    EXPECT_EQ(total(), grid_.viewport()->width());
+    window_.resize(700, 260);
+    EXPECT_EQ(total(), grid_.viewport()->width());
+    window_.resize(150, 260);
+    EXPECT_EQ(grid_.columnWidth(1), 90);
+    EXPECT_EQ(grid_.ColWidth(1), 1350);
+    grid_.SetColWidth(0, 0);
+    EXPECT_TRUE(grid_.isColumnHidden(0));
+    grid_.SetFixedCols(1);
+    grid_.SetColWidth(0, 30'000);
+    EXPECT_LT(grid_.verticalHeader()->width(), grid_.width());
+    EXPECT_GT(grid_.viewport()->width(), 0) << "a head of any length leaves room for the cells";
+}
+
+TEST_F(GridTest, AScreenReaderFindsHeadsAndCells) {
+    grid_.SetFixedCols(1);
+    QAccessibleInterface* grid = QAccessible::queryAccessibleInterface(&grid_);
+    ASSERT_TRUE(grid && grid->tableInterface());
+    QAccessibleTableInterface& table = *grid->tableInterface();
+    EXPECT_EQ(table.rowCount(), 5);
+    EXPECT_EQ(table.columnDescription(2), "r0c2");
+    EXPECT_EQ(table.rowDescription(1), "r2c0");
+    EXPECT_EQ(table.cellAt(1, 2)->text(QAccessible::Name), "r2c2");
+}
