@@ -20,8 +20,8 @@ void RequireWritable(const QString& path) {
     const QFileInfo info(path);
     if (info.isDir())
         Refuse(path, "it is a directory");
-    constexpr auto anyWrite = QFileDevice::WriteOwner | QFileDevice::WriteUser |
-                              QFileDevice::WriteGroup | QFileDevice::WriteOther;
+    constexpr auto anyWrite =
+        QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
     if (info.exists() && !(info.permissions() & anyWrite))
         Refuse(path, "it is read-only");
 }
@@ -43,13 +43,18 @@ QString NewTempFileName(const QString& directory, const QString& prefix) {
 
 WholeFile::WholeFile(const QString& path) : path_(path), file_(path) {
     RequireWritable(path);
-    if (!file_.open(QIODevice::WriteOnly))
+    if (!file_.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
         Refuse(path, file_.errorString());
 }
 
 void WholeFile::Write(QByteArrayView bytes) {
-    if (file_.write(bytes.data(), bytes.size()) != bytes.size())
-        Refuse(path_, file_.errorString());
+    // A disk that is about to be full takes a part without saying why: the next write says it.
+    while (!bytes.isEmpty()) {
+        const qint64 written = file_.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            Refuse(path_, file_.errorString());
+        bytes = bytes.sliced(written);
+    }
 }
 
 void WholeFile::Finish() {
