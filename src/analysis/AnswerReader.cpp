@@ -1,0 +1,89 @@
+#include "analysis/AnswerReader.h"
+
+#include "document/clsQ.h"
+
+namespace pollarix {
+
+namespace {
+
+// Indexes give this order: no sorting, no waiting before the first row.
+constexpr const char* AllAnswers =
+    "SELECT respondent.id, submitteddate, source, answer.id, QuestionID, ResponseID, "
+    "ResponseMatrixID, SimpleResponse "
+    "FROM respondent LEFT JOIN respondent_responses AS answer ON RespondentID = respondent.id "
+    "ORDER BY submitteddate, respondent.id, QuestionID, answer.id";
+
+enum Field { Id, SubmittedDate, Source, AnswerId, QuestionId, ResponseId, PointId, SimpleResponse };
+
+std::optional<QString> TextOrNull(const Recordset& rows, Field field) {
+    if (rows.IsNull(field))
+        return std::nullopt;
+    return rows.Text(field);
+}
+
+int PlaceIn(const QHash<std::int64_t, int>& places, const Recordset& rows, Field field) {
+    return rows.IsNull(field) ? -1 : places.value(rows.Integer(field), -1);
+}
+
+} // namespace
+
+AnswerReader::AnswerReader(Connection& survey, const ReportSurvey& layout)
+    : layout_(layout), rows_(survey.Execute(AllAnswers)), ranges_(layout.questions.size()) {}
+
+bool AnswerReader::Next() {
+    if (rows_.AtEnd())
+        return false;
+    for (const std::size_t question : answered_)
+        ranges_[question] = {};
+    answered_.clear();
+    answers_.clear();
+
+    respondent_.id = rows_.Integer(Id);
+    respondent_.submitteddate = TextOrNull(rows_, SubmittedDate);
+    respondent_.source = TextOrNull(rows_, Source);
+    do {
+        if (!rows_.IsNull(AnswerId))
+            ReadAnswer();
+        rows_.MoveNext();
+    } while (!rows_.AtEnd() && rows_.Integer(Id) == respondent_.id);
+    return true;
+}
+
+void AnswerReader::ReadAnswer() {
+    // Answers to deleted questions stay in the file and belong to nothing.
+    const int place = PlaceIn(layout_.questionIndex, rows_, QuestionId);
+    if (place < 0)
+        return;
+    const ReportQuestion& question = layout_.questions[place];
+    ReportAnswer answer;
+    if (question.qtype == kind::OpenEnded) {
+        answer.simpleresponse = TextOrNull(rows_, SimpleResponse);
+    } else {
+        answer.response = PlaceIn(question.responseIndex, rows_, ResponseId);
+        if (question.qtype == kind::Matrix)
+            answer.point = PlaceIn(layout_.pointIndex, rows_, PointId);
+    }
+    auto& [begin, end] = ranges_[place];
+    if (begin == end) {
+        begin = answers_.size();
+        answered_.push_back(place);
+    }
+    answers_.push_back(std::move(answer));
+    end = answers_.size();
+}
+
+std::span<const ReportAnswer> AnswerReader::AnswersTo(std::size_t question) const {
+    const auto [begin, end] = ranges_[question];
+    return {answers_.data() + begin, end - begin};
+}
+
+const std::vector<const ReportAnswer*>& AnswerReader::AnswersToMatrix(std::size_t question) {
+    matrix_.assign(layout_.questions[question].responses.size(), nullptr);
+    for (const ReportAnswer& answer : AnswersTo(question)) {
+        if (answer.response >= 0 && !matrix_[answer.response])
+            matrix_[answer.response] = &answer;
+    }
+    return matrix_;
+}
+
+} // namespace pollarix

@@ -1,0 +1,57 @@
+// Walks the respondents, oldest first, with their answers sorted out by question. One statement
+// reads everything in this order, so that only one respondent stands in memory at a time.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "analysis/ReportSurvey.h"
+
+namespace pollarix {
+
+struct ReportAnswer {
+    int response = -1; // place in the question's responses; -1 for one that is not of the question
+    int point = -1;    // place in the survey's points; -1 for none
+    std::optional<QString> simpleresponse; // read for open ended questions only; none for Null
+};
+
+struct Respondent {
+    std::int64_t id = 0;
+    std::optional<QString> submitteddate; // as stored
+    std::optional<QString> source;
+};
+
+class AnswerReader {
+  public:
+    // The survey's questions must outlive the reader.
+    AnswerReader(Connection& survey, const ReportSurvey& layout);
+
+    // Goes to the next respondent, at first to the first one; false at the end.
+    bool Next();
+    const Respondent& Current() const { return respondent_; }
+
+    // The respondent's answers to the question at this place of the survey's questions, in the
+    // order in which they were stored.
+    std::span<const ReportAnswer> AnswersTo(std::size_t question) const;
+
+    // The first answer to each of the question's sub questions; null for one without answer.
+    const std::vector<const ReportAnswer*>& AnswersToMatrix(std::size_t question);
+
+  private:
+    void ReadAnswer();
+
+    const ReportSurvey& layout_;
+    Recordset rows_;
+    Respondent respondent_;
+    std::vector<ReportAnswer> answers_;
+    std::vector<std::pair<std::size_t, std::size_t>> ranges_; // of answers_, for each question
+    std::vector<std::size_t> answered_;                       // questions with a range
+    std::vector<const ReportAnswer*> matrix_;
+};
+
+} // namespace pollarix

@@ -1,0 +1,124 @@
+#include "analysis/PaperSurvey.h"
+
+#include "analysis/SaveCommand.h"
+#include "document/clsQ.h"
+#include "platform/RichText.h"
+
+namespace pollarix {
+
+namespace {
+
+// A hollow box, alone or with a tab before or behind it: "o" in this font.
+void AppendBox(RichTextFileWriter& out, QStringView box) {
+    const QString kept = out.SelFontName();
+    out.SetSelFontName("Wingdings");
+    out.Append(box);
+    out.SetSelFontName(kept);
+}
+
+// Names of the points of the scale that a row of `response` stands on; none for a row without one.
+QStringList PointsOf(Connection& survey, const Recordset& row) {
+    QStringList names;
+    const DbValue group = row.IsNull("responseMatrixGroupID")
+                              ? DbValue()
+                              : DbValue(row.Integer("responseMatrixGroupID"));
+    for (Recordset points = survey.Execute("SELECT name FROM responsematrix "
+                                           "WHERE responsematrixgroupid = ? ORDER BY pos, id",
+                                           {group});
+         !points.AtEnd(); points.MoveNext())
+        names << points.NullToString("name");
+    return names;
+}
+
+// Each sub question prints the points of its own scale; the head is that of the first, whose row
+// must therefore be there.
+void AppendMatrix(RichTextFileWriter& out, Connection& survey, std::int64_t questionId) {
+    Recordset rows = survey.Execute("SELECT id, name, responseMatrixGroupID FROM response "
+                                    "WHERE questionid = ? ORDER BY pos, id",
+                                    {questionId});
+    const QStringList head = PointsOf(survey, rows);
+    out.Append(u"\t\t");
+    for (const QString& name : head)
+        out.Append(name + '\t');
+    out.Append(u"\r\n");
+    for (; !rows.AtEnd(); rows.MoveNext()) {
+        out.Append(rows.NullToString("name") + '\t');
+        const qsizetype count = PointsOf(survey, rows).size();
+        for (qsizetype i = 0; i < count; ++i)
+            AppendBox(out, u"o\t");
+        out.Append(u"\r\n");
+    }
+}
+
+// The answers stand in the order in which they were made, not in that of the screen.
+void AppendChoices(RichTextFileWriter& out, Connection& survey, std::int64_t questionId) {
+    for (Recordset rows = survey.Execute(
+             "SELECT response.name FROM response WHERE response.questionid = ? ORDER BY id",
+             {questionId});
+         !rows.AtEnd(); rows.MoveNext()) {
+        out.Append('\t' + rows.NullToString("name"));
+        AppendBox(out, u"\to");
+        out.Append(u"\r\n");
+    }
+}
+
+} // namespace
+
+void PaperSurvey::mnuDataCollectionPaperSurvey_Click() {
+    FileDialogRequest request;
+    request.title = "Save As";
+    request.fileName = "PaperSurvey.rtf";
+    request.filter = "Rich Text Format (*.rtf)|*.rtf";
+    request.promptOverwrite = true;
+    RunSaveCommand(state_.dialogs, work_, request, [this](const FileDialogResult& chosen) {
+        work_.Do("Paper based survey: question", [&](const ProgressStep& step) {
+            Write(state_.SurveyConnection, chosen.fileName, step);
+        });
+        if (state_.dialogs.MsgBox("View paper based survey now?", MsgIcon::Question,
+                                  MsgButtons::YesNo) == MsgAnswer::Yes)
+            state_.dialogs.OpenFile(chosen.fileName);
+    });
+}
+
+void PaperSurvey::Write(Connection& survey, const QString& path, const ProgressStep& step) {
+    RichTextFileWriter out(path);
+    out.Append(u"\r\n");
+    out.Append(u"\r\n");
+    const std::int64_t count = survey.Count("SELECT count(*) FROM question");
+    std::int64_t done = 0;
+    for (Recordset questions = survey.Execute("SELECT id, question, qtype, questionno "
+                                              "FROM question ORDER BY pos, id");
+         !questions.AtEnd(); questions.MoveNext()) {
+        step(++done, count);
+        const std::int64_t id = questions.Integer("id");
+        out.SetSelBold(true);
+        const double size = out.SelFontSize();
+        out.SetSelFontSize(size + 1);
+        out.Append(questions.NullToString("questionno") + ". " +
+                   PlainTextOf(questions.Text("question")) + "\r\n");
+        out.SetSelBold(false);
+        out.SetSelFontSize(size);
+        out.Append(u"\r\n");
+
+        switch (questions.Integer("qtype")) {
+        case kind::OpenEnded:
+        case kind::Text: // an instruction text gets the same lines
+            out.Append(u"\r\n\r\n\r\n");
+            break;
+        case kind::Matrix:
+            AppendMatrix(out, survey, id);
+            break;
+        case kind::Radio:
+            out.Append(u"Please select just one of the following.\r\n\r\n");
+            AppendChoices(out, survey, id);
+            break;
+        default:
+            out.Append(u"Please select any of the following.\r\n\r\n");
+            AppendChoices(out, survey, id);
+        }
+        out.Append(u"\r\n");
+    }
+    out.Save();
+}
+
+} // namespace pollarix

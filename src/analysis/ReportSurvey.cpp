@@ -1,0 +1,45 @@
+#include "analysis/ReportSurvey.h"
+
+#include "platform/Failure.h"
+#include "platform/RichText.h"
+
+namespace pollarix {
+
+QString ReportQuestion::PlainText() const {
+    if (!question)
+        throw Failure(failure::InvalidNull);
+    return PlainTextOf(*question);
+}
+
+ReportSurvey::ReportSurvey(Connection& survey) {
+    for (Recordset rows = survey.Execute("SELECT id, question, qtype, questionno FROM question "
+                                         "WHERE qtype <> 4 ORDER BY pos, id");
+         !rows.AtEnd(); rows.MoveNext()) {
+        ReportQuestion question;
+        question.id = rows.Integer("id");
+        question.qtype = rows.Integer("qtype");
+        question.questionno = rows.NullToString("questionno");
+        if (!rows.IsNull("question"))
+            question.question = rows.Text("question");
+        questionIndex.insert(question.id, static_cast<int>(questions.size()));
+        questions.push_back(std::move(question));
+    }
+    for (Recordset rows = survey.Execute(
+             "SELECT id, questionid, name FROM response ORDER BY questionid, pos, id");
+         !rows.AtEnd(); rows.MoveNext()) {
+        const auto owner = questionIndex.constFind(rows.Integer("questionid"));
+        if (owner == questionIndex.cend())
+            continue;
+        ReportQuestion& question = questions[*owner];
+        question.responseIndex.insert(rows.Integer("id"),
+                                      static_cast<int>(question.responses.size()));
+        question.responses.push_back(rows.NullToString("name"));
+    }
+    for (Recordset rows = survey.Execute("SELECT id, name FROM responsematrix"); !rows.AtEnd();
+         rows.MoveNext()) {
+        pointIndex.insert(rows.Integer("id"), static_cast<int>(points.size()));
+        points.push_back(rows.NullToString("name"));
+    }
+}
+
+} // namespace pollarix

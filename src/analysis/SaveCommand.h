@@ -1,0 +1,19 @@
+// What the commands share that write a file of the user's choice: the file dialog, the work, and
+// the one message when it fails. Not the writing.
+#pragma once
+
+#include <functional>
+
+#include "platform/Dialogs.h"
+
+namespace pollarix {
+
+class LongWork;
+
+// Asks for the file and runs the action with the answer. A cancelled dialog ends it silently; any
+// other failure, of the dialog or the action, is shown in one critical box with the file's name
+// (the request's preset one until the dialog has given another). Does nothing while long work runs.
+void RunSaveCommand(Dialogs& dialogs, const LongWork& work, const FileDialogRequest& request,
+                    const std::function<void(const FileDialogResult&)>& action);
+
+} // namespace pollarix
