@@ -54,8 +54,11 @@ void QueuedDialogs::ShowPrinter(QPrinter& printer) {
     onPrinter(printer);
 }
 
-bool QueuedDialogs::ShowPageSetup(QPrinter&) {
-    return pageSetupAccepted;
+bool QueuedDialogs::ShowPageSetup(QPrinter& printer) {
+    if (!onPageSetup)
+        return false;
+    onPageSetup(printer);
+    return true;
 }
 
 void QueuedDialogs::OpenFile(const QString& path) {

@@ -22,8 +22,8 @@ class QueuedDialogs : public Dialogs {
     std::deque<MsgAnswer> answers;
     // The next file dialogs' names; "" cancels (Failure 32755).
     std::deque<FileDialogResult> fileNames;
-    std::function<void(QPrinter&)> onPrinter; // empty cancels
-    bool pageSetupAccepted = false;
+    std::function<void(QPrinter&)> onPrinter;   // empty cancels
+    std::function<void(QPrinter&)> onPageSetup; // empty cancels
 
     std::vector<ShownMessage> shown;
     std::vector<FileDialogRequest> fileRequests;
