@@ -15,7 +15,8 @@ namespace {
     throw Failure(failure::PathOrFileAccess, path + ": " + why);
 }
 
-// A file without write permission is not replaced, also not by a user who could.
+// A file without write permission is not replaced, also not by a user who could: the permission
+// bits alone count, since the system lets some users write whatever they say.
 void RequireWritable(const QString& path) {
     const QFileInfo info(path);
     if (info.isDir())
@@ -55,6 +56,15 @@ void WholeFile::Write(QByteArrayView bytes) {
             Refuse(path_, file_.errorString());
         bytes = bytes.sliced(written);
     }
+}
+
+void WholeFile::RewriteBeginning(QByteArrayView bytes) {
+    const qint64 end = file_.pos();
+    if (!file_.seek(0))
+        Refuse(path_, file_.errorString());
+    Write(bytes);
+    if (!file_.seek(end))
+        Refuse(path_, file_.errorString());
 }
 
 void WholeFile::Finish() {

@@ -18,12 +18,14 @@ QString NewTempFileName(const QString& directory, const QString& prefix);
 void CopyFileOver(const QString& from, const QString& to);
 
 // Writes a file piece by piece, in bounded memory and in the same way: only Finish replaces the
-// target, and without it the target keeps its old content. All three throw PathOrFileAccess with
-// the path and the system's words.
+// target, and without it the target keeps its old content. All throw PathOrFileAccess with the
+// path and the system's words.
 class WholeFile {
   public:
     explicit WholeFile(const QString& path);
     void Write(QByteArrayView bytes);
+    // Writes again what stands at the beginning; not more than was written.
+    void RewriteBeginning(QByteArrayView bytes);
     void Finish();
 
   private:

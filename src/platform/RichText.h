@@ -1,5 +1,5 @@
 // Rich text as a value: paragraphs of runs. With it come the reader and the writer of its file form
-// (RTF) and the caret that the hidden converters and report builders work with. No widget here; the
+// (RTF), the hidden converter and the writer that report builders work with. No widget here; the
 // visible editor is RichTextBox.
 #pragma once
 
@@ -7,6 +7,7 @@
 #include <QString>
 #include <QStringView>
 
+#include <memory>
 #include <optional>
 #include <vector>
 
@@ -18,9 +19,13 @@ struct RunFormat {
     bool bold = false;
     bool italic = false;
     bool underline = false;
-    std::optional<QColor> colour; // none for the window's own text colour
+    std::optional<QColor> colour = {}; // none for the window's own text colour
     bool operator==(const RunFormat&) const = default;
 };
+
+// The one form of formats that look alike: the default font and size unnamed, sizes in halves, the
+// colour valid and opaque or none. Reader and writer give and keep this form only.
+RunFormat Normalised(RunFormat format);
 
 struct Run {
     QString text; // no line ends; a tab is '\t'
@@ -52,23 +57,27 @@ class RichText {
 
 // Reads rich text. Text that does not begin with "{\rtf" (blanks before it skipped) is taken as
 // plain text. Never fails and never hangs, whatever the text holds; linear in its length.
-RichText ReadRichText(QStringView rtf);
+RichText ReadRichText(QStringView source);
 
 // The plain text of the same reading, without building the runs: the way of txtTemp.
-QString PlainTextOf(QStringView rtf);
+QString PlainTextOf(QStringView source);
 
 // Writes rich text: pure ASCII, any script kept. Stable: writing what was read from written text
 // gives the same bytes.
 QString WriteRichText(const RichText& text);
 
-// A hidden rich text box: a text with a selection. Set the text, move the caret, write at it.
-// Positions count UTF-16 units of Text, in which a line end is CR LF (two positions).
+// A hidden rich text box, that is a converter: rich text in, plain text out, or the other way
+// round.
 class RichTextBuffer {
   public:
     void SetTextRTF(const QString& rtf);
     QString TextRTF() const;
     void SetText(const QString& plain);
     QString Text() const;
+
+  private:
+    QString source_;
+    bool isPlain_ = true;
 };
 
 // Writes a rich text file as it grows, in bounded memory: the report builders' hidden box, whose
@@ -95,7 +104,7 @@ class RichTextFileWriter {
 
   private:
     struct State;
-    State* state_;
+    std::unique_ptr<State> state_;
 };
 
 } // namespace pollarix

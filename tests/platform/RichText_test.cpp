@@ -1,0 +1,281 @@
+#include "platform/RichText.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+
+using namespace pollarix;
+
+namespace {
+
+QString Doc(const QString& body) {
+    return "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0\\fnil DejaVu Sans;}{\\f1\\froman\\fcharset161 Old "
+           "Serif;}"
+           "{\\f2\\fnil\\fcharset128 Kana;}{\\f3\\fcharset2 Wingdings;}}"
+           "{\\colortbl ;\\red255\\green0\\blue16;}" +
+           body + "}";
+}
+
+RunFormat Format(const std::function<void(RunFormat&)>& set) {
+    RunFormat format;
+    set(format);
+    return format;
+}
+
+// One text that holds everything there is.
+RichText Everything() {
+    RichText text;
+    const QString scripts =
+        QString::fromUtf8("Ελληνικά عربي עברית 日本語 한국어 हिन्दी ру́сский "
+                          "👩‍👩‍👧 "
+                          "it's \\back {braces} \"q\" a\tb\u00A0c \u00AD\u2011 €");
+    text.paragraphs[0].runs = {
+        {scripts, {}},
+        {"bold", Format([](RunFormat& f) { f.bold = true; })},
+        {"4.5", Format([](RunFormat& f) { f.fontSize = 4.5; })},
+        {" both ", Format([](RunFormat& f) { f.italic = f.underline = true; })},
+        {scripts, Format([](RunFormat& f) {
+             f.colour = QColor(1, 2, 3);
+             f.fontName = QString::fromUtf8("ＭＳ {Π} \\");
+             f.fontSize = 36;
+         })}};
+    text.paragraphs.push_back({{}, false});
+    text.paragraphs.push_back({{{"first point", {}}}, true});
+    text.paragraphs.push_back({{{"second", Format([](RunFormat& f) { f.bold = true; })}}, true});
+    text.paragraphs.push_back({{}, true});
+    text.paragraphs.push_back(
+        {{{"o", Format([](RunFormat& f) { f.fontName = "Wingdings"; })}, {" 1", {}}}, false});
+    text.paragraphs.push_back({{}, false});
+    return text;
+}
+
+// Both readings of one text, which have to agree.
+QString Plain(const QString& rtf) {
+    const QString plain = PlainTextOf(rtf);
+    EXPECT_EQ(plain, ReadRichText(rtf).PlainText()) << rtf.left(200).toStdString();
+    return plain;
+}
+
+struct Reading {
+    const char* rtf;
+    const char* plain;
+};
+
+} // namespace
+
+TEST(RichText, EveryFormatAndScriptSurvivesAndTheBytesAreStable) {
+    const RichText text = Everything();
+    const QString written = WriteRichText(text);
+    for (QChar unit : written)
+        ASSERT_LT(unit.unicode(), 0x7F);
+    EXPECT_EQ(ReadRichText(written), text);
+    EXPECT_EQ(WriteRichText(ReadRichText(written)), written);
+    EXPECT_EQ(Plain(written), text.PlainText());
+    EXPECT_EQ(Plain(written).count("\r\n"), 6);
+}
+
+TEST(RichText, LooselyBuiltTextIsWrittenInItsOneForm) {
+    RichText loose;
+    loose.paragraphs[0].runs = {
+        {"a", {RichText::DefaultFontName, 10, false, false, false, QColor()}},
+        {"", {"Some Font", 99}},
+        {QString(1, QChar(0xD83D)), {}},
+        {QString::fromUtf16(u"\xDE00 b\nc\x1\xFFFC", 7), {"", 10.1}}};
+    loose.paragraphs[0].bullet = true;
+    RichText tidy;
+    tidy.paragraphs = {{{{QString::fromUtf8("a😀 b"), {}}}, true}, {{{"c", {}}}, false}};
+    EXPECT_EQ(ReadRichText(WriteRichText(loose)), tidy);
+    EXPECT_EQ(WriteRichText(loose), WriteRichText(tidy));
+}
+
+TEST(RichText, ABoxOfTheSignFontIsABoxWithoutTheFontToo) {
+    RichText text;
+    text.paragraphs[0].runs = {{"o no", {"Wingdings"}}, {"o", {}}};
+    const QString written = WriteRichText(text);
+    EXPECT_TRUE(written.contains("\\fcharset2 Wingdings;"));
+    EXPECT_TRUE(written.contains("\\u9633o n\\u9633o\\f0 o"));
+    EXPECT_EQ(ReadRichText(written), text);
+    EXPECT_EQ(Plain(Doc("{\\f3 o\\u9633?}\\u9633?")), QString::fromUtf8("oo□"));
+}
+
+TEST(RichText, AnEmptyTextHasOneForm) {
+    const QString empty = WriteRichText(RichText());
+    for (const char* source :
+         {"", "{\\rtf", "{\\rtf1}", "{\\rtf1\\par}", "{\\rtf1\\pard\\b\\b0}"}) {
+        EXPECT_EQ(ReadRichText(QString(source)), RichText()) << source;
+        EXPECT_EQ(WriteRichText(ReadRichText(QString(source))), empty);
+        EXPECT_EQ(Plain(source), "");
+    }
+}
+
+TEST(RichText, WhatIsNotRichTextIsPlainText) {
+    for (const auto& [source, plain] :
+         std::initializer_list<Reading>{{"abc", "abc"},
+                                        {"a\r\nb\nc\rd\r\n", "a\r\nb\r\nc\r\nd\r\n"},
+                                        {"\\b {x} \\", "\\b {x} \\"},
+                                        {"{\\rt1 x}", "{\\rt1 x}"},
+                                        {"x{\\rtf1 y}", "x{\\rtf1 y}"},
+                                        {"\n \t{\\rtf1 y}", "y"}}) {
+        EXPECT_EQ(Plain(source), plain) << source;
+        EXPECT_TRUE(WriteRichText(ReadRichText(QString(source))).startsWith("{\\rtf1"));
+        EXPECT_EQ(Plain(WriteRichText(ReadRichText(QString(source)))), plain);
+    }
+    RichTextBuffer buffer;
+    buffer.SetText("{\\rtf1 as typed}");
+    EXPECT_EQ(buffer.Text(), "{\\rtf1 as typed}");
+    buffer.SetTextRTF(buffer.TextRTF());
+    EXPECT_EQ(buffer.Text(), "{\\rtf1 as typed}");
+}
+
+class RichTextReading : public testing::TestWithParam<Reading> {};
+
+TEST_P(RichTextReading, GivesThePlainText) {
+    EXPECT_EQ(Plain(Doc(GetParam().rtf)).toStdString(), GetParam().plain);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    LineEnds, RichTextReading,
+    testing::Values(Reading{"a\\par b\\par", "a\r\nb"}, Reading{"a\\par\\par", "a\r\n"},
+                    Reading{"a\\line b\\line", "a\r\nb\r\n"},
+                    Reading{"a\\\r\nb\\\nc", "a\r\nb\r\nc"}, Reading{"a\nb\r\nc", "abc"},
+                    Reading{"a\\page b\\par\\page c", "a\r\nb\r\nc"},
+                    Reading{"a\\cell b\\cell\\row c", "a\tb\t\r\nc"}, Reading{"a\\tab b", "a\tb"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Characters, RichTextReading,
+    testing::Values(
+        Reading{"\\'80\\'e4\\'95\\'4a", "€ä•J"}, Reading{"a\\'zzb\\'4", "azzb4"},
+        Reading{"{\\f1\\'e1\\'e2}\\'e4", "αβä"}, Reading{"{\\f2\\'83\\'41\\'83Bx}", "アィx"},
+        Reading{"{\\f2\\'83}\\'e4", "ä"}, Reading{"{\\ansicpg1251\\f9\\'cf}", "П"},
+        Reading{"\\ansicpg65001\\f9\\'e2\\'82\\'ac", "€"}, Reading{"\\ansicpg77777\\f9\\'80", "€"},
+        Reading{"\\u945?\\u946 ?\\uc0\\u947 x", "αβγx"},
+        Reading{"\\uc3\\u945\\'61b\\bullet x", "αx"},
+        Reading{"{\\uc0{\\uc2\\u945}b\\u946 c}", "αbβc"}, Reading{"\\u945\\par x", "α\r\nx"},
+        Reading{"\\u-10179?\\u-8704?\\u128512?", "😀😀"},
+        Reading{"\\u-10179?\\b\\u-8704?\\u-10179?x\\u-8704?", "😀\uFFFDx\uFFFD"},
+        Reading{"\\\\\\{\\}\\~\\-\\_", "\\{}\u00A0\u00AD\u2011"},
+        Reading{"\\emdash\\endash\\lquote\\rdblquote\\bullet x", "—–‘”•x"},
+        Reading{"a\\u0?\\'00\\u65532?\\u8232?b\\nosuchword12 \\|c", "a\r\nbc"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    GroupsWithoutText, RichTextReading,
+    testing::Values(
+        Reading{"{\\info{\\title T}}a{\\stylesheet{\\s0 N;}}{\\pict\\wmetafile8 00ff{x}}b", "ab"},
+        Reading{"{\\*\\generator G;}a{\\* \\unknown{b}c}{\\object{\\result r}}d", "ad"},
+        Reading{"{\\pict\\bin5 }}}}}}a", "a"}, Reading{"\\bin3 {{{a", "a"},
+        Reading{"\\bin99999999999 a", ""}, Reading{"\\bin-5 a", "a"},
+        Reading{"{\\field{\\*\\fldinst HYPERLINK x}{\\fldrslt shown}}", "shown"},
+        Reading{"{\\pntext\\'b7\\tab}a{\\listtext 1.\\tab}b", "ab"}, Reading{"a}b", "a"},
+        Reading{"{{{a}", "a"}, Reading{"{\\pict{", ""}));
+
+TEST(RichText, FormatsAreReadWithTheirGroups) {
+    const RichText text = ReadRichText(
+        Doc("\\fs24 a{\\b\\i0\\f1 b{\\plain c}\\ul\\cf1 d\\ulnone\\cf0\\b0 e}\\f77 f"));
+    const auto& runs = text.paragraphs.at(0).runs;
+    ASSERT_EQ(runs.size(), 6u);
+    EXPECT_EQ(runs[0], (pollarix::Run{"a", {"", 12}}));
+    EXPECT_EQ(runs[1], (pollarix::Run{"b", {"Old Serif", 12, true}}));
+    EXPECT_EQ(runs[2], (pollarix::Run{"c", {}}));
+    EXPECT_EQ(runs[3],
+              (pollarix::Run{"d", {"Old Serif", 12, true, false, true, QColor(255, 0, 16)}}));
+    EXPECT_EQ(runs[4], (pollarix::Run{"e", {"Old Serif", 12}}));
+    EXPECT_EQ(runs[5], (pollarix::Run{"f", {"", 12}}));
+}
+
+TEST(RichText, BulletsOfOtherWritersAreBulletsAndNumbersAreNot) {
+    const auto bullets = [](const char* body) {
+        std::string found;
+        for (const Paragraph& paragraph : ReadRichText(Doc(body)).paragraphs)
+            found += paragraph.bullet ? '*' : '-';
+        return found;
+    };
+    EXPECT_EQ(bullets("\\pard{\\pntext\\f3\\'B7\\tab}{\\*\\pn\\pnlvlblt\\pnf3{\\pntxtb\\'B7}}a\\par"
+                      "{\\pntext\\f3\\'B7\\tab}b\\par\\pard c\\par"),
+              "**-");
+    EXPECT_EQ(bullets("{\\listtext\\pard\\plain\\f3 \\'b7\\tab}\\pard\\ls1 a\\par\\pard b\\par"
+                      "{\\listtext o\\tab}\\pard\\ls1\\ilvl1 c\\line d\\par"),
+              "*-*-");
+    EXPECT_EQ(
+        bullets("{\\pntext 1.\\tab}{\\*\\pn\\pnlvlbody\\pndec}a\\par{\\listtext iv)\\tab}b\\par"),
+        "--");
+}
+
+TEST(RichText, HundredThousandNestedGroupsAreJustText) {
+    QString body;
+    for (int depth = 0; depth < 100000; ++depth)
+        body += depth % 2 ? "{" : "{\\b";
+    body += "deep";
+    EXPECT_EQ(Plain(Doc(body + QString(100000, '}') + "out")), "deepout");
+    EXPECT_EQ(Plain(Doc(body)), "deep");
+    EXPECT_EQ(Plain(Doc("{\\pict" + QString(100000, '{'))), "");
+    EXPECT_EQ(Plain(Doc("{\\fonttbl" + QString(100000, '{') + QString(100001, '}') + "x")), "x");
+}
+
+// Damaged texts, many of them: both readings agree, and what was read is written in a stable form.
+TEST(RichText, DamagedTextNeverBreaksTheReader) {
+    std::mt19937 random(20240501);
+    const auto below = [&](qsizetype bound) {
+        return static_cast<qsizetype>(random() %
+                                      static_cast<unsigned>(std::max<qsizetype>(bound, 1)));
+    };
+    const QStringList pieces = {"{",
+                                "}",
+                                "\\",
+                                "\\'",
+                                "\\'8",
+                                "\\'83",
+                                "\\u-10179",
+                                "\\u57344?",
+                                "\\bin7 ",
+                                "{\\*",
+                                "{\\fonttbl",
+                                "\\f2 ",
+                                "\\ansicpg932",
+                                "\\uc9 ",
+                                "\\par",
+                                "\\pard",
+                                "\\line",
+                                "{\\pntext",
+                                "{\\*\\pn\\pnlvlblt}",
+                                "{\\colortbl",
+                                ";",
+                                "\\cf1",
+                                "\\fs-3",
+                                "\\fs99999",
+                                "\\deff7",
+                                QString(QChar(0)),
+                                QString(QChar(0xDC00)),
+                                QString(QChar(0xD83D)),
+                                QString(QChar(0x2028)),
+                                QString::fromUtf8("é"),
+                                "\\\n",
+                                "\t",
+                                "\\b",
+                                "\\plain"};
+    const QString seed = WriteRichText(Everything()) + Doc("x\\par{\\pict 00}\\f1\\'e1\\line y");
+    for (int round = 0; round < 1000; ++round) {
+        QString text = seed;
+        for (qsizetype edits = 1 + below(12); edits > 0; --edits) {
+            const qsizetype at = below(text.size());
+            switch (below(4)) {
+            case 0:
+                text.remove(at, below(40));
+                break;
+            case 1:
+                text[at] = QChar(static_cast<char16_t>(below(0x180)));
+                break;
+            case 2:
+                text.insert(at, text.mid(below(text.size()), below(60)));
+                break;
+            default:
+                text.insert(at, pieces[below(pieces.size())]);
+            }
+        }
+        const RichText read = ReadRichText(text);
+        ASSERT_EQ(PlainTextOf(text), read.PlainText()) << round;
+        const QString written = WriteRichText(read);
+        ASSERT_EQ(ReadRichText(written), read) << round;
+        ASSERT_EQ(WriteRichText(ReadRichText(written)), written) << round;
+    }
+}
