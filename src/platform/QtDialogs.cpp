@@ -20,7 +20,19 @@ namespace pollarix {
 
 namespace {
 
+// What of a text fits into a box on a small screen.
 constexpr qsizetype LongestText = 2000;
+constexpr qsizetype MostLines = 30;
+
+qsizetype ShownLength(const QString& text) {
+    qsizetype end = std::min(text.size(), LongestText);
+    qsizetype lines = 0;
+    for (qsizetype i = 0; i < end; ++i) {
+        if (text[i] == u'\n' && ++lines == MostLines)
+            end = i;
+    }
+    return end;
+}
 
 // One entry of a filter: what it is called, and its patterns in Qt's form.
 struct FilterEntry {
@@ -98,10 +110,11 @@ QMessageBox::StandardButton QtDialogs::Ask(const QString& text, QMessageBox::Ico
                                            QMessageBox::StandardButton onEscape) {
     // Texts hold what users and servers wrote: they are shown as they are, never as markup, and one
     // longer than a screen can be read behind a button.
-    const bool tooLong = text.size() > LongestText;
+    const qsizetype length = ShownLength(text);
+    const bool tooLong = length < text.size();
     Shown<QMessageBox> box(icon, "Pollarix", QString(), buttons, Parent());
     box->setTextFormat(Qt::PlainText);
-    box->setText(tooLong ? text.left(LongestText) + QChar(0x2026) : text);
+    box->setText(tooLong ? text.left(length) + QChar(0x2026) : text);
     if (tooLong)
         box->setDetailedText(text);
     box->setDefaultButton(preset);
