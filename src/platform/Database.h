@@ -100,7 +100,7 @@ class Connection {
     QString Path() const;
 
     // Runs a statement that gives rows. Statements are prepared once and kept by their text, so
-    // keep texts constant and bind what varies ("?" placeholders, in order).
+    // keep texts constant and bind what varies (a "?" for each value, in order).
     Recordset Execute(const char* sql, std::initializer_list<DbValue> values = {});
     // Runs a statement that changes rows; gives the count of rows changed.
     std::int64_t Run(const char* sql, std::initializer_list<DbValue> values = {});
