@@ -1,0 +1,125 @@
+#include "document/clsSurvey.h"
+
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+#include "platform/Failure.h"
+#include "platform/ListBox.h"
+
+using namespace pollarix;
+
+namespace {
+
+QStringList Numbers(const clsSurvey& survey) {
+    QStringList numbers;
+    for (std::int16_t i = 1; i <= survey.QCount; ++i)
+        numbers << survey.GetQIndex(i)->QuestionNo;
+    return numbers;
+}
+
+int NumberOf(const std::function<void()>& call) {
+    try {
+        call();
+    } catch (const Failure& failure) {
+        return failure.Number();
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(clsSurvey, KeysAreFresh32DigitTexts) {
+    const QRegularExpression form("^[0-9A-F]{32}$");
+    const QString one = CreateGUIDKey("{}-");
+    EXPECT_TRUE(form.match(one).hasMatch()) << one.toStdString();
+    EXPECT_NE(one, CreateGUIDKey("{}-"));
+}
+
+TEST(clsSurvey, FailedLookupsYieldValues) {
+    clsSurvey survey;
+    EXPECT_EQ(survey.GetQ("x"), nullptr);
+    EXPECT_EQ(survey.GetQIndexFromKey("x"), -1);
+    EXPECT_EQ(survey.GetQuestionNoFromKey("x"), "");
+    EXPECT_EQ(survey.GetQuestionTypeFromKey("x"), 4);
+    EXPECT_EQ(survey.GetKeyFromDatabaseID(3), "");
+    survey.SetQ("x", nullptr);
+    survey.SwapQ("x", "y");
+    EXPECT_EQ(NumberOf([&] { survey.UpdateQuestion("x", "t"); }), failure::NoObject);
+    EXPECT_EQ(NumberOf([&] { survey.UpdateQuestionType("x", 1); }), failure::NoObject);
+    EXPECT_EQ(NumberOf([&] { (void)survey.GetQIndex(1); }), failure::Subscript);
+    EXPECT_EQ(survey.QCount, 0);
+}
+
+TEST(clsSurvey, NumbersFollowTheListAndSkipInstructionText) {
+    clsSurvey survey;
+    const QString first = survey.AddQ("", 0, -1, 2);
+    const QString text = survey.AddQ("", 4, -1, 2);
+    const QString check = survey.AddQ("", 1, -1, 2);
+    survey.AddQ("", 3, -1, 2);
+    EXPECT_EQ(Numbers(survey), QStringList({"1", "", "2", "3"}));
+    EXPECT_EQ(survey.GetQ(first)->OpenEnded_NoOfRows, 1);
+
+    survey.DeleteQ(check);
+    EXPECT_EQ(Numbers(survey), QStringList({"1", "", "3"}));
+    survey.SwapQ(first, text);
+    survey.SwapQ(first, "unknown");
+    survey.ReorderQ_QuestionNos();
+    EXPECT_EQ(Numbers(survey), QStringList({"", "1", "2"}));
+
+    // What an instruction text held before stays with it.
+    survey.UpdateQuestionType(first, 4);
+    survey.ReorderQ_QuestionNos();
+    EXPECT_EQ(Numbers(survey), QStringList({"", "1", "1"}));
+}
+
+TEST(clsSurvey, RemovalAlwaysShrinks) {
+    clsSurvey survey;
+    survey.AddQ("a", 1, 7, 2);
+    const QString b = survey.AddQ("b", 1, 7, 2);
+    survey.DeleteQ("unknown");
+    EXPECT_EQ(survey.QCount, 1);
+    EXPECT_EQ(survey.GetQ(b), nullptr);
+    EXPECT_EQ(survey.GetKeyFromDatabaseID(7), survey.GetQIndex(1)->Key);
+
+    clsQ q;
+    for (const char* text : {"one", "two", "three", "four"})
+        q.AddResponse(text, -1, -1, "");
+    q.RemoveResponse(2);
+    q.RemoveResponse(99);
+    ASSERT_EQ(q.ResponsesCount, 2);
+    EXPECT_EQ(q.GetResponse(1)->Text, "one");
+    EXPECT_EQ(q.GetResponse(2)->Text, "three");
+    EXPECT_EQ(NumberOf([&] { (void)q.GetResponse(3); }), failure::Subscript);
+    EXPECT_EQ(NumberOf([&] { q.AddResponse("", 32768, -1, ""); }), failure::Overflow);
+    EXPECT_EQ(q.ResponsesCount, 2);
+}
+
+TEST(clsSurvey, TheStoredObjectItselfIsHandedOut) {
+    clsSurvey survey;
+    const QString key = survey.AddQ("", 2, -1, 2);
+    survey.GetQ(key)->AddResponse("a", 5, 12, "K");
+    auto other = std::make_shared<clsQ>();
+    const QString second = survey.AddQ2(other);
+    EXPECT_EQ(other->Key, second);
+    EXPECT_EQ(other->QuestionNo, "");
+    survey.GetQIndex(1)->GetResponse(1)->Text = "changed";
+    EXPECT_EQ(survey.GetQ(key)->GetResponse(1)->Text, "changed");
+    survey.DebugQResponses(1);
+    survey.DebugQResponses(99);
+}
+
+TEST(clsSurvey, ResponsesComeFromAListBoxBehindThoseThatAreThere) {
+    ListBox list;
+    for (const char* text : {"x", "y", "z"})
+        list.AddItem(text);
+    clsQ q;
+    q.AddResponse("a", 1, 2, "K");
+    q.AddResponse("b", 2, -1, "");
+    q.CreateResponsesFromListBox(list);
+    ASSERT_EQ(q.ResponsesCount, 5);
+    EXPECT_EQ(q.GetResponse(5)->Text, "z");
+    EXPECT_EQ(q.GetResponse(5)->DatabaseID, -1);
+    EXPECT_EQ(q.GetResponse(5)->LogicJumpToQuestionID, -1);
+    EXPECT_EQ(q.GetResponse(5)->LogicJumpToQuestionKey, "");
+}
