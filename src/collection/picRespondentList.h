@@ -1,0 +1,65 @@
+// The list of respondents with a sample answer each, and the buttons that add, edit and delete one.
+// It works on the open file, never on the model; it does not follow changes by itself.
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+
+#include "collection/ManualEntryState.h"
+#include "document/ApplicationState.h"
+
+class QLabel;
+class QPushButton;
+
+namespace pollarix {
+
+class ComboBox;
+class Grid;
+
+class picRespondentList : public QWidget {
+    Q_OBJECT
+  public:
+    picRespondentList(ApplicationState& state, QWidget* parent);
+
+    // Steps of the start-up, in their order.
+    void PrepareGrid(); // 3 columns, the head row alone
+    void WriteHeads();
+    void WidenGrid(); // column 1 fills what the others leave
+
+    // Rebuilds the list, newest first; of equal dates the higher id comes first. Row is the grid
+    // row to select, overridden by the row of the respondent with RespondentID if it is listed.
+    void RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID);
+
+    void LayOut(int windowWidth, int windowHeight); // pixels
+
+    // Shows a screen of the main window; set by it.
+    std::function<void(const QString& name)> ShowScreen;
+
+    // False while a refresh sets the combo's index, so that its click does not refresh again.
+    bool ExampleQuestionEventsOn = false;
+
+  private:
+    void FillExampleQuestions();
+    QString CellText(int row, int col) const;
+    QString SampleAnswer(std::int64_t respondent) const;
+    void EnterAnswers();
+
+    void cboDCExampleQuestion_Click();
+    void cmdCreateResponse_Click();
+    void gRespondents_DblClick();
+    void cmdDeleteResponse_Click();
+
+    ApplicationState& state_;
+    ManualEntryState entry_;
+    QString listedFile_; // path of the survey whose rows are listed
+
+    QLabel* lblSample_;
+    ComboBox* cboDCExampleQuestion_;
+    Grid* gRespondents_;
+    QPushButton* cmdCreateResponse_;
+    QPushButton* cmdEditResponse_;
+    QPushButton* cmdDeleteResponse_;
+};
+
+} // namespace pollarix
