@@ -1,0 +1,20 @@
+// Reads a results file of the survey server and adds its respondents and their answers to the open
+// survey file. A line scanner, not an XML parser: it looks for fixed tags in each line that ends in
+// CR LF, and whatever else is there is ignored.
+#pragma once
+
+#include <QString>
+
+#include "document/ApplicationState.h"
+
+namespace pollarix {
+
+// Imports the file and says in one message how many respondents came. All rows are written in one
+// WriteBatch; when a line is refused, those before it stay. Throws FileNotFound or PathOrFileAccess
+// for the file, TypeMismatch or Overflow for a kind that is no number, Subscript for a matrix
+// answer without a comma, InvalidArgument for a closing tag before its opening one, and database
+// failures for a value that a number column refuses. Marks nothing as changed and refreshes
+// nothing.
+void DoLoadXML(ApplicationState& state, const QString& path);
+
+} // namespace pollarix
