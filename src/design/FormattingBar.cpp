@@ -1,0 +1,204 @@
+#include "design/FormattingBar.h"
+
+#include <QColorDialog>
+#include <QComboBox>
+#include <QDoubleValidator>
+#include <QFontComboBox>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QMenu>
+#include <QTextList>
+#include <QTimer>
+#include <QToolButton>
+
+#include <array>
+
+#include "platform/Focus.h"
+#include "platform/Handlers.h"
+#include "platform/RichTextBox.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int IconSide = 16; // pixels
+constexpr double SmallestSize = 1;
+constexpr double LargestSize = 200;
+constexpr std::array Sizes = {8, 9, 10, 11, 12, 14, 16, 18, 20, 24, 28, 32, 36, 48, 72};
+
+struct NamedColour {
+    const char* name;
+    QRgb rgb;
+};
+// Dark enough to be read on white paper.
+constexpr std::array Colours = {
+    NamedColour{"Black", 0xff000000},  NamedColour{"Grey", 0xff666666},
+    NamedColour{"Red", 0xffc01c28},    NamedColour{"Orange", 0xffc64600},
+    NamedColour{"Brown", 0xff865e3c},  NamedColour{"Green", 0xff1e7a46},
+    NamedColour{"Teal", 0xff0e7c86},   NamedColour{"Blue", 0xff1a5fb4},
+    NamedColour{"Purple", 0xff813d9c}, NamedColour{"Pink", 0xffc02f80},
+};
+
+QIcon ColourIcon(const QColor& colour) {
+    QPixmap swatch(IconSide, IconSide);
+    swatch.fill(colour);
+    return QIcon(swatch);
+}
+
+} // namespace
+
+FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
+    : QWidget(parent), box_(box),
+      cmdBold_(NewToggle("cmdBold", "bold", "Bold (Ctrl+B)", &FormattingBar::ToggleBold)),
+      cmdItalic_(NewToggle("cmdItalic", "italic", "Italic (Ctrl+I)", &FormattingBar::ToggleItalic)),
+      cmdUnderline_(NewToggle("cmdUnderline", "underline", "Underline (Ctrl+U)",
+                              &FormattingBar::ToggleUnderline)),
+      cmdBullets_(NewToggle("cmdBullets", "bullets", "Bullets (Ctrl+Shift+L)",
+                            &FormattingBar::ToggleBullets)),
+      cmdColour_(NewButton("cmdColour", "text-color", "Colour")),
+      cboFontName_(new QFontComboBox(this)), cboFontSize_(new QComboBox(this)) {
+    setObjectName("FormattingBar");
+    FillColours();
+
+    cboFontName_->setObjectName("cboFontName");
+    cboFontName_->setAccessibleName("Font");
+    cboFontName_->setToolTip("Font");
+    cboFontName_->setEditable(false);
+    cboFontName_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    cboFontName_->setMinimumContentsLength(12);
+    connect(cboFontName_, &QComboBox::textActivated, this,
+            [this](const QString& name) { Apply([&] { box_.SetSelFontName(name); }); });
+
+    cboFontSize_->setObjectName("cboFontSize");
+    cboFontSize_->setAccessibleName("Font size");
+    cboFontSize_->setToolTip("Font size");
+    for (const int size : Sizes)
+        cboFontSize_->addItem(QString::number(size));
+    cboFontSize_->setEditable(true);
+    cboFontSize_->setInsertPolicy(QComboBox::NoInsert);
+    cboFontSize_->setValidator(new QDoubleValidator(SmallestSize, LargestSize, 1, cboFontSize_));
+    cboFontSize_->setMinimumContentsLength(3);
+    cboFontSize_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    connect(cboFontSize_, &QComboBox::textActivated, this, [this] { ApplySize(); });
+    connect(cboFontSize_->lineEdit(), &QLineEdit::returnPressed, this, [this] { ApplySize(); });
+
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(2);
+    for (QToolButton* const button : {cmdBold_, cmdItalic_, cmdUnderline_, cmdBullets_, cmdColour_})
+        row->addWidget(button);
+    row->addSpacing(6);
+    row->addWidget(cboFontName_, 1);
+    row->addWidget(cboFontSize_);
+    row->addStretch(1);
+    cboFontName_->setMaximumWidth(240);
+
+    connect(&box_, &QTextEdit::currentCharFormatChanged, this, &FormattingBar::ShowFormatSoon);
+    connect(&box_, &QTextEdit::cursorPositionChanged, this, &FormattingBar::ShowFormatSoon);
+    ShowFormatSoon();
+}
+
+QWidget* FormattingBar::LastControl() const {
+    return cboFontSize_;
+}
+
+// A click leaves the focus, and with it the selection one sees, in the text box; the Tab key
+// reaches the button all the same.
+QToolButton* FormattingBar::NewButton(const char* name, const char* icon, const QString& says) {
+    auto* button = new QToolButton(this);
+    button->setObjectName(name);
+    button->setIcon(QIcon(QString(":/icons/%1.svg").arg(icon)));
+    button->setIconSize(QSize(IconSide, IconSide));
+    button->setAccessibleName(says);
+    button->setToolTip(says);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    return button;
+}
+
+QToolButton* FormattingBar::NewToggle(const char* name, const char* icon, const QString& says,
+                                      void (FormattingBar::*toggle)()) {
+    QToolButton* const button = NewButton(name, icon, says);
+    button->setCheckable(true);
+    connect(button, &QToolButton::clicked, this,
+            [this, toggle] { Apply([&] { (this->*toggle)(); }); });
+    return button;
+}
+
+void FormattingBar::FillColours() {
+    auto* const menu = new QMenu(cmdColour_);
+    menu->addAction("Automatic", this, [this] { ApplyColour({}); });
+    for (const NamedColour& colour : Colours)
+        menu->addAction(ColourIcon(QColor(colour.rgb)), colour.name, this,
+                        [this, rgb = colour.rgb] { ApplyColour(QColor(rgb)); });
+    menu->addSeparator();
+    menu->addAction("More Colours...", this, [this] {
+        const QColor chosen = QColorDialog::getColor(box_.textColor(), window(), "Colour");
+        if (chosen.isValid())
+            ApplyColour(chosen);
+    });
+    cmdColour_->setMenu(menu);
+    cmdColour_->setPopupMode(QToolButton::InstantPopup);
+}
+
+void FormattingBar::ToggleBold() {
+    box_.SetSelBold(box_.fontWeight() < QFont::DemiBold);
+}
+
+void FormattingBar::ToggleItalic() {
+    box_.SetSelItalic(!box_.fontItalic());
+}
+
+void FormattingBar::ToggleUnderline() {
+    box_.SetSelUnderline(!box_.fontUnderline());
+}
+
+void FormattingBar::ToggleBullets() {
+    box_.SetSelBullet(!box_.textCursor().currentList());
+}
+
+void FormattingBar::ApplyColour(const QColor& colour) {
+    Apply([&] { box_.SetSelColour(colour); });
+}
+
+void FormattingBar::ApplySize() {
+    bool isNumber = false;
+    const double size = cboFontSize_->currentText().toDouble(&isNumber);
+    if (isNumber && size >= SmallestSize && size <= LargestSize)
+        Apply([&] { box_.SetSelFontSize(size); });
+}
+
+void FormattingBar::Apply(const std::function<void()>& change) {
+    RunHandler([&] {
+        change();
+        // Where one typed is where one goes on typing.
+        MoveFocusQuietly(box_);
+        if (Changed)
+            Changed();
+    });
+    ShowFormatSoon();
+}
+
+// Once for all that happens in one turn of the event loop: while a survey is loaded the box shows
+// every question.
+void FormattingBar::ShowFormatSoon() {
+    if (showPending_)
+        return;
+    showPending_ = true;
+    QTimer::singleShot(0, this, [this] {
+        showPending_ = false;
+        ShowFormat();
+    });
+}
+
+void FormattingBar::ShowFormat() {
+    const QFont font = box_.currentFont();
+    cmdBold_->setChecked(font.weight() >= QFont::DemiBold);
+    cmdItalic_->setChecked(font.italic());
+    cmdUnderline_->setChecked(font.underline());
+    cmdBullets_->setChecked(box_.textCursor().currentList() != nullptr);
+    cboFontName_->setCurrentFont(font);
+    cboFontSize_->setEditText(QString::number(font.pointSizeF()));
+}
+
+} // namespace pollarix

@@ -1,0 +1,163 @@
+#include "design/ResponsePanel.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "design/ArrowButton.h"
+#include "design/OnClick.h"
+#include "design/SelectedQuestion.h"
+#include "platform/Focus.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int Gap = 6;
+constexpr int RowsOfList = 4; // that show in the smallest window
+
+QLabel* NewLabel(const char* name, const char* caption, QWidget* parent) {
+    auto* label = new QLabel(caption, parent);
+    label->setObjectName(name);
+    return label;
+}
+
+QPushButton* NewButton(const char* name, const char* caption, const QString& says,
+                       QWidget* parent) {
+    auto* button = new QPushButton(caption, parent);
+    button->setObjectName(name);
+    button->setAccessibleName(says);
+    return button;
+}
+
+} // namespace
+
+ResponsePanel::ResponsePanel(const Words& words, ApplicationState& state, TreeView& tvTreeView,
+                             QWidget* parent)
+    : QWidget(parent), state_(state), tvTreeView_(tvTreeView), list_(new ListBox(this)),
+      box_(new QLineEdit(this)),
+      add_(NewButton(words.add, "Add", QString("Add %1").arg(words.what), this)),
+      up_(NewArrowButton(words.up, "up", QString("Move %1 up").arg(words.what), this)),
+      down_(NewArrowButton(words.down, "down", QString("Move %1 down").arg(words.what), this)),
+      delete_(NewButton(words.remove, "Delete", QString("Delete %1").arg(words.what), this)),
+      column_(new QVBoxLayout), grid_(new QGridLayout(this)) {
+    setObjectName(words.panel);
+    // One panel may lie behind another that covers it.
+    setAutoFillBackground(true);
+    box_->setObjectName(words.box);
+    box_->setAccessibleName(words.boxCaption);
+    list_->setObjectName(words.list);
+    list_->setAccessibleName(words.listCaption);
+    list_->setMinimumHeight(RowsOfList * list_->fontMetrics().height() + 2 * list_->frameWidth());
+    up_->setEnabled(false);
+    down_->setEnabled(false);
+
+    auto* const arrows = new QHBoxLayout;
+    arrows->setSpacing(Gap);
+    arrows->addWidget(up_);
+    arrows->addWidget(down_);
+    arrows->addStretch(1);
+    column_->setSpacing(Gap);
+    column_->addLayout(arrows);
+    column_->addWidget(delete_);
+    column_->addStretch(1);
+
+    grid_->setContentsMargins(0, 0, 0, 0);
+    grid_->setSpacing(Gap);
+    grid_->setColumnStretch(0, 1);
+    grid_->addWidget(NewLabel(words.boxHeading, words.boxCaption, this), 0, 0, 1, 2);
+    grid_->addWidget(box_, 1, 0);
+    grid_->addWidget(add_, 1, 1);
+    grid_->addWidget(NewLabel(words.listHeading, words.listCaption, this), 2, 0, 1, 2);
+    grid_->addWidget(list_, 3, 0);
+    grid_->addLayout(column_, 3, 1);
+    grid_->setRowStretch(3, 1);
+
+    setTabOrder(box_, add_);
+    setTabOrder(add_, list_);
+    setTabOrder(list_, up_);
+
+    box_->installEventFilter(this);
+    list_->Click = [this] { List_Click(); };
+    connect(box_, &QLineEdit::returnPressed, this, [this] { RunHandler([this] { Add_Click(); }); });
+    OnClick(add_, this, &ResponsePanel::Add_Click);
+    OnClick(delete_, this, &ResponsePanel::Delete_Click);
+    OnClick(up_, this, &ResponsePanel::Up_Click);
+    OnClick(down_, this, &ResponsePanel::Down_Click);
+}
+
+// Enter in the box means Add, and only there; the button shows it by its default look.
+bool ResponsePanel::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::FocusIn)
+        add_->setDefault(true);
+    else if (event->type() == QEvent::FocusOut)
+        add_->setDefault(false);
+    return QWidget::eventFilter(watched, event);
+}
+
+std::shared_ptr<clsQ> ResponsePanel::CurrentQuestion() const {
+    return SelectedQuestion(state_, tvTreeView_);
+}
+
+void ResponsePanel::AddRow(QWidget* label, QWidget* field, QWidget* button) {
+    const int row = grid_->rowCount();
+    grid_->addWidget(label, row, 0, 1, 2);
+    grid_->addWidget(field, row + 1, 0);
+    grid_->addWidget(button, row + 1, 1);
+}
+
+void ResponsePanel::Fill(const clsQ& q) {
+    list_->Clear();
+    for (std::int16_t i = 1; i <= q.ResponsesCount; ++i) {
+        const std::shared_ptr<clsResponse> r = q.GetResponse(i);
+        list_->AddItem(r->Text);
+        list_->SetItemData(list_->NewIndex(), r->DatabaseID);
+    }
+}
+
+void ResponsePanel::FocusBox() {
+    MoveFocusQuietly(*box_);
+}
+
+void ResponsePanel::Add_Click() {
+    if (!box_->text().isEmpty()) {
+        if (const std::shared_ptr<clsQ> q = CurrentQuestion()) {
+            list_->AddItem(box_->text());
+            q->AddResponse(box_->text(), -1, -1, "");
+            state_.CurrentSurvey.SetQ(q->Key, q);
+        }
+    }
+    box_->clear();
+    FocusBox();
+    // For an empty box too: it adds nothing, but it does mark the survey.
+    state_.MarkFileChanged();
+}
+
+void ResponsePanel::Delete_Click() {
+    const int index = list_->ListIndex();
+    const std::shared_ptr<clsQ> q = CurrentQuestion();
+    if (index == -1 || !q)
+        return;
+    q->RemoveResponse(Narrow16(index + 1));
+    // Nothing is selected afterwards, and the arrows stay as they were until the next click.
+    list_->RemoveItem(index);
+    state_.MarkFileChanged();
+}
+
+void ResponsePanel::List_Click() {
+    const int index = list_->ListIndex();
+    up_->setEnabled(index >= 1);
+    down_->setEnabled(index < list_->ListCount() - 1);
+}
+
+void ResponsePanel::ExchangeTexts(int index, int neighbour) {
+    const QString kept = list_->List(index);
+    list_->SetList(index, list_->List(neighbour));
+    list_->SetList(neighbour, kept);
+}
+
+} // namespace pollarix

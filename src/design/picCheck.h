@@ -1,0 +1,32 @@
+// The answers of a multiple choice question, of either kind. The list and the question's responses
+// are two copies of one order; every button changes both.
+#pragma once
+
+#include "design/ResponsePanel.h"
+
+namespace pollarix {
+
+class picCheck : public ResponsePanel {
+    Q_OBJECT
+  public:
+    picCheck(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+
+    // Jumps belong to single-answer questions only.
+    void SetLogicVisible(bool on);
+
+    void cmdCheckAdd_Click() { Add_Click(); }
+    void cmdCheckUp_Click();
+    void cmdCheckDown_Click();
+    void cdmCheckDelete_Click() { Delete_Click(); }
+    void lstCheckResponses_Click() { List_Click(); }
+    void cmdRadioLogic_Click();
+
+  private:
+    void Up_Click() override { cmdCheckUp_Click(); }
+    void Down_Click() override { cmdCheckDown_Click(); }
+    void Move(int step);
+
+    QPushButton* cmdRadioLogic_;
+};
+
+} // namespace pollarix

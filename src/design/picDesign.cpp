@@ -1,0 +1,184 @@
+#include "design/picDesign.h"
+
+#include <QLabel>
+
+#include <algorithm>
+
+#include "design/picLibraryView.h"
+#include "design/picMatrix.h"
+#include "design/picQProperties.h"
+#include "design/picTreeView.h"
+#include "document/SurveyViews.h"
+#include "platform/Failure.h"
+#include "platform/ScreenTitle.h"
+#include "platform/Twips.h"
+
+namespace pollarix {
+
+namespace {
+
+// In pixels, where the rules of the window leave it open.
+constexpr int Margin = 8;
+constexpr int Gap = 10; // between the columns
+constexpr int NarrowestLeft = 260;
+constexpr int WidestLeft = 480;
+constexpr int LowestLibrary = 150;
+
+// What a question that is no matrix carries, and starts with if it becomes one.
+constexpr std::int16_t FirstScale = 2;
+
+void Place(QWidget& control, int left, int top, int width, int height) {
+    if (width > 0 && height > 0)
+        control.setGeometry(left, top, width, height);
+}
+
+} // namespace
+
+picDesign::picDesign(ApplicationState& state, QWidget* parent)
+    : QWidget(parent), state_(state), picTitle_(NewScreenTitle("picTitle", "Design", this)),
+      picTitles_(new QWidget(this)),
+      lblInstructions_(NewInstructions(
+          "Instructions - You are currently designing your survey. To add a question press the "
+          "'Add Question' button above, enter your Question Text and select the Question Type. "
+          "For more help press F1.",
+          picTitles_)),
+      picTreeView_(new pollarix::picTreeView(state, this)), tvTreeView_(picTreeView_->Tree()),
+      picLibraryView_(new pollarix::picLibraryView(
+          state, [this](const QString& name) { AddLibraryText(name); }, this)),
+      picQProperties_(new pollarix::picQProperties(state, tvTreeView_, this)) {
+    setObjectName("picDesign");
+    picTitles_->setObjectName("picTitles");
+    picQProperties_->setVisible(false);
+    tvTreeView_.NodeClick = [this](TreeNode& Node) { picQProperties_->tvTreeView_NodeClick(Node); };
+}
+
+// Below the titles, and as low as the room that the tree's rule leaves below it for its buttons
+// asks for.
+int picDesign::BodyTop() const {
+    const int instructions =
+        lblInstructions_->y() + lblInstructions_->heightForWidth(lblInstructions_->width());
+    return std::max(ScreenTitleHeight + instructions + Margin,
+                    ToPixels(500) + picTreeView_->ButtonRowHeight());
+}
+
+void picDesign::LayOut(int statusBarHeight) {
+    Place(*picTitle_, 0, 0, width(), ScreenTitleHeight);
+    const int textLeft = ToPixels(120);
+    const int textTop = ToPixels(60);
+    Place(*lblInstructions_, textLeft, textTop, width() - textLeft - ToPixels(150),
+          lblInstructions_->height());
+    const int top = BodyTop();
+    Place(*picTitles_, 0, ScreenTitleHeight, width(), top - ScreenTitleHeight);
+    Place(*lblInstructions_, textLeft, textTop, lblInstructions_->width(),
+          picTitles_->height() - textTop);
+
+    const int left = std::clamp(width() * 30 / 100, NarrowestLeft, WidestLeft);
+    const int libraryHeight = std::max(LowestLibrary, (height() - top) * 40 / 100);
+    Place(*picLibraryView_, Margin, height() - libraryHeight, left, libraryHeight);
+    Place(*picTreeView_, Margin, top, left, picLibraryView_->y() - top - ToPixels(150));
+    picTreeView_->LayOutTree();
+
+    const int panelLeft = Margin + left + Gap;
+    Place(*picQProperties_, panelLeft, top, width() - panelLeft - ToPixels(150),
+          height() - top - statusBarHeight + ToPixels(300));
+}
+
+void picDesign::LoadLibrary() {
+    picLibraryView_->LoadLibrary();
+}
+
+void picDesign::LoadMatrixResponses() {
+    picQProperties_->Matrix().LoadMatrixResponses();
+}
+
+void picDesign::AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID) {
+    const QString key = state_.CurrentSurvey.AddQ("", qType, -1, ResponseMatrixGroupID);
+    TreeNode& node = tvTreeView_.Add(RootKey, TreeView::tvwChild, key, NoTextYet);
+    node.SetSelected();
+    picQProperties_->tvTreeView_NodeClick(node);
+    state_.MarkFileChanged();
+}
+
+void picDesign::mnuDesignAddOpenEndedQuestion_Click() {
+    AddQuestion(kind::OpenEnded, FirstScale);
+}
+
+void picDesign::mnuDesignAddCheckQuestion_Click() {
+    AddQuestion(kind::Check, FirstScale);
+}
+
+void picDesign::mnuDesignAddRadioQuestion_Click() {
+    AddQuestion(kind::Radio, FirstScale);
+}
+
+void picDesign::mnuDesignAddMatrixQuestion_Click() {
+    AddQuestion(kind::Matrix, Narrow16(picQProperties_->Matrix().SelectedScale()));
+}
+
+void picDesign::mnuDesignAddText_Click() {
+    AddQuestion(kind::Text, FirstScale);
+}
+
+// The text fills the empty question on screen, which is not marked as changed by it, or else a new
+// one.
+void picDesign::AddLibraryText(const QString& name) {
+    if (!EditorText().isEmpty())
+        mnuDesignAddOpenEndedQuestion_Click();
+    picQProperties_->Editor().SetTextRTF(name);
+    txtQ_LostFocus();
+}
+
+bool picDesign::picQPropertiesVisible() const {
+    return !picQProperties_->isHidden();
+}
+
+void picDesign::txtQ_LostFocus() {
+    picQProperties_->txtQ_LostFocus();
+}
+
+void picDesign::ClearTree() {
+    tvTreeView_.Clear();
+}
+
+void picDesign::AddRootNode() {
+    tvTreeView_.Add("", TreeView::Root, RootKey, "Survey").SetExpanded(true);
+}
+
+void picDesign::AddQuestionNode(const QString& key, const QString& text) {
+    tvTreeView_.Add(RootKey, TreeView::tvwChild, key, text);
+}
+
+void picDesign::SelectNode(const QString& key) {
+    if (TreeNode* const node = tvTreeView_.Find(key))
+        node->SetSelected();
+}
+
+void picDesign::tvTreeView_NodeClick(const QString& key) {
+    if (TreeNode* const node = tvTreeView_.Find(key))
+        picQProperties_->tvTreeView_NodeClick(*node);
+}
+
+std::optional<QString> picDesign::SelectedKey() const {
+    const TreeNode* const node = tvTreeView_.SelectedItem();
+    return node ? std::optional(node->Key()) : std::nullopt;
+}
+
+QString picDesign::PlainTextThroughEditor(const QString& rtf) {
+    picQProperties_->Editor().SetTextRTF(rtf);
+    return picQProperties_->Editor().Text();
+}
+
+QString picDesign::EditorText() const {
+    return picQProperties_->Editor().Text();
+}
+
+void picDesign::ClearEditors() {
+    picQProperties_->Editor().SetText("");
+    picQProperties_->ClearCheckResponses();
+}
+
+void picDesign::SetRedraw(bool on) {
+    setUpdatesEnabled(on);
+}
+
+} // namespace pollarix

@@ -1,0 +1,72 @@
+// The Design screen: the question tree and the library at the left, the question panel at the
+// right. Composes the panels, adds questions, and answers for the tree and the editor when a survey
+// is opened, saved or closed.
+#pragma once
+
+#include <QWidget>
+
+#include <optional>
+
+#include "document/ApplicationState.h"
+
+class QLabel;
+
+namespace pollarix {
+
+class TreeView;
+class picLibraryView;
+class picQProperties;
+class picTreeView;
+
+class picDesign : public QWidget {
+    Q_OBJECT
+  public:
+    picDesign(ApplicationState& state, QWidget* parent);
+
+    // Lays out everything in the panel's present size; called whenever that changes. The height is
+    // the status bar's, in pixels. A control that no room is left for stays as it was.
+    void LayOut(int statusBarHeight);
+
+    void LoadLibrary();         // once, with LibraryConnection open
+    void LoadMatrixResponses(); // with SurveyConnection open; fails as picMatrix tells
+
+    // Each adds a question at the end, shows it and marks the survey as changed.
+    void mnuDesignAddOpenEndedQuestion_Click();
+    void mnuDesignAddCheckQuestion_Click();
+    void mnuDesignAddRadioQuestion_Click();
+    void mnuDesignAddMatrixQuestion_Click();
+    void mnuDesignAddText_Click();
+    void AddBlankOpenEndedQuestion() { mnuDesignAddOpenEndedQuestion_Click(); }
+
+    // Whether a question is shown, on whatever screen the user is.
+    bool picQPropertiesVisible() const;
+    void txtQ_LostFocus(); // the text commit
+
+    // What opening, saving and closing a survey ask of the screen, as SurveyViews tells.
+    void ClearTree();
+    void AddRootNode();
+    void AddQuestionNode(const QString& key, const QString& text);
+    void SelectNode(const QString& key);           // nothing for an unknown key
+    void tvTreeView_NodeClick(const QString& key); // nothing for an unknown key
+    std::optional<QString> SelectedKey() const;
+    QString PlainTextThroughEditor(const QString& rtf);
+    QString EditorText() const;
+    void ClearEditors();
+    void SetRedraw(bool on);
+
+  private:
+    void AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID);
+    void AddLibraryText(const QString& name);
+    int BodyTop() const;
+
+    ApplicationState& state_;
+    QLabel* picTitle_;
+    QWidget* picTitles_;
+    QLabel* lblInstructions_;
+    picTreeView* picTreeView_;
+    TreeView& tvTreeView_;
+    picLibraryView* picLibraryView_;
+    picQProperties* picQProperties_;
+};
+
+} // namespace pollarix

@@ -1,0 +1,42 @@
+// The sub questions of a matrix question and the scale they are answered on.
+#pragma once
+
+#include "design/ResponsePanel.h"
+#include "platform/ComboBox.h"
+
+namespace pollarix {
+
+class picMatrix : public ResponsePanel {
+    Q_OBJECT
+  public:
+    picMatrix(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+
+    // Refills cmbMatrixResponses from the open survey file. The index that was selected is put back
+    // unguarded: InvalidArgument when there are fewer scales than that.
+    void LoadMatrixResponses();
+
+    // Selects the scale, if it is there; raises the combo box's click.
+    void SelectScale(std::int16_t ResponseMatrixGroupID);
+    // Item data of the selected scale, or 1 if none is.
+    std::int64_t SelectedScale() const;
+
+    // While another panel lies over this one, the Tab key passes its controls by.
+    void SetCovered(bool covered);
+
+    void cmdMatrixAdd_Click() { Add_Click(); }
+    void cmdMatrixUp_Click();
+    void cmdMatrixDown_Click();
+    void cmdMatrixDelete_Click() { Delete_Click(); }
+    void lstMatrixResponses_Click() { List_Click(); }
+    void cmbMatrixResponses_Click();
+    void cmdMatrixDefine_Click();
+
+  private:
+    void Up_Click() override { cmdMatrixUp_Click(); }
+    void Down_Click() override { cmdMatrixDown_Click(); }
+    void Move(int step);
+
+    ComboBox* cmbMatrixResponses_;
+};
+
+} // namespace pollarix

@@ -1,0 +1,50 @@
+#include "design/picOpenEnded.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+
+#include "design/SelectedQuestion.h"
+#include "platform/Failure.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int MostRows = 6;
+
+} // namespace
+
+picOpenEnded::picOpenEnded(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
+    : QWidget(parent), state_(state), tvTreeView_(tvTreeView),
+      cmdOpenEndedNoOfRows_(new ComboBox(this)) {
+    setObjectName("picOpenEnded");
+    setAutoFillBackground(true);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    auto* const heading = new QLabel("No of Rows:", this);
+    heading->setObjectName("Label1(3)");
+    cmdOpenEndedNoOfRows_->setObjectName("cmdOpenEndedNoOfRows");
+    cmdOpenEndedNoOfRows_->setAccessibleName("No of rows");
+    for (int rows = 1; rows <= MostRows; ++rows)
+        cmdOpenEndedNoOfRows_->AddItem(QString::number(rows));
+    cmdOpenEndedNoOfRows_->LostFocus = [this] { cmdOpenEndedNoOfRows_LostFocus(); };
+
+    auto* const row = new QHBoxLayout(this);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(heading);
+    row->addWidget(cmdOpenEndedNoOfRows_);
+    row->addStretch(1);
+}
+
+void picOpenEnded::ShowNoOfRows(std::int16_t rows) {
+    cmdOpenEndedNoOfRows_->SetListIndex(rows - 1);
+}
+
+void picOpenEnded::cmdOpenEndedNoOfRows_LostFocus() {
+    const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
+    if (!q)
+        return;
+    q->OpenEnded_NoOfRows = ToNumber16(cmdOpenEndedNoOfRows_->Text());
+    state_.CurrentSurvey.SetQ(q->Key, q);
+}
+
+} // namespace pollarix

@@ -1,0 +1,255 @@
+#include "design/picQProperties.h"
+
+#include <QEvent>
+#include <QGridLayout>
+#include <QLabel>
+#include <QMenu>
+#include <QRadioButton>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include <algorithm>
+#include <memory>
+
+#include "design/FormattingBar.h"
+#include "design/picCheck.h"
+#include "design/picMatrix.h"
+#include "design/picOpenEnded.h"
+#include "design/picTreeView.h"
+#include "document/SurveyViews.h"
+#include "platform/Handlers.h"
+#include "platform/ScreenTitle.h"
+#include "platform/Twips.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int Options = 5;
+constexpr std::array Captions = {"&Open Ended", "Multiple choice - &many Responses",
+                                 "Multiple choice - &single Response", "Instruction &Text",
+                                 "Question &Matrix"};
+// The last two options stand the other way round than the codes of their kinds.
+constexpr std::array<std::int32_t, Options> KindOfOption = {kind::OpenEnded, kind::Check,
+                                                            kind::Radio, kind::Text, kind::Matrix};
+
+QLabel* NewLabel1(int index, const char* caption, QWidget* parent) {
+    QLabel* const label = NewHeading(caption, parent);
+    label->setObjectName(QString("Label1(%1)").arg(index));
+    return label;
+}
+
+} // namespace
+
+picQProperties::picQProperties(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
+    : QFrame(parent), state_(state), tvTreeView_(tvTreeView), txtQ_(new RichTextBox(this)),
+      bar_(new FormattingBar(*txtQ_, this)), options_(new QGridLayout),
+      lblResponses_(NewLabel1(4, "Responses:", this)),
+      picOpenEnded_(new pollarix::picOpenEnded(state, tvTreeView, this)),
+      picCheck_(new pollarix::picCheck(state, tvTreeView, this)),
+      picMatrix_(new pollarix::picMatrix(state, tvTreeView, this)) {
+    setObjectName("picQProperties");
+    setFrameShape(StyledPanel);
+    txtQ_->setObjectName("txtQ");
+    txtQ_->setAccessibleName("Question Text");
+    // Whatever the key: a press marks the survey, a release commits.
+    txtQ_->KeyDown = [this](QKeyEvent&) { state_.MarkFileChanged(); };
+    txtQ_->KeyUp = [this](QKeyEvent&) { txtQ_LostFocus(); };
+    txtQ_->LostFocus = [this] { txtQ_LostFocus(); };
+    txtQ_->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(txtQ_, &QWidget::customContextMenuRequested, this, &picQProperties::ShowContextMenu);
+    txtQ_->viewport()->installEventFilter(this);
+    // A format has no key whose release would commit it, and it must not be lost when the next
+    // thing is a menu.
+    bar_->Changed = [this] { txtQ_LostFocus(); };
+
+    BuildOptions();
+    LayOutRows();
+    for (QWidget* const panel :
+         {static_cast<QWidget*>(lblResponses_), static_cast<QWidget*>(picOpenEnded_),
+          static_cast<QWidget*>(picCheck_), static_cast<QWidget*>(picMatrix_)})
+        panel->setVisible(false);
+}
+
+void picQProperties::BuildOptions() {
+    for (int i = 0; i < Options; ++i) {
+        auto* const option = new QRadioButton(Captions[i], this);
+        option->setObjectName(QString("optQType(%1)").arg(i));
+        connect(option, &QRadioButton::toggled, this, [this, i](bool on) {
+            if (on)
+                RunHandler([&] { optQType_Click(i); });
+        });
+        optQType_[i] = option;
+    }
+}
+
+void picQProperties::LayOutRows() {
+    options_->setHorizontalSpacing(20);
+    options_->setVerticalSpacing(4);
+    options_->addWidget(optQType_[0], 0, 0);
+    options_->addWidget(optQType_[3], 1, 0);
+    options_->addWidget(optQType_[1], 0, 1);
+    options_->addWidget(optQType_[2], 1, 1);
+    options_->addWidget(optQType_[4], 0, 2);
+    options_->setColumnStretch(3, 1);
+
+    // All in one place: the panel that is shown comes to the front.
+    auto* const panels = new QGridLayout;
+    for (QWidget* const panel :
+         {static_cast<QWidget*>(picOpenEnded_), static_cast<QWidget*>(picCheck_),
+          static_cast<QWidget*>(picMatrix_)})
+        panels->addWidget(panel, 0, 0);
+
+    const int side = ToPixels(300) - frameWidth();
+    auto* const rows = new QVBoxLayout(this);
+    rows->setContentsMargins(side, 10, side, 10);
+    rows->setSpacing(6);
+    rows->addWidget(NewLabel1(0, "Question Text:", this));
+    rows->addWidget(bar_);
+    rows->addWidget(txtQ_, 2);
+    rows->addSpacing(4);
+    rows->addWidget(NewLabel1(2, "Question Type:", this));
+    rows->addLayout(options_);
+    rows->addSpacing(4);
+    rows->addWidget(lblResponses_);
+    rows->addLayout(panels, 3);
+
+    // As the eye goes: the bar stands above the text, the options by columns.
+    setTabOrder(bar_->LastControl(), txtQ_);
+    QWidget* last = txtQ_;
+    for (const int i : {0, 3, 1, 2, 4}) {
+        setTabOrder(last, optQType_[i]);
+        last = optQType_[i];
+    }
+}
+
+// Where three columns of options would be cut off, the third goes below the first.
+void picQProperties::resizeEvent(QResizeEvent* event) {
+    QFrame::resizeEvent(event);
+    const int columns = optQType_[3]->sizeHint().width() + optQType_[1]->sizeHint().width() +
+                        optQType_[4]->sizeHint().width() + 2 * options_->horizontalSpacing();
+    const QMargins margins = layout()->contentsMargins();
+    const bool fits = columns <= contentsRect().width() - margins.left() - margins.right();
+    if (fits != (options_->itemAtPosition(0, 2) != nullptr))
+        options_->addWidget(optQType_[4], fits ? 0 : 2, fits ? 2 : 0);
+}
+
+void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
+    const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(Node.Key());
+    if (!q) {
+        setVisible(false);
+        return;
+    }
+    setVisible(true);
+    raise();
+    MoveFocusQuietly(*txtQ_);
+    txtQ_->SetTextRTF(q->Question);
+    txtQ_->SetSelStart(0);
+    txtQ_->SetSelLength(static_cast<int>(txtQ_->Text().size()));
+    const auto option = std::find(KindOfOption.begin(), KindOfOption.end(), q->qType);
+    if (option != KindOfOption.end()) {
+        const int Index = static_cast<int>(option - KindOfOption.begin());
+        SelectQType(Index, Node);
+        SetOption(Index);
+    }
+    picOpenEnded_->ShowNoOfRows(q->OpenEnded_NoOfRows);
+}
+
+// Putting on an option that was off raises its click, as the user's hand does. So a step to a
+// question of another kind marks the survey as changed though nothing was edited: required.
+void picQProperties::SetOption(int Index) {
+    QRadioButton& option = *optQType_[Index];
+    if (option.isChecked())
+        return;
+    {
+        const QSignalBlocker noEvent(option);
+        option.setChecked(true);
+    }
+    optQType_Click(Index);
+}
+
+void picQProperties::optQType_Click(int Index) {
+    TreeNode* const node = tvTreeView_.SelectedItem();
+    if (!node || node->Key() == RootKey)
+        return;
+    SelectQType(Index, *node);
+    state_.MarkFileChanged();
+}
+
+void picQProperties::SelectQType(int Index, TreeNode& Node) {
+    const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(Node.Key());
+    if (!q || Index < 0 || Index >= Options)
+        return;
+    // The Tab key goes to the option that is on; the others are reached from there.
+    for (int i = 0; i < Options; ++i)
+        optQType_[i]->setFocusPolicy(i == Index ? Qt::StrongFocus : Qt::ClickFocus);
+    const std::int32_t qType = KindOfOption[Index];
+    switch (qType) {
+    case kind::OpenEnded:
+    case kind::Text:
+        ShowKindPanel(*picOpenEnded_, {picCheck_, picMatrix_});
+        break;
+    case kind::Check:
+        // picMatrix stays visible behind picCheck, which covers it.
+        ShowKindPanel(*picCheck_, {picOpenEnded_});
+        picCheck_->SetLogicVisible(false);
+        break;
+    case kind::Radio:
+        ShowKindPanel(*picCheck_, {picOpenEnded_, picMatrix_});
+        picCheck_->SetLogicVisible(true);
+        break;
+    case kind::Matrix:
+        ShowKindPanel(*picMatrix_, {picOpenEnded_, picCheck_});
+        break;
+    }
+    picMatrix_->SetCovered(qType == kind::Check);
+    state_.CurrentSurvey.UpdateQuestionType(Node.Key(), qType);
+    lblResponses_->setVisible(HasResponses(qType));
+    if (qType == kind::Matrix) {
+        picMatrix_->Fill(*q);
+        picMatrix_->SelectScale(q->ResponseMatrixGroupID);
+        picMatrix_->FocusBox();
+    } else if (HasResponses(qType)) {
+        picCheck_->Fill(*q);
+        picCheck_->FocusBox();
+    }
+}
+
+void picQProperties::ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden) {
+    panel.setVisible(true);
+    panel.raise();
+    for (QWidget* const other : hidden)
+        other->setVisible(false);
+}
+
+void picQProperties::ClearCheckResponses() {
+    picCheck_->ClearList();
+}
+
+void picQProperties::txtQ_LostFocus() {
+    TreeNode* const node = tvTreeView_.SelectedItem();
+    if (!node || node->Key() == RootKey)
+        return;
+    clsSurvey& survey = state_.CurrentSurvey;
+    survey.UpdateQuestion(node->Key(), txtQ_->TextRTF());
+    const QString prefix = survey.GetQuestionTypeFromKey(node->Key()) == kind::Text
+                               ? QString()
+                               : NumberPrefix(survey.GetQuestionNoFromKey(node->Key()));
+    const QString text = txtQ_->Text();
+    node->SetText(prefix + (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
+}
+
+// Pasting with the mouse and dropping have no key either; they are committed like a format.
+void picQProperties::ShowContextMenu(const QPoint& position) {
+    const std::unique_ptr<QMenu> menu(txtQ_->createStandardContextMenu(position));
+    menu->exec(txtQ_->mapToGlobal(position));
+    RunHandler([&] { txtQ_LostFocus(); });
+}
+
+bool picQProperties::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Drop)
+        QTimer::singleShot(0, this, [this] { RunHandler([&] { txtQ_LostFocus(); }); });
+    return QFrame::eventFilter(watched, event);
+}
+
+} // namespace pollarix

@@ -1,0 +1,71 @@
+// The question panel: shows the question selected in the tree and writes its text and kind to the
+// model as they are entered. It writes nothing to the survey file.
+#pragma once
+
+#include <QFrame>
+
+#include <array>
+
+#include "document/ApplicationState.h"
+#include "platform/RichTextBox.h"
+#include "platform/TreeView.h"
+
+class QGridLayout;
+class QLabel;
+class QRadioButton;
+
+namespace pollarix {
+
+class FormattingBar;
+class picCheck;
+class picMatrix;
+class picOpenEnded;
+
+class picQProperties : public QFrame {
+    Q_OBJECT
+  public:
+    picQProperties(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+
+    // Shows the node's question, or hides the panel for the root. Both the tree's event and called
+    // with a node that code has just selected.
+    void tvTreeView_NodeClick(TreeNode& Node);
+
+    // The text commit: what the box shows becomes the selected question's text and, as far as its
+    // first line goes, the node's. It marks nothing as changed.
+    void txtQ_LostFocus();
+
+    // Sets the question of the node to the kind of the option and shows its panel. An index outside
+    // 0 to 4, or a node without a question, does nothing.
+    void SelectQType(int Index, TreeNode& Node);
+
+    void optQType_Click(int Index);
+
+    RichTextBox& Editor() { return *txtQ_; }
+    const RichTextBox& Editor() const { return *txtQ_; }
+    picMatrix& Matrix() { return *picMatrix_; }
+    void ClearCheckResponses();
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    void BuildOptions();
+    void LayOutRows();
+    void ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden);
+    void SetOption(int Index);
+    bool eventFilter(QObject* watched, QEvent* event) override;
+    void ShowContextMenu(const QPoint& position);
+
+    ApplicationState& state_;
+    TreeView& tvTreeView_;
+    RichTextBox* txtQ_;
+    FormattingBar* bar_;
+    std::array<QRadioButton*, 5> optQType_;
+    QGridLayout* options_;
+    QLabel* lblResponses_; // Label1(4)
+    picOpenEnded* picOpenEnded_;
+    picCheck* picCheck_;
+    picMatrix* picMatrix_;
+};
+
+} // namespace pollarix

@@ -1,0 +1,130 @@
+#include "design/picTreeView.h"
+
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QToolButton>
+
+#include "design/ArrowButton.h"
+#include "design/OnClick.h"
+#include "document/SurveyViews.h"
+#include "platform/RichText.h"
+#include "platform/Twips.h"
+
+namespace pollarix {
+
+QString NumberPrefix(const QString& QuestionNo) {
+    return QuestionNo.isEmpty() ? QString() : QuestionNo + ". ";
+}
+
+picTreeView::picTreeView(ApplicationState& state, QWidget* parent)
+    : ListPanel("picTreeView", "picBlankPanel", 20, "Questions", parent), state_(state),
+      tvTreeView_(new TreeView(parent)),
+      cmdUp_(NewArrowButton("cmdUp", "up", "Move question up", this)),
+      cmdDown_(NewArrowButton("cmdDown", "down", "Move question down", this)),
+      cmdDelete_(new QPushButton("Delete", this)) {
+    tvTreeView_->setObjectName("tvTreeView");
+    tvTreeView_->setAccessibleName("Questions");
+    tvTreeView_->setFrameShape(QFrame::NoFrame);
+    cmdDelete_->setObjectName("cmdDelete");
+    cmdDelete_->setAccessibleName("Delete question");
+
+    ButtonRow().addWidget(cmdUp_);
+    ButtonRow().addWidget(cmdDown_);
+    ButtonRow().addStretch(1);
+    ButtonRow().addWidget(cmdDelete_);
+
+    OnClick(cmdUp_, this, &picTreeView::cmdUp_Click);
+    OnClick(cmdDown_, this, &picTreeView::cmdDown_Click);
+    OnClick(cmdDelete_, this, &picTreeView::cmdDelete_Click);
+}
+
+void picTreeView::LayOutTree() {
+    const int top = y() + StripHeight();
+    const int height = this->height() - top + ToPixels(500);
+    if (height > 0 && width() > 2)
+        tvTreeView_->setGeometry(x() + 1, top, width() - 2, height);
+    tvTreeView_->raise();
+}
+
+void picTreeView::ReindexTreeQuestionNos() {
+    QString prefix;
+    for (int i = 1; i <= tvTreeView_->Count(); ++i) {
+        TreeNode& node = tvTreeView_->Item(i);
+        if (node.Key() == RootKey)
+            continue;
+        const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(node.Key());
+        if (!q)
+            continue;
+        // An instruction text carries on the prefix of the question visited before it: the prefix
+        // is not cleared for it, on purpose.
+        if (q->qType != kind::Text)
+            prefix = NumberPrefix(q->QuestionNo);
+        // It is the node's present text that is asked, not the question's: a question without text
+        // keeps its bare number, and an instruction text without one changes at each turn.
+        node.SetText(prefix +
+                     (node.Text().isEmpty() ? QString(NoTextYet) : PlainTextOf(q->Question)));
+    }
+}
+
+TreeNode& picTreeView::MoveTo(const TreeNode& neighbour, TreeView::Relationship side,
+                              TreeNode& moved) {
+    const QString key = moved.Key();
+    const QString text = moved.Text();
+    tvTreeView_->Remove(key);
+    TreeNode& node = tvTreeView_->Add(neighbour.Key(), side, key, text);
+    node.SetSelected();
+    state_.CurrentSurvey.SwapQ(key, neighbour.Key());
+    return node;
+}
+
+void picTreeView::Relabel(TreeNode& node) {
+    const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(node.Key());
+    if (q)
+        node.SetText(QString::number(state_.CurrentSurvey.GetQIndexFromKey(node.Key())) + ". " +
+                     PlainTextOf(q->Question));
+}
+
+void picTreeView::cmdUp_Click() {
+    TreeNode* const selected = tvTreeView_->SelectedItem();
+    TreeNode* const previous = selected ? selected->Previous() : nullptr;
+    if (!previous)
+        return;
+    TreeNode& moved = MoveTo(*previous, TreeView::tvwPrevious, *selected);
+    // Only Up relabels: afterwards neither node is empty, so the reindexing gives them their bare
+    // number where after Down it gives the words for a missing text.
+    Relabel(moved);
+    Relabel(*previous);
+    state_.CurrentSurvey.ReorderQ_QuestionNos();
+    ReindexTreeQuestionNos();
+    state_.MarkFileChanged();
+}
+
+void picTreeView::cmdDown_Click() {
+    TreeNode* const selected = tvTreeView_->SelectedItem();
+    TreeNode* const next = selected ? selected->Next() : nullptr;
+    if (!next)
+        return;
+    MoveTo(*next, TreeView::tvwNext, *selected);
+    state_.CurrentSurvey.ReorderQ_QuestionNos();
+    ReindexTreeQuestionNos();
+    state_.MarkFileChanged();
+}
+
+void picTreeView::cmdDelete_Click() {
+    if (state_.CurrentSurvey.QCount == 1) {
+        state_.dialogs.MsgBox("Can't delete last question.", MsgIcon::Critical);
+        return;
+    }
+    const TreeNode* const selected = tvTreeView_->SelectedItem();
+    if (!selected || selected->Key() == RootKey)
+        return;
+    const QString key = selected->Key();
+    // The panel goes on showing the deleted question until the next click on a node.
+    tvTreeView_->Remove(key);
+    state_.CurrentSurvey.DeleteQ(key);
+    state_.CurrentSurvey.ReorderQ_QuestionNos();
+    ReindexTreeQuestionNos();
+    state_.MarkFileChanged();
+}
+
+} // namespace pollarix
