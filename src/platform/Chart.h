@@ -3,6 +3,7 @@
 
 #include <QWidget>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -43,6 +44,21 @@ class Chart : public QWidget {
 
     // The chart as a picture of the given size in pixels.
     QImage Picture(const QSize& size);
+
+    // Keeps the picture that the context menu's "Save Picture..." made: the owner sets it to asking
+    // for a file name and writing the file. While it is empty the menu entry is disabled.
+    std::function<void(const QImage&)> SavePicture;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  protected:
+    bool event(QEvent* event) override;
+    void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
   private:
     struct State;
