@@ -1,0 +1,147 @@
+#include "analysis/SummaryReport.h"
+
+#include <cmath>
+
+#include "platform/Failure.h"
+#include "platform/Formats.h"
+#include "platform/RichText.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int DivisionByZero = 11;
+
+class Builder {
+  public:
+    Builder(Connection& file, SummaryReport& report, std::int64_t responseID)
+        : file_(file), report_(report), responseID_(responseID) {}
+
+    void AddQuestion(const Recordset& question) {
+        const std::int64_t id = question.Integer(0);
+        const std::int64_t qtype = question.Integer(2);
+        const QString text =
+            question.NullToString(3) + ". " + PlainTextOf(question.NullToString(1));
+        // After a matrix this row is the matrix's last one, which is overwritten. Required.
+        Write({qtype == 0 ? "n/a" : "", text, -1});
+        report_.AddEntry(-1, -1);
+        if (qtype == 3)
+            AddMatrix(id);
+        else
+            AddChoices(id);
+    }
+
+  private:
+    void Write(SummaryRow row) {
+        if (R_ >= report_.rows.size())
+            report_.rows.resize(R_ + 1);
+        report_.rows[R_] = std::move(row);
+    }
+
+    void SelectIfAsked(std::int64_t response) {
+        if (response == responseID_)
+            report_.row = static_cast<std::int64_t>(R_);
+    }
+
+    void AddChoices(std::int64_t question) {
+        ++R_;
+        for (Recordset row = file_.Execute(
+                 "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos", {question});
+             !row.AtEnd(); row.MoveNext()) {
+            const std::int64_t id = row.Integer(0);
+            const std::int64_t count =
+                file_.Count("SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND "
+                            "questionid = ?",
+                            {id, question});
+            report_.AddEntry(Narrow32(count), -1);
+            Write({PercentageText(count, report_.totals.all), "     " + row.NullToString(1), id});
+            SelectIfAsked(id);
+            ++R_;
+        }
+    }
+
+    void AddMatrix(std::int64_t question) {
+        for (Recordset row = file_.Execute("SELECT id, name, responseMatrixGroupID FROM response "
+                                           "WHERE questionid = ? ORDER BY pos",
+                                           {question});
+             !row.AtEnd(); row.MoveNext()) {
+            const std::int64_t id = row.Integer(0);
+            report_.AddEntry(0, id);
+            ++R_;
+            Write({"", "     " + row.NullToString(1), id});
+            SelectIfAsked(id);
+            report_.AddEntry(0, id);
+            ++R_;
+            AddPoints(id, row);
+        }
+        // R stays on the last row written, not on the next free one. Required: the graph counts on
+        // the entries being one ahead from here.
+    }
+
+    void AddPoints(std::int64_t response, const Recordset& row) {
+        const DbValue group = row.IsNull(2) ? DbValue() : DbValue(row.Integer(2));
+        for (Recordset point = file_.Execute(
+                 "SELECT id, name FROM ResponseMatrix WHERE responseMatrixGroupID = ? "
+                 "ORDER BY pos",
+                 {group});
+             !point.AtEnd();) {
+            // Limited to the sub question and the point, and not to the question.
+            const std::int64_t count =
+                file_.Count("SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND "
+                            "responseMatrixID = ?",
+                            {response, point.Integer(0)});
+            Write({PercentageText(count, report_.totals.all), "          " + point.NullToString(1),
+                   response});
+            point.MoveNext();
+            if (!point.AtEnd()) {
+                ++R_;
+                report_.AddEntry(0, response);
+            }
+        }
+    }
+
+    Connection& file_;
+    SummaryReport& report_;
+    std::int64_t responseID_;
+    std::size_t R_ = 1;
+};
+
+} // namespace
+
+void SummaryReport::AddEntry(std::int32_t count, std::int64_t key) {
+    SummaryKeys.push_back(Narrow16(key));
+    SummaryCounts.push_back(count);
+    ++SummaryRowCount;
+}
+
+QString PercentageText(std::int64_t count, std::int64_t total) {
+    if (count == 0)
+        return "0.0%";
+    if (total == 0)
+        throw Failure(DivisionByZero, "Division by zero");
+    const double share = static_cast<double>(count) / static_cast<double>(total) * 100;
+    return GeneralNumber(std::nearbyint(share * 10) / 10) + '%';
+}
+
+SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID) {
+    SummaryReport report;
+    report.row = Row;
+    report.totals.all = file.Count("SELECT count(*) FROM respondent");
+    report.totals.manualEntry =
+        file.Count("SELECT count(*) FROM respondent WHERE source='Manual Entry'");
+    report.totals.webBased = file.Count("SELECT count(*) FROM respondent WHERE source='Web Based'");
+    report.totals.imported = file.Count("SELECT count(*) FROM respondent WHERE source='Imported'");
+
+    Builder builder(file, report, ResponseID);
+    // The order is that of the text: "10" comes before "2".
+    for (Recordset question =
+             file.Execute("SELECT question.id, question, qtype, questionno FROM question "
+                          "WHERE qtype<>4 ORDER BY questionno, id");
+         !question.AtEnd(); question.MoveNext())
+        builder.AddQuestion(question);
+    if (report.row >= static_cast<std::int64_t>(report.rows.size()))
+        report.row = static_cast<std::int64_t>(report.rows.size()) - 1;
+    return report;
+}
+
+} // namespace pollarix

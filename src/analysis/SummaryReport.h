@@ -1,0 +1,54 @@
+// The rows of the summary report: every question with the share of respondents for each answer,
+// computed from the survey file. Knows no grid; what it gives is what the grid shows, row by row.
+#pragma once
+
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+#include "platform/Database.h"
+
+namespace pollarix {
+
+struct SummaryRow {
+    QString percentage; // "n/a", "" or a percentage
+    QString text;
+    std::int64_t rowData = 0; // -1 for a question, else a response.id; 0 in a blank row
+};
+
+// How many respondents there are, by where their answers came from. Those from the web by this
+// program's own import ("Web") count in the first number only.
+struct SummaryTotals {
+    std::int64_t all = 0;
+    std::int64_t manualEntry = 0;
+    std::int64_t webBased = 0;
+    std::int64_t imported = 0;
+};
+
+struct SummaryReport {
+    SummaryTotals totals;
+    // By grid row; element 0 stands for the head.
+    std::vector<SummaryRow> rows = std::vector<SummaryRow>(1);
+    // Grid row to select.
+    std::int64_t row = 1;
+
+    // One entry for each step of the building, from 1; element 0 is unused. After a matrix the
+    // entries run ahead of the rows by one, and by a further one after each matrix that follows:
+    // the graph reads them at the grid's row number as they stand.
+    std::int32_t SummaryRowCount = 0;
+    std::vector<std::int32_t> SummaryCounts = {0};
+    std::vector<std::int16_t> SummaryKeys = {0};
+
+    void AddEntry(std::int32_t count, std::int64_t key);
+};
+
+// Row is the grid row to select, overridden by the row of the response with ResponseID. Throws
+// Overflow for a response.id of a matrix beyond 16 bits, and what the database throws.
+SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID);
+
+// "0.0%" for no answers; else the share rounded to one decimal, half to even, in the locale's
+// general number format with no zero added, and "%".
+QString PercentageText(std::int64_t count, std::int64_t total);
+
+} // namespace pollarix

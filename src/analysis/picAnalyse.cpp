@@ -1,0 +1,288 @@
+#include "analysis/picAnalyse.h"
+
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QImage>
+#include <QLabel>
+#include <QPushButton>
+
+#include "analysis/ResponseGraph.h"
+#include "platform/Chart.h"
+#include "platform/ComboBox.h"
+#include "platform/Failure.h"
+#include "platform/Grid.h"
+#include "platform/Handlers.h"
+#include "platform/ScreenTitle.h"
+#include "platform/Twips.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr const char* Styles[] = {"3D Bar",         "2D Bar",         "3D Line", "2D Line",
+                                  "3D Area",        "2D Area",        "3D Step", "2D Step",
+                                  "3D Combination", "2D Combination", "Pie",     "2D X-Y"};
+
+// The graph's place while the grid stands above it.
+constexpr int GraphLeft = ToPixels(3150);
+constexpr int GraphTop = ToPixels(2430);
+constexpr int Margin = ToPixels(120);
+constexpr int LabelHeight = 18;
+constexpr int CellPadding = 12;
+
+} // namespace
+
+picAnalyse::picAnalyse(ApplicationState& state, QWidget* parent) : QWidget(parent), state_(state) {
+    setObjectName("picAnalyse");
+    picSummaryReport_ = new QWidget(this);
+    picSummaryReport_->setObjectName("picSummaryReport");
+    picTitleAnalyse_ = NewScreenTitle("picTitleAnalyse", "Analyze", this);
+    lblInstructions_ = NewInstructions(
+        "Instructions - You are currently viewing a list of responses. To view a graph select the "
+        "response below. For more help press F1.",
+        this);
+    // The graph's fixed place leaves little room above it, so the text stands in the title strip.
+    lblInstructions_->setForegroundRole(QPalette::HighlightedText);
+    lblInstructions_->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+
+    lblSummary_ = NewHeading("Response Summary", picSummaryReport_);
+    gSummaryReport_ = new Grid(picSummaryReport_);
+    gSummaryReport_->setObjectName("gSummaryReport");
+    gSummaryReport_->setAccessibleName("Response Summary");
+    gSummaryReport_->SetSelectRows(true);
+    gSummaryReport_->SetCols(2); // the first survey is opened before the start-up lays the grid out
+    gSummaryReport_->SetStretchCol(1);
+    gSummaryReport_->Click = [this] { RefreshGraph(); };
+    // The selection hasn't moved yet: the graph follows the row being left. Required.
+    gSummaryReport_->KeyDown = [this](QKeyEvent&) { RefreshGraph(); };
+    BuildTotals();
+
+    lblLabels_ = new QLabel("Graph Style:", picSummaryReport_);
+    lblLabels_->setObjectName("lblLabels");
+    cboGraphStyle_ = new ComboBox(picSummaryReport_);
+    cboGraphStyle_->setObjectName("cboGraphStyle");
+    cboGraphStyle_->setAccessibleName("Graph Style");
+    for (const char* style : Styles)
+        cboGraphStyle_->AddItem(style);
+    cboGraphStyle_->Click = [this] { RefreshGraph(); };
+    lblLabels_->setBuddy(cboGraphStyle_);
+
+    // A text of the window's design that nothing updates.
+    lblGraph_ = NewHeading("Graph for 1. What is your favorite soup?", this);
+    c_ = new Chart(this);
+    c_->setObjectName("c");
+    c_->setAccessibleName("Graph");
+    c_->SavePicture = [this](const QImage& picture) { RunHandler([&] { SavePicture(picture); }); };
+    cmdExpand_ = new QPushButton("Expand Graph", this);
+    cmdExpand_->setObjectName("cmdExpand");
+    cmdExpand_->setAutoDefault(false);
+    connect(cmdExpand_, &QPushButton::clicked, this,
+            [this] { RunHandler([this] { cmdExpand_Click(); }); });
+    c_->move(GraphLeft, GraphTop);
+    ShowGraph(false);
+}
+
+void picAnalyse::BuildTotals() {
+    fraTotals_ = new QGroupBox("Totals", picSummaryReport_);
+    fraTotals_->setObjectName("fraTotals");
+    auto* form = new QFormLayout(fraTotals_);
+    const auto total = [&](const char* name, const QString& caption) {
+        auto* value = new QLabel("0", fraTotals_);
+        value->setObjectName(name);
+        value->setAlignment(Qt::AlignRight);
+        value->setAccessibleName(QString(caption).remove(':'));
+        form->addRow(caption, value);
+        return value;
+    };
+    lblTotalRespondents_ = total("lblTotalRespondents", "Total Respondents:");
+    lblTotalImported_ = total("lblTotalImported", "Imported:");
+    lblTotalWebBased_ = total("lblTotalWebBased", "Web Based:");
+    lblTotalManualEntry_ = total("lblTotalManualEntry", "Manual Entry:");
+}
+
+void picAnalyse::AddFirstSummaryEntry() {
+    summary_.AddEntry(-1, -1);
+}
+
+void picAnalyse::WriteHeads() {
+    gSummaryReport_->SetCols(2);
+    gSummaryReport_->SetRows(1);
+    gSummaryReport_->SetTextMatrix(0, 0, "%");
+    gSummaryReport_->SetColAlignment(0, 7);
+    gSummaryReport_->SetColWidth(0, 600);
+    gSummaryReport_->SetTextMatrix(0, 1, "Question");
+    gSummaryReport_->SetColAlignment(1, 1);
+    gSummaryReport_->SetColWidth(1, 6400);
+}
+
+void picAnalyse::WidenGrid() {
+    const int sum = gSummaryReport_->ColWidth(0) + gSummaryReport_->ColWidth(1);
+    const int width = ToTwips(gSummaryReport_->width());
+    if (width > sum)
+        gSummaryReport_->SetColWidth(1, gSummaryReport_->ColWidth(1) + width - sum - 100);
+}
+
+void picAnalyse::SelectFirstGraphStyle() {
+    cboGraphStyle_->SetListIndex(0);
+}
+
+void picAnalyse::RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID) {
+    pending_ = true;
+    pendingRow_ = Row;
+    pendingResponse_ = ResponseID;
+    if (isVisible()) {
+        FillGrid();
+        return;
+    }
+    // Hidden: a file that lacks the tables is still told at once.
+    for (const char* sql :
+         {"SELECT id FROM respondent LIMIT 1", "SELECT id FROM question LIMIT 1",
+          "SELECT id FROM response LIMIT 1", "SELECT id FROM respondent_responses LIMIT 1"})
+        state_.SurveyConnection.Execute(sql);
+}
+
+void picAnalyse::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    if (pending_ && state_.SurveyConnection.IsOpen())
+        RunHandler([this] { FillGrid(); });
+}
+
+void picAnalyse::FillGrid() {
+    pending_ = false;
+    summary_ = {};
+    summary_ = ReadSummary(state_.SurveyConnection, pendingRow_, pendingResponse_);
+    const SummaryTotals& totals = summary_.totals;
+    lblTotalRespondents_->setText(QString::number(totals.all));
+    lblTotalManualEntry_->setText(QString::number(totals.manualEntry));
+    lblTotalWebBased_->setText(QString::number(totals.webBased));
+    lblTotalImported_->setText(QString::number(totals.imported));
+
+    Grid& grid = *gSummaryReport_;
+    grid.SetRedraw(false);
+    const int rows = static_cast<int>(summary_.rows.size());
+    grid.SetRows(1);
+    grid.SetRows(rows);
+    for (int row = 1; row < rows; ++row) {
+        grid.SetTextMatrix(row, 0, summary_.rows[row].percentage);
+        grid.SetTextMatrix(row, 1, summary_.rows[row].text);
+        grid.SetRowData(row, summary_.rows[row].rowData);
+    }
+    summary_.rows.clear();
+    summary_.rows.shrink_to_fit();
+    // The fixed start width holds no percentage in a larger font.
+    int widest = 0;
+    for (int row = 1; row < rows; ++row)
+        widest = qMax(widest, grid.fontMetrics().horizontalAdvance(grid.TextMatrix(row, 0)));
+    if (ToTwips(widest + CellPadding) > grid.ColWidth(0))
+        grid.SetColWidth(0, ToTwips(widest + CellPadding));
+    grid.SetRow(static_cast<int>(summary_.row));
+    grid.SetCol(0);
+    grid.SetColSel(1);
+    grid.SetRedraw(true);
+}
+
+void picAnalyse::mnuAnalyseTotRespondents_Click() {
+    const std::int64_t count = state_.SurveyConnection.Count("SELECT count(*) FROM respondent");
+    state_.dialogs.MsgBox(QString::number(count) + " respondents have completed this survey.",
+                          MsgIcon::Information);
+}
+
+void picAnalyse::RefreshGraph() {
+    const int row = gSummaryReport_->Row();
+    std::int16_t key = -1;
+    // Read at the grid's row number, without regard to the shift that a matrix leaves.
+    if (row > 0 && summary_.SummaryRowCount > 0) {
+        if (row > summary_.SummaryRowCount)
+            throw Failure(failure::Subscript);
+        key = summary_.SummaryKeys[row];
+    }
+    const ResponseGraph graph =
+        ReadGraph(state_.SurveyConnection, gSummaryReport_->RowData(row), key);
+    ShowGraph(!graph.hidden);
+    if (!graph.table)
+        return;
+    c_->SetChartType(ChartTypeOfStyle(cboGraphStyle_->ListIndex()));
+    c_->SetChartData(*graph.table);
+}
+
+void picAnalyse::ShowGraph(bool on) {
+    const bool changes = c_->isHidden() == on;
+    c_->setVisible(on);
+    cmdExpand_->setVisible(on);
+    lblGraph_->setVisible(on);
+    if (changes && Form_Resize)
+        Form_Resize(); // the grid takes the room that the graph leaves
+}
+
+bool picAnalyse::IsExpanded() const {
+    return cmdExpand_->text() == "Shrink Graph";
+}
+
+void picAnalyse::cmdExpand_Click() {
+    c_->raise();
+    cmdExpand_->raise();
+    if (!IsExpanded()) {
+        c_->move(picSummaryReport_->x() + ToPixels(50), 0);
+        cmdExpand_->setText("Shrink Graph");
+    } else {
+        gSummaryReport_->raise();
+        c_->move(GraphLeft, GraphTop);
+        cmdExpand_->setText("Expand Graph");
+    }
+    if (Form_Resize)
+        Form_Resize();
+}
+
+void picAnalyse::SavePicture(const QImage& picture) {
+    FileDialogRequest request;
+    request.title = "Save Picture";
+    request.fileName = "Graph.png";
+    request.filter = "Portable Network Graphics (*.png)|*.png";
+    request.promptOverwrite = true;
+    try {
+        const QString path = state_.dialogs.ShowSave(request).fileName;
+        if (!picture.save(path))
+            state_.dialogs.MsgBox("Unable to write to file " + path, MsgIcon::Critical);
+    } catch (const Failure& failure) {
+        if (failure.Number() != failure::DialogCancelled)
+            throw;
+    }
+}
+
+void picAnalyse::LayOut(int windowWidth, int windowHeight) {
+    const auto place = [](QWidget* control, int left, int top, int width, int height) {
+        // Too small for a value: the control stays as it was.
+        if (width > 0 && height > 0)
+            control->setGeometry(left, top, width, height);
+    };
+    const bool expanded = IsExpanded();
+    place(c_, c_->x(), c_->y(), windowWidth - c_->x(),
+          windowHeight - c_->y() - ToPixels(expanded ? 2500 : 2700));
+    const QSize button = cmdExpand_->sizeHint();
+    place(cmdExpand_, windowWidth - button.width() - ToPixels(350),
+          windowHeight - button.height() - ToPixels(expanded ? 2700 : 2600), button.width(),
+          button.height());
+
+    place(picTitleAnalyse_, 0, 0, width(), ScreenTitleHeight);
+    const int textLeft = ToPixels(1400);
+    place(lblInstructions_, textLeft, 0, width() - textLeft - ToPixels(150), ScreenTitleHeight);
+    place(picSummaryReport_, 0, 0, width(), height());
+
+    // Totals and style in the left column, the grid in the right one, above the graph if it shows.
+    const int top = ScreenTitleHeight + 2;
+    const int gridTop = top + LabelHeight;
+    place(lblSummary_, GraphLeft, top, 300, LabelHeight);
+    const int gridBottom = c_->isHidden() ? height() - Margin : GraphTop - LabelHeight - 2;
+    place(gSummaryReport_, GraphLeft, gridTop,
+          picSummaryReport_->width() - GraphLeft - ToPixels(200), gridBottom - gridTop);
+    gSummaryReport_->scrollTo(gSummaryReport_->currentIndex());
+    place(lblGraph_, GraphLeft, GraphTop - LabelHeight, 400, LabelHeight);
+    const int columnWidth = GraphLeft - 2 * Margin;
+    place(fraTotals_, Margin, top + 4, columnWidth, fraTotals_->sizeHint().height());
+    const int styleTop = fraTotals_->geometry().bottom() + 2 * Margin;
+    place(lblLabels_, Margin, styleTop, columnWidth, LabelHeight);
+    place(cboGraphStyle_, Margin, styleTop + LabelHeight + 2, columnWidth,
+          cboGraphStyle_->sizeHint().height());
+}
+
+} // namespace pollarix

@@ -1,0 +1,79 @@
+// The Analyze screen: totals, the summary grid and the graph of its current row.
+#pragma once
+
+#include <QWidget>
+
+#include <functional>
+
+#include "analysis/SummaryReport.h"
+#include "document/ApplicationState.h"
+
+class QGroupBox;
+class QLabel;
+class QPushButton;
+
+namespace pollarix {
+
+class Chart;
+class ComboBox;
+class Grid;
+
+class picAnalyse : public QWidget {
+    Q_OBJECT
+  public:
+    picAnalyse(ApplicationState& state, QWidget* parent);
+
+    // Steps of the start-up, in their order.
+    void AddFirstSummaryEntry();
+    void WriteHeads(); // columns, head row, widths
+    void WidenGrid();  // column 1 fills what the other leaves
+    void SelectFirstGraphStyle();
+
+    // Rebuilds grid and totals. Row is the grid row to select, overridden by that of the response
+    // with ResponseID. While the screen is hidden the counting waits until it is shown, which is
+    // the same to everyone who sees it. Does not redraw the graph.
+    void RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID);
+
+    void mnuAnalyseTotRespondents_Click();
+
+    void LayOut(int windowWidth, int windowHeight); // pixels
+
+    // Lays out the whole window; set by it.
+    std::function<void()> Form_Resize;
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    void BuildTotals();
+    void FillGrid();
+    void RefreshGraph();
+    void ShowGraph(bool on);
+    void cmdExpand_Click();
+    void SavePicture(const QImage& picture);
+    bool IsExpanded() const;
+
+    ApplicationState& state_;
+    SummaryReport summary_;
+    bool pending_ = false; // a refresh waits for the screen to be shown
+    std::int64_t pendingRow_ = 1;
+    std::int64_t pendingResponse_ = 0;
+
+    QLabel* picTitleAnalyse_;
+    QLabel* lblInstructions_;
+    QWidget* picSummaryReport_;
+    QLabel* lblSummary_;
+    Grid* gSummaryReport_;
+    QGroupBox* fraTotals_;
+    QLabel* lblTotalRespondents_ = nullptr;
+    QLabel* lblTotalManualEntry_ = nullptr;
+    QLabel* lblTotalWebBased_ = nullptr;
+    QLabel* lblTotalImported_ = nullptr;
+    QLabel* lblLabels_;
+    ComboBox* cboGraphStyle_;
+    QLabel* lblGraph_;
+    Chart* c_;
+    QPushButton* cmdExpand_;
+};
+
+} // namespace pollarix
