@@ -39,6 +39,8 @@ picRespondentList::picRespondentList(ApplicationState& state, QWidget* parent)
     gRespondents_->setObjectName("gRespondents");
     gRespondents_->setAccessibleName("Respondents");
     gRespondents_->SetSelectRows(true);
+    // The first survey is opened, and its rows listed, before the start-up lays the grid out.
+    PrepareGrid();
     gRespondents_->DblClick = [this] { gRespondents_DblClick(); };
 
     const auto button = [this](const char* name, const QString& caption, const QString& icon) {

@@ -8,7 +8,6 @@ namespace pollarix {
 
 Application::Application(int& argc, char** argv) : QApplication(argc, argv) {
     setApplicationName("pollarix");
-    setApplicationDisplayName("Pollarix");
     setDesktopFileName("pollarix");
 }
 

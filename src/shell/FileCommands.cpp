@@ -1,0 +1,36 @@
+#include "shell/FileCommands.h"
+
+#include "platform/Failure.h"
+#include "platform/Files.h"
+
+namespace pollarix {
+
+void FileCommands::mnuNew_Click() {
+    if (!document_.AskToSave(Qt::CaseSensitive))
+        return;
+    document_.DoClose();
+    // The temporary file of the survey before stays where it is.
+    const QString path = NewTempFileName(state_.directories.user, "HC");
+    CopyFileOver(state_.directories.InProgram("blank.mdb"), path);
+    document_.DoOpen(path, true, -1);
+}
+
+void FileCommands::mnuFileOpen_Click() {
+    try {
+        if (!document_.AskToSave(Qt::CaseInsensitive))
+            return;
+        FileDialogRequest request;
+        request.title = "Open";
+        request.filter = "Pollarix (*.plxs)|*.plxs";
+        const QString name = state_.dialogs.ShowOpen(request).fileName;
+        if (name.isEmpty())
+            return;
+        document_.DoClose();
+        document_.DoOpen(name, true, 1);
+    } catch (const Failure& failure) {
+        if (failure.Number() != failure::DialogCancelled)
+            state_.dialogs.MsgBox("Unable to open file.", MsgIcon::Critical);
+    }
+}
+
+} // namespace pollarix

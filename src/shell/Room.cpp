@@ -1,1 +1,0 @@
-// Stands here until the room's first class comes.

@@ -1,0 +1,295 @@
+#include "shell/frmMain.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QFile>
+#include <QFrame>
+#include <QIcon>
+#include <QLabel>
+#include <QStatusBar>
+#include <QToolBar>
+
+#include "analysis/picAnalyse.h"
+#include "collection/picCollect.h"
+#include "collection/picRespondentList.h"
+#include "design/picDesign.h"
+#include "platform/Handlers.h"
+#include "platform/Twips.h"
+#include "web/SurveyXmlWriter.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr const char* SupportAddress = "support@pollarix.example";
+
+// The rules of resizing count with the window's outer size. Frame and menu differ from desktop to
+// desktop, so they count as one nominal height: what the rules leave free for them.
+constexpr int FrameAndMenu = ToPixels(900 - 20);
+
+} // namespace
+
+frmMain::frmMain(ApplicationState& state)
+    : state_(state), document_(state, *this), files_(state, document_), work_(*this),
+      detailedReport_(state, work_), paperSurvey_(state, work_), export_(state, work_),
+      print_(state.dialogs, *this), transfer_(internet_), server_(transfer_, state.directories),
+      publish_({state, *this, transfer_, server_}), collect_({state, *this, transfer_, server_}) {
+    setObjectName("frmMain");
+    setWindowTitle("Pollarix v1.12");
+    setWindowIcon(QIcon(":/icons/pollarix.svg"));
+    state_.dialogs.SetDefaultParent(this);
+    BuildPanels();
+    BuildMenus();
+    BuildToolbars();
+    // Also where the first opening fails, questions can be added below it.
+    AddRootNode();
+    ShowScreen("Design");
+    resize(1024, 740);
+}
+
+frmMain::~frmMain() {
+    state_.dialogs.SetDefaultParent(nullptr);
+}
+
+void frmMain::BuildPanels() {
+    canvas_ = new QWidget(this);
+    setCentralWidget(canvas_);
+    picToolbar_ = new QFrame(canvas_);
+    picToolbar_->setObjectName("picToolbar");
+    picDesign_ = new picDesign(state_, canvas_);
+    picCollect_ = new picCollect(state_, canvas_);
+    picCollect_->RespondentList().ShowScreen = [this](const QString& name) { ShowScreen(name); };
+    picAnalyse_ = new picAnalyse(state_, canvas_);
+    picAnalyse_->Form_Resize = [this] { Form_Resize(); };
+    ToolBarTopLine_ = new QFrame(canvas_);
+    ToolBarTopLine_->setObjectName("ToolBarTopLine");
+    ToolBarBottomLine_ = new QFrame(canvas_);
+    ToolBarBottomLine_->setObjectName("ToolBarBottomLine");
+    for (QFrame* line : {ToolBarTopLine_, ToolBarBottomLine_}) {
+        line->setFrameShape(QFrame::HLine);
+        line->setFrameShadow(QFrame::Plain);
+        line->setForegroundRole(QPalette::Mid);
+    }
+
+    statusPath_ = new QLabel(this);
+    statusPath_->setObjectName("StatusBar");
+    statusPath_->setAccessibleName("Path of the survey");
+    statusPath_->setTextFormat(Qt::PlainText);
+    statusBar()->addPermanentWidget(statusPath_, 1);
+    statusBar()->setSizeGripEnabled(false);
+}
+
+void frmMain::Form_Load(const QString& commandLine) {
+    int LoadState = 0;
+    try {
+        picRespondentList& respondents = picCollect_->RespondentList();
+        respondents.ExampleQuestionEventsOn = true;
+        picAnalyse_->AddFirstSummaryEntry();
+        LoadState = 1;
+        state_.LibraryConnection.Open(state_.directories.InProgram("Library.mdb"),
+                                      Connection::Mode::ReadOnly);
+        LoadState = 2;
+        SetupToolbar();
+        LoadState = 3;
+        setWindowState(windowState() | Qt::WindowMaximized);
+        LoadState = 6;
+        state_.FileChanged = false;
+        if (!commandLine.isEmpty())
+            document_.DoOpen(commandLine, true, 1);
+        else
+            files_.mnuNew_Click();
+        LoadState = 9; // 7 and 8 have nothing to do: the panels never had a border
+        picAnalyse_->WriteHeads();
+        LoadState = 10;
+        picAnalyse_->WidenGrid();
+        LoadState = 11;
+        respondents.PrepareGrid();
+        LoadState = 12;
+        respondents.WriteHeads();
+        LoadState = 13;
+        respondents.WidenGrid();
+        LoadState = 14;
+        RefreshRespondentList();
+        LoadState = 15;
+        picAnalyse_->SelectFirstGraphStyle();
+        LoadState = 16;
+        picDesign_->LoadLibrary();
+        LoadState = 17;
+        picDesign_->LoadMatrixResponses();
+    } catch (const Failure& failure) {
+        state_.dialogs.MsgBox(
+            QString("An error has occured loading please contact support at %1 for assitance. \n")
+                    .arg(SupportAddress) +
+                failure.Description() + " " + QString::number(failure.Number()) + " " +
+                failure.Source() + " LoadState " + QString::number(LoadState),
+            MsgIcon::Critical);
+    }
+}
+
+bool frmMain::Form_Unload() {
+    // A survey that long work is reading must not close under it.
+    if (work_.IsRunning() || !document_.AskToSave(Qt::CaseInsensitive))
+        return false;
+    if (!document_.IsFileChanged() && EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive)) {
+        const QString path = state_.CurrentFilename;
+        state_.SurveyConnection.Close();
+        QFile::remove(path);
+    }
+    return true;
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    bool unload = false;
+    RunHandler([&] { unload = Form_Unload(); });
+    event->setAccepted(unload);
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+    QMainWindow::resizeEvent(event);
+    Form_Resize();
+}
+
+void frmMain::ShowScreen(const QString& name) {
+    const bool design = name == "Design";
+    const bool collect =
+        name == "Data Collection" || name == "Respondent" || name == "Respondent Answers";
+    const bool analyse = name == "Analyse";
+    if (!design && !collect && !analyse)
+        return;
+    picDesign_->setVisible(design);
+    picCollect_->setVisible(collect);
+    picAnalyse_->setVisible(analyse);
+    if (name == "Respondent")
+        picCollect_->RespondentList().setVisible(true);
+    else if (name == "Respondent Answers")
+        picCollect_->RespondentList().setVisible(false);
+    ToolbarDesign_->setVisible(design);
+    ShowChecks();
+}
+
+void frmMain::ShowChecks() {
+    const QList<QAction*> buttons = Toolbar_->actions();
+    const std::pair<QWidget*, QAction*> items[] = {{picDesign_, mnuViewDesign_},
+                                                   {picCollect_, mnuViewDataCollection_},
+                                                   {picAnalyse_, mnuViewAnalyse_}};
+    for (int i = 0; i < 3; ++i) {
+        const bool shown = !items[i].first->isHidden();
+        items[i].second->setChecked(shown);
+        buttons[i]->setChecked(shown);
+    }
+}
+
+void frmMain::mnuViewDesign_Click() {
+    ShowScreen("Design");
+}
+
+void frmMain::mnuViewDataCollection_Click() {
+    // The screen works on the file, so it is never reached with an unsaved design.
+    if (document_.IsFileChanged()) {
+        const MsgAnswer answer = state_.dialogs.MsgBox(
+            "You must save the design before adding responses. Do you want to save the changes you "
+            "made?",
+            MsgIcon::Question, MsgButtons::YesNoCancel);
+        if (answer != MsgAnswer::Yes)
+            return;
+        document_.mnuFileSave_Click();
+    }
+    ShowScreen("Respondent");
+    RefreshRespondentList();
+}
+
+void frmMain::mnuViewAnalyse_Click() {
+    ShowScreen("Analyse");
+    RefreshRespondeSummaryReportList();
+}
+
+void frmMain::AddBlankOpenEndedQuestion() {
+    picDesign_->AddBlankOpenEndedQuestion();
+}
+
+void frmMain::mnuTextWriteXML_Click() {
+    document_.DoClose();
+    document_.DoOpen(state_.directories.InProgram("test5.plxs"), true, 1);
+    DoSaveXML(state_, *this);
+}
+
+void frmMain::Form_Resize() {
+    const int width = canvas_->width();
+    const int height = canvas_->height() + statusBar()->height() + FrameAndMenu;
+    const int barHeight = Toolbar_->sizeHint().height();
+    picToolbar_->setGeometry(0, 0, width, barHeight);
+    Toolbar_->setGeometry(0, 0, Toolbar_->sizeHint().width(), barHeight);
+    ToolbarDesign_->setGeometry(Toolbar_->width() + ToPixels(300), 0,
+                                ToolbarDesign_->sizeHint().width(), barHeight);
+    const int below = barHeight + ToPixels(2);
+    ToolBarTopLine_->setGeometry(0, below, width, 1);
+    ToolBarBottomLine_->setGeometry(0, below, width, 1);
+
+    const int screenHeight = height - statusBar()->height() - barHeight - ToPixels(900);
+    if (width < 1 || screenHeight < 1)
+        return; // too small for a value: the controls stay as they were
+    const int top = barHeight + ToPixels(20);
+    picDesign_->setGeometry(0, top, width, screenHeight);
+    picCollect_->setGeometry(0, top, width, screenHeight);
+    picAnalyse_->setGeometry(0, top, width, screenHeight);
+    picDesign_->LayOut(statusBar()->height());
+    picCollect_->LayOut(width, height);
+    picAnalyse_->LayOut(width, height);
+}
+
+// ---- SurveyViews
+
+void frmMain::ShowPath(const QString& text) {
+    statusPath_->setText(text);
+}
+void frmMain::ClearTree() {
+    picDesign_->ClearTree();
+}
+void frmMain::AddRootNode() {
+    picDesign_->AddRootNode();
+}
+void frmMain::AddQuestionNode(const QString& key, const QString& text) {
+    picDesign_->AddQuestionNode(key, text);
+}
+void frmMain::SelectNode(const QString& key) {
+    picDesign_->SelectNode(key);
+}
+void frmMain::tvTreeView_NodeClick(const QString& key) {
+    picDesign_->tvTreeView_NodeClick(key);
+}
+std::optional<QString> frmMain::SelectedKey() const {
+    return picDesign_->SelectedKey();
+}
+QString frmMain::PlainTextThroughEditor(const QString& rtf) {
+    return picDesign_->PlainTextThroughEditor(rtf);
+}
+QString frmMain::EditorText() const {
+    return picDesign_->EditorText();
+}
+void frmMain::ClearEditors() {
+    picDesign_->ClearEditors();
+}
+void frmMain::LoadMatrixResponses() {
+    picDesign_->LoadMatrixResponses();
+}
+void frmMain::RefreshRespondeSummaryReportList() {
+    picAnalyse_->RefreshRespondeSummaryReportList(1, 0);
+}
+void frmMain::RefreshRespondentList() {
+    picCollect_->RespondentList().RefreshRespondentList(1, 0);
+}
+void frmMain::SetRedraw(bool on) {
+    canvas_->setUpdatesEnabled(on);
+    picDesign_->SetRedraw(on);
+}
+
+// ---- ProgressDisplay
+
+void frmMain::ShowProgress(const QString& text) {
+    statusBar()->showMessage(text);
+}
+void frmMain::ClearProgress() {
+    statusBar()->clearMessage();
+}
+
+} // namespace pollarix

@@ -1,0 +1,122 @@
+// The one main window: composes the three screens under the toolbars and over the status bar, and
+// forwards menus and toolbar buttons to whoever does the work. No place for logic.
+#pragma once
+
+#include <QMainWindow>
+
+#include <functional>
+#include <vector>
+
+#include "analysis/DetailedReport.h"
+#include "analysis/LongWork.h"
+#include "analysis/PaperSurvey.h"
+#include "analysis/PrintWindow.h"
+#include "analysis/ProgressDisplay.h"
+#include "analysis/SurveyExport.h"
+#include "document/SurveyDocument.h"
+#include "platform/Internet.h"
+#include "shell/FileCommands.h"
+#include "web/WebCollectWizard.h"
+#include "web/WebPublishWizard.h"
+
+class QAction;
+class QFrame;
+class QLabel;
+class QMenu;
+class QToolBar;
+
+namespace pollarix {
+
+class picAnalyse;
+class picCollect;
+class picDesign;
+
+class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay {
+    Q_OBJECT
+  public:
+    explicit frmMain(ApplicationState& state);
+    ~frmMain() override;
+
+    // Loads everything in its fixed order, up to the first survey. `commandLine` is the whole
+    // command line: a survey to open, or "". A failure is shown with the step that was reached; the
+    // window then stays as far as it got.
+    void Form_Load(const QString& commandLine);
+
+    // Shows a screen: "Design", "Data Collection", "Analyse", "Respondent" or "Respondent Answers".
+    // Any other name changes nothing.
+    void ShowScreen(const QString& name);
+
+    void AddBlankOpenEndedQuestion();
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    struct Entry; // of a menu
+
+    void BuildPanels();
+    void BuildMenus();
+    void AddMenu(const char* name, const QString& caption, const std::vector<Entry>& entries);
+    void BuildToolbars();
+    void SetupToolbar();
+    void Form_Resize();
+    bool Form_Unload(); // false keeps the window open
+
+    void mnuViewDesign_Click();
+    void mnuViewDataCollection_Click();
+    void mnuViewAnalyse_Click();
+    void Toolbar_ButtonClick(const QString& key);
+    void ShowChecks(); // of menu and toolbar, by the screen that shows
+    void mnuTextWriteXML_Click();
+
+    // SurveyViews
+    void ShowPath(const QString& text) override;
+    void ClearTree() override;
+    void AddRootNode() override;
+    void AddQuestionNode(const QString& key, const QString& text) override;
+    void SelectNode(const QString& key) override;
+    void tvTreeView_NodeClick(const QString& key) override;
+    std::optional<QString> SelectedKey() const override;
+    QString PlainTextThroughEditor(const QString& rtf) override;
+    QString EditorText() const override;
+    void ClearEditors() override;
+    void LoadMatrixResponses() override;
+    void RefreshRespondeSummaryReportList() override;
+    void RefreshRespondentList() override;
+    void SetRedraw(bool on) override;
+
+    // ProgressDisplay
+    void ShowProgress(const QString& text) override;
+    void ClearProgress() override;
+
+    ApplicationState& state_;
+    SurveyDocument document_;
+    FileCommands files_;
+    LongWork work_;
+    DetailedReport detailedReport_;
+    PaperSurvey paperSurvey_;
+    SurveyExport export_;
+    PrintWindow print_;
+    Internet internet_;
+    wininet transfer_;
+    modWebServer server_;
+    WebPublishWizard publish_;
+    WebCollectWizard collect_;
+
+    QWidget* canvas_ = nullptr;
+    QFrame* picToolbar_ = nullptr;
+    QToolBar* Toolbar_ = nullptr;
+    QToolBar* ToolbarDesign_ = nullptr;
+    QFrame* ToolBarTopLine_ = nullptr;
+    QFrame* ToolBarBottomLine_ = nullptr;
+    picDesign* picDesign_ = nullptr;
+    picCollect* picCollect_ = nullptr;
+    picAnalyse* picAnalyse_ = nullptr;
+    QLabel* statusPath_ = nullptr;
+    QAction* mnuViewDesign_ = nullptr;
+    QAction* mnuViewDataCollection_ = nullptr;
+    QAction* mnuViewAnalyse_ = nullptr;
+};
+
+} // namespace pollarix

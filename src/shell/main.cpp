@@ -1,0 +1,5 @@
+#include "shell/MainBas.h"
+
+int main(int argc, char** argv) {
+    return pollarix::Main(argc, argv);
+}

@@ -1,0 +1,307 @@
+// The main window driven as a person would: menus, toolbar buttons, keys; the file read back past
+// the program.
+#include "shell/frmMain.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QDir>
+#include <QLabel>
+#include <QTest>
+#include <QToolBar>
+
+#include <gtest/gtest.h>
+
+#include "platform/Chart.h"
+#include "platform/ComboBox.h"
+#include "platform/Grid.h"
+#include "platform/Handlers.h"
+#include "platform/RichTextBox.h"
+#include "platform/TreeView.h"
+#include "shell/modDetectWindows.h"
+#include "support/PrintQt.h"
+#include "support/SurveyFiles.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+class MainWindowTest : public testing::Test {
+  protected:
+    TestState program;
+    QueuedDialogs& dialogs = program.dialogs;
+    std::unique_ptr<frmMain> window;
+    std::vector<Failure> failures;
+
+    MainWindowTest() {
+        SetFailureReporter([this](const Failure& failure) { failures.push_back(failure); });
+    }
+    ~MainWindowTest() override { SetFailureReporter({}); }
+
+    void Start(const QString& commandLine = {}) {
+        window = std::make_unique<frmMain>(program.state);
+        window->Form_Load(commandLine);
+        window->resize(1024, 740);
+        window->show();
+        window->AddBlankOpenEndedQuestion();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    template <typename Control> Control* Find(const char* name) {
+        Control* control = window->findChild<Control*>(name);
+        EXPECT_NE(control, nullptr) << name;
+        return control;
+    }
+    void Menu(const char* name) { Find<QAction>(name)->trigger(); }
+    void Type(const QString& text) {
+        auto* txtQ = Find<RichTextBox>("txtQ");
+        txtQ->setFocus();
+        QTest::keyClicks(txtQ, text);
+    }
+    QStringList TreeTexts() {
+        auto* tree = Find<TreeView>("tvTreeView");
+        QStringList texts;
+        for (int i = 1; i <= tree->Count(); ++i)
+            texts << tree->Item(i).Text();
+        return texts;
+    }
+    QString Screen() {
+        for (const char* name : {"picDesign", "picCollect", "picAnalyse"})
+            if (Find<QWidget>(name)->isVisible())
+                return name;
+        return {};
+    }
+    QStringList TemporarySurveys() {
+        return QDir(program.directory.path()).entryList({"HC*.tmp"}, QDir::Files);
+    }
+};
+
+} // namespace
+
+TEST_F(MainWindowTest, AnUntouchedNewSurveyComesAndGoesWithoutAQuestion) {
+    Start();
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+    EXPECT_EQ(window->windowTitle(), "Pollarix v1.12");
+    EXPECT_EQ(TreeTexts(), QStringList({"Survey", "<Text not yet entered>"}));
+    EXPECT_EQ(Screen(), "picDesign");
+    EXPECT_EQ(TemporarySurveys().size(), 1);
+    Menu("mnuNew"); // asks nothing, and leaves the old file behind
+    EXPECT_EQ(TemporarySurveys().size(), 2);
+    EXPECT_EQ(TreeTexts(), QStringList("Survey"));
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(TemporarySurveys().size(), 1);
+}
+
+TEST_F(MainWindowTest, ASurveyIsDesignedSavedAndOpenedAgain) {
+    Start();
+    const QString path = program.Path("tea.plxs");
+    Type("What's your tea?");
+    QTest::mouseClick(
+        Find<QToolBar>("ToolbarDesign")->widgetForAction(Find<QAction>("Add Question")),
+        Qt::LeftButton);
+    Type("And why?");
+    Menu("mnuDesignAddText");
+    Type("Thank you.");
+    EXPECT_EQ(TreeTexts(),
+              QStringList({"Survey", "1. What's your tea?", "2. And why?", "Thank you."}));
+    dialogs.fileNames = {{path, 0}};
+    Menu("mnuFileSave");
+    EXPECT_EQ(Find<QLabel>("StatusBar")->text(), path);
+    EXPECT_EQ(SqlRows(path, "SELECT id, questionno, qtype, pos FROM question ORDER BY pos", 4),
+              QStringList({"1|1|0|1", "2|2|0|2", "3||4|3"}));
+
+    // Close is New; then the file comes back from the menu.
+    Menu("mnuFileClose");
+    EXPECT_EQ(TreeTexts(), QStringList("Survey"));
+    EXPECT_EQ(Find<QLabel>("StatusBar")->text(), "");
+    dialogs.fileNames = {{"", 0}};
+    Menu("mnuFileOpen"); // cancelled
+    EXPECT_EQ(TreeTexts(), QStringList("Survey"));
+    dialogs.fileNames = {{path, 0}};
+    Menu("mnuFileOpen");
+    EXPECT_EQ(TreeTexts(),
+              QStringList({"Survey", "1. What's your tea?", "2. And why?", "Thank you."}));
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(MainWindowTest, AFileOnTheCommandLineGainsABlankQuestionAndStartsChanged) {
+    const QString path = program.BlankSurvey("my survey.plxs");
+    RunSql(path,
+           {"INSERT INTO question (question, questionno, qtype, pos) VALUES ('one', '1', 0, 1)"});
+    Start(path);
+    EXPECT_EQ(TreeTexts(), QStringList({"Survey", "1. one", "<Text not yet entered>"}));
+    dialogs.answers = {MsgAnswer::Cancel, MsgAnswer::No};
+    EXPECT_FALSE(window->close());
+    EXPECT_TRUE(window->isVisible());
+    EXPECT_TRUE(window->close());
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList(2, "Do you want to save the changes you made?"));
+    EXPECT_EQ(SqlRows(path, "SELECT count(*) FROM question", 1), QStringList("1"));
+}
+
+TEST_F(MainWindowTest, StartUpFailuresSayTheStepAndTheProgramStaysUp) {
+    const QString bad = program.Path("missing.plxs");
+    Start(bad);
+    QStringList shown = dialogs.TakeTexts();
+    ASSERT_EQ(shown.size(), 2);
+    EXPECT_TRUE(shown[0].startsWith("Unable to open " + bad));
+    EXPECT_TRUE(shown[1].startsWith("An error has occured loading please contact support at "));
+    EXPECT_TRUE(shown[1].endsWith(" LoadState 14")) << shown[1].toStdString();
+    EXPECT_EQ(TreeTexts(), QStringList({"Survey", "<Text not yet entered>"}));
+    EXPECT_EQ(Find<TreeView>("tvTreeLibrary")->Count(), 0);
+    window.reset();
+
+    QTemporaryDir empty;
+    ApplicationState state(Directories{empty.path(), program.directory.path()}, program.settings,
+                           dialogs);
+    frmMain other(state);
+    other.Form_Load({});
+    other.show();
+    shown = dialogs.TakeTexts();
+    ASSERT_EQ(shown.size(), 1);
+    EXPECT_TRUE(shown[0].endsWith(" LoadState 1")) << shown[0].toStdString();
+    EXPECT_TRUE(other.isVisible());
+}
+
+TEST_F(MainWindowTest, DataCollectionIsNeverReachedWithAnUnsavedDesign) {
+    Start();
+    Menu("mnuViewDataCollection"); // the untouched survey needs no question
+    EXPECT_EQ(Screen(), "picCollect");
+    EXPECT_FALSE(Find<QToolBar>("ToolbarDesign")->isVisible());
+    Menu("mnuViewDesign");
+    Type("Now there is text");
+
+    auto* bar = Find<QToolBar>("Toolbar");
+    auto* button = bar->widgetForAction(Find<QAction>("Data Collection"));
+    dialogs.answers = {MsgAnswer::No, MsgAnswer::Cancel};
+    QTest::mouseClick(button, Qt::LeftButton);
+    Menu("mnuViewDataCollection");
+    EXPECT_EQ(Screen(), "picDesign");
+    EXPECT_TRUE(Find<QAction>("mnuViewDesign")->isChecked());
+    EXPECT_FALSE(Find<QAction>("mnuViewDataCollection")->isChecked());
+    EXPECT_TRUE(Find<QAction>("Design")->isChecked());
+    EXPECT_FALSE(Find<QAction>("Data Collection")->isChecked());
+
+    const QString path = program.Path("saved.plxs");
+    dialogs.answers = {MsgAnswer::Yes};
+    dialogs.fileNames = {{path, 0}};
+    QTest::mouseClick(button, Qt::LeftButton);
+    EXPECT_EQ(Screen(), "picCollect");
+    EXPECT_EQ(SqlRows(path, "SELECT questionno FROM question", 1), QStringList("1"));
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(Screen(), "picAnalyse");
+    window->ShowScreen("No such screen");
+    EXPECT_EQ(Screen(), "picAnalyse");
+    window->ShowScreen("Respondent Answers");
+    EXPECT_EQ(Screen(), "picCollect");
+    EXPECT_FALSE(Find<QWidget>("picRespondentList")->isVisible());
+    window->ShowScreen("Respondent");
+    EXPECT_TRUE(Find<QWidget>("picRespondentList")->isVisible());
+}
+
+TEST_F(MainWindowTest, TheEditMenuSendsKeysToTheFocusedControl) {
+    Start();
+    Type("abc");
+    Menu("mnuEditSelectAll");
+    Menu("mnuEditCut");
+    EXPECT_EQ(Find<RichTextBox>("txtQ")->Text(), "");
+    EXPECT_EQ(TreeTexts().last(), "1. <Text not yet entered>"); // the keys commit the text
+    Menu("mnuEditPaste");
+    Menu("mnuEditPaste");
+    EXPECT_EQ(TreeTexts().last(), "1. abcabc");
+    Menu("mnuEditUndo");
+    EXPECT_EQ(TreeTexts().last(), "1. abc");
+    Find<TreeView>("tvTreeView")->setFocus();
+    Menu("mnuEditDelete"); // a control that does nothing with it
+    EXPECT_EQ(TreeTexts().size(), 2);
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(MainWindowTest, TheAnalyzeScreenCountsAndDraws) {
+    const QString path = program.BlankSurvey("answers.plxs");
+    RunSql(path,
+           {"INSERT INTO question (question, questionno, qtype, pos) VALUES ('Which?', '1', 2, 1), "
+            "('Say', '2', 0, 2)",
+            "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
+            "(1, 'a', 1, 2), (1, 'b', 2, 2)",
+            "INSERT INTO respondent (source) VALUES ('Web'), ('Manual Entry')",
+            "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+            "SimpleResponse) VALUES (1, 1, 2, '')"});
+    Start(path);
+    auto* grid = Find<Grid>("gSummaryReport");
+    auto* chart = Find<Chart>("c");
+    auto* expand = Find<QAbstractButton>("cmdExpand");
+    EXPECT_TRUE(chart->isHidden());
+    Menu("mnuAnalyseSummary");
+    ASSERT_EQ(grid->Rows(), 5);
+    EXPECT_EQ(grid->TextMatrix(3, 0), "50%");
+    EXPECT_EQ(grid->Row(), 1);
+    EXPECT_EQ(Find<QLabel>("lblTotalRespondents")->text(), "2");
+    EXPECT_EQ(Find<QLabel>("lblTotalManualEntry")->text(), "1");
+
+    const auto click = [&](int row) {
+        const QModelIndex cell = grid->model()->index(row - 1, 1);
+        grid->scrollTo(cell);
+        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cell).center());
+    };
+    click(3);
+    EXPECT_TRUE(chart->isVisible());
+    ASSERT_EQ(chart->ChartData().size(), 2u);
+    EXPECT_EQ(chart->ChartData()[1].label, " b");
+    EXPECT_EQ(chart->ChartData()[1].value, 1);
+    EXPECT_EQ(chart->chartType(), ChartType::Bar3D);
+    Find<ComboBox>("cboGraphStyle")->SetListIndex(10);
+    EXPECT_EQ(chart->chartType(), ChartType::Pie2D);
+
+    // The key draws the row being left.
+    QTest::keyClick(grid, Qt::Key_Up);
+    QTest::keyClick(grid, Qt::Key_Up);
+    EXPECT_EQ(grid->Row(), 1);
+    EXPECT_TRUE(chart->isVisible());
+    QTest::keyClick(grid, Qt::Key_Down);
+    EXPECT_TRUE(chart->isHidden());
+
+    click(3);
+    expand->click();
+    EXPECT_EQ(expand->text(), "Shrink Graph");
+    EXPECT_EQ(chart->y(), 0);
+    const int wide = chart->width();
+    expand->click();
+    EXPECT_EQ(expand->text(), "Expand Graph");
+    EXPECT_EQ(chart->pos(), QPoint(3150 / 15, 2430 / 15));
+    EXPECT_LT(chart->width(), wide);
+    click(1);
+    EXPECT_TRUE(chart->isHidden());
+    EXPECT_TRUE(expand->isHidden());
+
+    Menu("mnuAnalyseTotRespondents");
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("2 respondents have completed this survey."));
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST_F(MainWindowTest, NoSizeMakesItFail) {
+    Start();
+    for (const QSize size : {QSize(10, 10), QSize(320, 200), QSize(3840, 2160), QSize(1024, 740)}) {
+        window->resize(size);
+        for (const char* screen : {"Design", "Respondent", "Analyse"}) {
+            window->ShowScreen(screen);
+            QTest::qWait(1);
+        }
+    }
+    window->ShowScreen("Design");
+    const auto* design = Find<QWidget>("picDesign");
+    EXPECT_EQ(design->width(), window->width());
+    EXPECT_LE(design->mapTo(window.get(), QPoint(0, design->height())).y(), window->height());
+    EXPECT_TRUE(failures.empty());
+}
+
+TEST(modDetectWindows, VersionsAreToldApart) {
+    EXPECT_FALSE(IsWindows95() || IsWindows98() || IsWindows2000() || IsWindowsXP());
+    EXPECT_TRUE(IsWindows95(SystemVersion{1, 4, 0}));
+    EXPECT_TRUE(IsWindows98(SystemVersion{1, 4, 10}));
+    EXPECT_TRUE(IsWindows98(SystemVersion{2, 4, 1})); // the platform is not asked for
+    EXPECT_TRUE(IsWindows98(SystemVersion{1, 5, 0}));
+    EXPECT_FALSE(IsWindows98(SystemVersion{2, 5, 1}));
+    EXPECT_TRUE(IsWindows2000(SystemVersion{2, 5, 0}));
+    EXPECT_TRUE(IsWindowsXP(SystemVersion{2, 5, 1}));
+}
