@@ -3,6 +3,7 @@
 #include <QRegularExpression>
 
 #include <cmath>
+#include <optional>
 
 #include "platform/Failure.h"
 
@@ -34,19 +35,33 @@ QString ShortDateFormat(const QLocale& locale) {
                          [](QString plain) { return plain.replace(year, "yyyy"); });
 }
 
+// Worked out once for the locale used last: a report writes very many dates.
+struct DateFormats {
+    explicit DateFormats(const QLocale& of)
+        : locale(of), shortDate(ShortDateFormat(of)), longTime(LongTimeFormat(of)) {}
+
+    QLocale locale;
+    QString shortDate;
+    QString longTime;
+};
+
+const DateFormats& FormatsOf(const QLocale& locale) {
+    static std::optional<DateFormats> last;
+    if (!last || last->locale != locale)
+        last.emplace(locale);
+    return *last;
+}
+
 } // namespace
 
 QDateTime StoredDate(const QString& stored) {
     static const QRegularExpression form(QRegularExpression::anchoredPattern(
-        R"((\d{4}-\d\d-\d\d)(?:[ T](\d\d:\d\d:\d\d)(?:\.(\d+))?)?)"));
+        R"((\d{4})-(\d\d)-(\d\d)(?:[ T](\d\d):(\d\d):(\d\d)(?:\.(\d+))?)?)"));
     const QRegularExpressionMatch match = form.match(stored);
-    const QDate date = QDate::fromString(match.captured(1), Qt::ISODate);
-    QTime time(0, 0);
-    if (match.hasCaptured(2)) {
-        time = QTime::fromString(match.captured(2), "HH:mm:ss");
-        if (time.isValid())
-            time = time.addMSecs(match.captured(3).leftJustified(3, '0', true).toInt());
-    }
+    const auto number = [&](int group) { return match.capturedView(group).toInt(); };
+    const QDate date(number(1), number(2), number(3));
+    const QString thousandths = match.captured(7).leftJustified(3, '0', true);
+    const QTime time(number(4), number(5), number(6), thousandths.toInt());
     if (!match.hasMatch() || !date.isValid() || !time.isValid())
         throw Failure(failure::TypeMismatch, QString("\"%1\" is not a date").arg(stored.left(80)));
     return QDateTime(date, time, Qt::UTC);
@@ -54,15 +69,15 @@ QDateTime StoredDate(const QString& stored) {
 
 QString LongDateAndTime(const QDateTime& when, const QLocale& locale) {
     return locale.toString(when.date(), QLocale::LongFormat) + " - " +
-           locale.toString(when.time(), LongTimeFormat(locale));
+           locale.toString(when.time(), FormatsOf(locale).longTime);
 }
 
 QString GeneralDate(const QDateTime& when, const QLocale& locale) {
-    const QString date = locale.toString(when.date(), ShortDateFormat(locale));
+    const QString date = locale.toString(when.date(), FormatsOf(locale).shortDate);
     const QTime time = when.time();
     if (time.hour() == 0 && time.minute() == 0 && time.second() == 0)
         return date;
-    return date + ' ' + locale.toString(time, LongTimeFormat(locale));
+    return date + ' ' + locale.toString(time, FormatsOf(locale).longTime);
 }
 
 QString GeneralNumber(double value, const QLocale& locale) {
