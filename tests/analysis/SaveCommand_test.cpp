@@ -1,9 +1,6 @@
-// What the three commands that write files have in common: cancelling, failing, and being left
-// alone while they run.
-#include <gtest/gtest.h>
-
+// What the commands that write files have in common: offering to look, cancelling, failing, and
+// being left alone while they run.
 #include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QGuiApplication>
 
@@ -11,7 +8,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstring>
 
@@ -19,168 +15,141 @@
 #include "analysis/DetailedReport.h"
 #include "analysis/PaperSurvey.h"
 #include "analysis/SurveyExport.h"
-#include "support/PrintQt.h"
 
 namespace pollarix::test {
 namespace {
 
-enum class Command { Report, Paper, Export, Table };
+struct Command {
+    const char* name;
+    const char* presetName;
+    int filterIndex;
+    const char* begin;    // of the file
+    const char* question; // once it is written
+    void (*start)(ApplicationState&, LongWork&);
+};
 
-class SaveCommandTest : public testing::TestWithParam<Command>, protected AnsweredSurvey {
+const auto Export = [](ApplicationState& state, LongWork& work) {
+    SurveyExport(state, work).mnuFileExport_Click();
+};
+
+const Command Commands[] = {
+    {"Report", "DetailReport.rtf", 0, "{\\rtf1", "View detailed report now?",
+     [](ApplicationState& state, LongWork& work) {
+         DetailedReport(state, work).mnuAnalyseDetail_Click();
+     }},
+    {"Paper", "PaperSurvey.rtf", 0, "{\\rtf1", "View paper based survey now?",
+     [](ApplicationState& state, LongWork& work) {
+         PaperSurvey(state, work).mnuDataCollectionPaperSurvey_Click();
+     }},
+    {"Export", "SurveyExport.csv", 0, "\"Web\", \"", nullptr, Export},
+    {"Table", "SurveyExport.csv", 1, "\xEF\xBB\xBFRespondent id,", nullptr, Export},
+};
+
+class SaveCommand : public AnsweredSurvey, public testing::WithParamInterface<Command> {
   protected:
-    void Start() {
-        switch (GetParam()) {
-        case Command::Report:
-            return DetailedReport(state, work).mnuAnalyseDetail_Click();
-        case Command::Paper:
-            return PaperSurvey(state, work).mnuDataCollectionPaperSurvey_Click();
-        case Command::Export:
-        case Command::Table:
-            return SurveyExport(state, work).mnuFileExport_Click();
-        }
-    }
     void StartWith(const QString& path) {
-        Choose(path, GetParam() == Command::Table ? 1 : 0);
-        Start();
+        dialogs_.fileNames.push_back({path, GetParam().filterIndex});
+        GetParam().start(program_.state, work_);
     }
-    // The one message shown, without the file's name that has to stand in its front.
-    QString WhyNot(const QString& path) {
-        const QStringList texts = dialogs.TakeTexts();
-        const QString front = "Unable to write to file " + path + ' ';
-        EXPECT_EQ(texts.size(), 1);
-        EXPECT_TRUE(texts.join('|').startsWith(front)) << texts.join('|').toStdString();
-        return texts.join('|').mid(front.size());
+    // That the command fails so, and leaves nothing but what was there.
+    void ExpectRefusal(const QString& path, const QString& why) {
+        StartWith(path);
+        EXPECT_EQ(dialogs_.TakeTexts(), QStringList("Unable to write to file " + path + ' ' + why));
     }
-    void ExpectOnly(const QString& path, const QByteArray& old) {
-        EXPECT_EQ(Read(path), old);
-        EXPECT_EQ(QFileInfo(path).dir().entryList(QDir::Files | QDir::Hidden),
-                  QStringList(QFileInfo(path).fileName()));
+    void ExpectRefusalToReplace(const QString& path, const QString& why) {
+        ExpectRefusal(path, why);
+        EXPECT_EQ(Read(path), "old");
+        EXPECT_EQ(QFileInfo(path).dir().entryList(QDir::Files | QDir::Hidden), QStringList("old"));
+    }
+    QString OldFile(const QString& directory) {
+        QDir().mkpath(Path(directory));
+        QFile file(Path(directory) + "/old");
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("old") == 3);
+        return file.fileName();
     }
 };
 
-QString OldFile(const QString& directory) {
-    QDir().mkpath(directory);
-    QFile file(directory + "/old.txt");
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("old");
-    return file.fileName();
+TEST_P(SaveCommand, WritesAndOffersToLook) {
+    if (GetParam().question)
+        dialogs_.answers = {MsgAnswer::No, MsgAnswer::Yes};
+    StartWith(Path("unseen"));
+    StartWith(Path("seen"));
+    EXPECT_TRUE(Read(Path("seen")).startsWith(GetParam().begin));
+    EXPECT_EQ(dialogs_.fileRequests.front().fileName, GetParam().presetName);
+    const QString question = GetParam().question;
+    EXPECT_EQ(dialogs_.TakeTexts(),
+              GetParam().question ? QStringList({question, question}) : QStringList());
+    EXPECT_EQ(dialogs_.openedFiles,
+              GetParam().question ? QStringList(Path("seen")) : QStringList());
+    StartWith(""); // cancels
+    EXPECT_EQ(dialogs_.TakeTexts(), QStringList());
 }
 
-// Room for 64 KB at the directory; only the administrator can have one.
-struct SmallDisk {
-    explicit SmallDisk(const QString& directory)
-        : path(directory.toLocal8Bit()),
-          isThere(mount("tmpfs", path, "tmpfs", 0, "size=64k") == 0) {}
-    ~SmallDisk() {
-        if (isThere)
-            umount2(path, MNT_DETACH);
-    }
-    const QByteArray path;
-    const bool isThere;
-};
-
-TEST_P(SaveCommandTest, CancellingSaysAndChangesNothing) {
-    StartWith("");
-    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
-    EXPECT_TRUE(progress.shown.isEmpty());
-}
-
-TEST_P(SaveCommandTest, NamesTheFileThatCannotBeWritten) {
-    const QString directory = Path("directory");
-    QDir().mkpath(directory);
-    StartWith(directory);
-    EXPECT_EQ(WhyNot(directory), directory + ": it is a directory 75 Pollarix");
-    EXPECT_TRUE(QDir(directory).isEmpty());
-
-    StartWith(Path("missing/file"));
-    EXPECT_EQ(WhyNot(Path("missing/file")),
-              Path("missing/file") + ": No such file or directory 75 Pollarix");
-
-    const QString old = OldFile(Path("d"));
+TEST_P(SaveCommand, NamesTheFileThatCannotBeWritten) {
+    const QString old = OldFile("d");
+    ExpectRefusal(Path("d"), Path("d") + ": it is a directory 75 Pollarix");
+    ExpectRefusal(Path("x/y"), Path("x/y") + ": No such file or directory 75 Pollarix");
     QFile::setPermissions(old, QFile::ReadOwner);
-    StartWith(old);
-    EXPECT_EQ(WhyNot(old), old + ": it is read-only 75 Pollarix");
-    ExpectOnly(old, "old");
+    ExpectRefusalToReplace(old, old + ": it is read-only 75 Pollarix");
 }
 
-TEST_P(SaveCommandTest, ADirectoryWithoutPermissionKeepsTheOldFile) {
-    const QString old = OldFile(Path("d"));
-    ASSERT_EQ(chmod(qPrintable(old), 0666), 0);
-    ASSERT_EQ(chmod(qPrintable(Path("")), 0755), 0);
-    ASSERT_EQ(chmod(qPrintable(Path("d")), 0555), 0);
+TEST_P(SaveCommand, ADirectoryWithoutPermissionKeepsTheOldFile) {
+    const QString old = OldFile("d");
+    ASSERT_EQ(chmod(qPrintable(old), 0666) + chmod(qPrintable(Path("")), 0755) +
+                  chmod(qPrintable(Path("d")), 0555),
+              0);
     // The system's administrator may write everywhere, so another user tries.
     const bool administrator = geteuid() == 0;
     if (administrator && setresuid(65534, 65534, 0) != 0)
         GTEST_SKIP() << "no other user to be: " << std::strerror(errno);
-    StartWith(old);
+    ExpectRefusalToReplace(old, old + ": Permission denied 75 Pollarix");
     ASSERT_TRUE(!administrator || setresuid(0, 0, 0) == 0);
-    EXPECT_EQ(WhyNot(old), old + ": Permission denied 75 Pollarix");
-    ExpectOnly(old, "old");
     chmod(qPrintable(Path("d")), 0755);
 }
 
-TEST_P(SaveCommandTest, AFullDiskKeepsTheOldFile) {
-    const QString disk = Path("disk");
-    QDir().mkpath(disk);
-    const SmallDisk mounted(disk);
-    if (!mounted.isThere)
+TEST_P(SaveCommand, AFullDiskKeepsTheOldFile) {
+    QDir().mkpath(Path("disk"));
+    if (mount("tmpfs", qPrintable(Path("disk")), "tmpfs", 0, "size=64k") != 0)
         GTEST_SKIP() << "no small disk to fill: " << std::strerror(errno);
-    const QString old = OldFile(disk);
-    AddRespondents(500, QString(300, 'x'));
+    const QString old = OldFile("disk");
+    AddRespondents(500, 300);
     Sql("UPDATE question SET question = printf('%.*c', 200000, 'x') WHERE id = 11");
-    StartWith(old);
-    EXPECT_EQ(WhyNot(old), old + ": No space left on device 75 Pollarix");
-    ExpectOnly(old, "old");
+    ExpectRefusalToReplace(old, old + ": No space left on device 75 Pollarix");
+    umount2(qPrintable(Path("disk")), MNT_DETACH);
 }
 
-TEST_P(SaveCommandTest, AFailureInTheMiddleKeepsTheOldFile) {
-    AddRespondents(3000, QString(100, 'x'));
+TEST_P(SaveCommand, AFailureInTheMiddleKeepsTheOldFile) {
+    AddRespondents(3000, 100);
     Sql("UPDATE question SET question = NULL WHERE id = 16;\n"
         "UPDATE respondent_responses SET SimpleResponse = NULL "
         "WHERE id = (SELECT max(id) FROM respondent_responses)");
-    const QString old = OldFile(Path("d"));
-    if (GetParam() == Command::Table) { // takes a Null for an empty cell
+    const bool table = GetParam().filterIndex == 1; // takes a Null for an empty cell
+    if (table)
         Sql("UPDATE respondent SET submitteddate = 'never' WHERE id = 3000");
-        StartWith(old);
-        EXPECT_EQ(WhyNot(old), "\"never\" is not a date 13 Pollarix");
-    } else {
-        StartWith(old);
-        EXPECT_EQ(WhyNot(old), "Invalid use of Null 94 Pollarix");
-    }
-    ExpectOnly(old, "old");
-    EXPECT_FALSE(work.IsRunning());
+    ExpectRefusalToReplace(OldFile("d"), table ? "\"never\" is not a date 13 Pollarix"
+                                               : "Invalid use of Null 94 Pollarix");
+    EXPECT_FALSE(work_.IsRunning());
     EXPECT_FALSE(QGuiApplication::overrideCursor());
 }
 
-TEST_P(SaveCommandTest, CannotBeStartedAgainWhileItRuns) {
+TEST_P(SaveCommand, CannotBeStartedAgainWhileItRuns) {
     bool wasRunning = false;
-    bool hadHourglass = false;
-    progress.meanwhile = [&] {
-        wasRunning = work.IsRunning();
-        hadHourglass = QGuiApplication::overrideCursor();
-        Start(); // would ask for a second file name
+    progress_.meanwhile = [&] {
+        wasRunning = work_.IsRunning() && QGuiApplication::overrideCursor();
+        GetParam().start(program_.state, work_); // would ask for a second file name
     };
-    dialogs.answers.push_back(MsgAnswer::No);
+    dialogs_.answers.push_back(MsgAnswer::No);
     StartWith(Path("file"));
     EXPECT_TRUE(wasRunning);
-    EXPECT_TRUE(hadHourglass);
-    EXPECT_EQ(dialogs.fileRequests.size(), 1u);
-    EXPECT_FALSE(work.IsRunning());
+    EXPECT_EQ(dialogs_.fileRequests.size(), 1u);
+    EXPECT_FALSE(work_.IsRunning());
     EXPECT_FALSE(QGuiApplication::overrideCursor());
-    EXPECT_EQ(progress.cleared, 1);
-    ASSERT_FALSE(progress.shown.isEmpty());
-    EXPECT_TRUE(progress.shown.front().contains(" of ")) << progress.shown.front().toStdString();
+    EXPECT_EQ(progress_.cleared, 1);
+    EXPECT_TRUE(progress_.shown.join("|").contains(" of "));
 }
 
-std::string NameOf(const testing::TestParamInfo<Command>& info) {
-    constexpr std::array<const char*, 4> names = {"Report", "Paper", "Export", "Table"};
-    return names[static_cast<std::size_t>(info.param)];
-}
-
-INSTANTIATE_TEST_SUITE_P(, SaveCommandTest,
-                         testing::Values(Command::Report, Command::Paper, Command::Export,
-                                         Command::Table),
-                         NameOf);
+INSTANTIATE_TEST_SUITE_P(, SaveCommand, testing::ValuesIn(Commands),
+                         [](const auto& info) { return std::string(info.param.name); });
 
 } // namespace
 } // namespace pollarix::test
