@@ -14,10 +14,10 @@
 #include <sys/resource.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,8 +57,13 @@ int WriteOne(const std::string& what, const QString& survey, const QString& path
 
 struct Measured {
     double seconds = 0;
+    double processorSeconds = 0; // steadier than the clock on a busy machine
     double peakMegabytes = 0;
 };
+
+double Seconds(const timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
 
 Measured Run(const std::vector<std::string>& command, const std::string& output) {
     std::vector<char*> arguments;
@@ -81,7 +86,8 @@ Measured Run(const std::vector<std::string>& command, const std::string& output)
         std::fprintf(stderr, "%s failed\n", command[0].c_str());
         std::exit(1);
     }
-    return {taken.count(), static_cast<double>(usage.ru_maxrss) / 1024};
+    return {taken.count(), Seconds(usage.ru_utime) + Seconds(usage.ru_stime),
+            static_cast<double>(usage.ru_maxrss) / 1024};
 }
 
 class Comparison {
@@ -116,18 +122,19 @@ class Comparison {
         benchmark::RegisterBenchmark(
             name.c_str(),
             [this, name, command](benchmark::State& state) {
-                Measured last;
-                double sum = 0;
+                Measured sum;
                 for ([[maybe_unused]] const auto& run : state) {
-                    last = Run(command, output_);
-                    state.SetIterationTime(last.seconds);
-                    sum += last.seconds;
+                    const Measured one = Run(command, output_);
+                    state.SetIterationTime(one.seconds);
+                    sum.seconds += one.seconds;
+                    sum.processorSeconds += one.processorSeconds;
+                    sum.peakMegabytes = std::max(sum.peakMegabytes, one.peakMegabytes);
                 }
-                const double mean = sum / static_cast<double>(state.iterations());
                 if (name == "shell/rows")
-                    shell_ = mean;
-                state.counters["of_shell"] = shell_ > 0 ? mean / shell_ : 0;
-                state.counters["peak_MB"] = last.peakMegabytes;
+                    shell_ = sum;
+                state.counters["of_shell"] = sum.seconds / shell_.seconds;
+                state.counters["cpu_of_shell"] = sum.processorSeconds / shell_.processorSeconds;
+                state.counters["peak_MB"] = sum.peakMegabytes;
                 const QString file = directory_.filePath(QString::fromStdString(name));
                 state.counters["file_MB"] =
                     static_cast<double>(
@@ -136,7 +143,7 @@ class Comparison {
                     1e6;
             })
             ->UseManualTime()
-            ->Iterations(3)
+            ->Iterations(5)
             ->Unit(benchmark::kMillisecond);
     }
 
@@ -144,7 +151,7 @@ class Comparison {
     std::string self_;
     QString survey_;
     std::string output_;
-    double shell_ = 0;
+    Measured shell_;
 };
 
 } // namespace
