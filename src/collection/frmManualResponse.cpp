@@ -1,18 +1,20 @@
 #include "collection/frmManualResponse.h"
 
-#include <QButtonGroup>
-#include <QCheckBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QRadioButton>
+#include <QScreen>
 #include <QScrollArea>
-#include <QStackedLayout>
-#include <QTextLayout>
+#include <QScrollBar>
+#include <QTextDocument>
 #include <QVBoxLayout>
 
-#include <cmath>
-
+#include "collection/AnswerList.h"
+#include "collection/MatrixDelegate.h"
+#include "collection/MatrixHead.h"
+#include "collection/RedrawOff.h"
+#include "document/clsQ.h"
 #include "platform/Grid.h"
 #include "platform/Handlers.h"
 #include "platform/RichText.h"
@@ -23,24 +25,19 @@ namespace pollarix {
 
 namespace {
 
-constexpr const char* Yes = "Yes";
+// Widening of a matrix column beyond its text, in twips.
+constexpr int LeastBesideText = 150;
+constexpr int RoomBesideText = 200;
 
-// A button's text is one line unless it holds line ends, so long answers are broken to the width by
-// hand. An "&" is text here, not a mnemonic.
-QString Wrapped(const QString& text, const QFont& font, int width) {
-    QStringList lines;
-    for (const QString& paragraph : text.split('\n')) {
-        QTextLayout layout(paragraph, font);
-        layout.beginLayout();
-        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
-            line.setLineWidth(width);
-            lines << paragraph.mid(line.textStart(), line.textLength());
-        }
-        layout.endLayout();
-        if (paragraph.isEmpty())
-            lines << QString();
-    }
-    return lines.join('\n').replace('&', "&&");
+bool IsEnter(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter;
+}
+
+// As it was typed: the editor's own way out would turn no-break spaces into plain ones.
+QString TypedText(const QPlainTextEdit& editor) {
+    QString text = editor.document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, "\r\n").replace(QChar::LineSeparator, "\r\n");
+    return text;
 }
 
 } // namespace
@@ -50,89 +47,92 @@ frmManualResponse::frmManualResponse(ApplicationState& state, ManualEntryState& 
     : QDialog(parent), state_(state), entry_(entry) {
     setObjectName("frmManualResponse");
     setWindowTitle("Survey Response");
-    BuildPanels();
-    resize(680, 520);
-
-    entry_.CurrentPosition = 1;
-    RespondentAnswers_ShowQuestion();
-}
-
-void frmManualResponse::BuildPanels() {
     auto* page = new QVBoxLayout(this);
+    page->setSpacing(10);
     page->addWidget(NewInstructions(
         "Instructions - You are currently entering the responses to the survey. Select the answer "
         "then press Next. For more help press F1.",
         this));
+    BuildQuestion();
+    BuildAnswers();
+    BuildFooter();
+    // The question takes the Tab key only where it has to be scrolled, and then as the last.
+    setTabOrder(cmdDCAnswersCancel_, scrollDCQuestion_);
+    resize(QSize(900, 620).boundedTo(screen()->availableSize() * 9 / 10));
+    RunHandler([this] { Form_Load(); });
+    if (!HasAnswers())
+        cmdDCAnswersNext_->setFocus(); // else the first answer is where the keys start
+}
 
+void frmManualResponse::BuildQuestion() {
     lblDCQuestion_ = NewHeading({}, this);
     lblDCQuestion_->setObjectName("lblDCQuestion");
     lblDCQuestion_->setWordWrap(true);
     lblDCQuestion_->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     lblDCQuestion_->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    auto* question = new QScrollArea(this);
-    question->setObjectName("scrollDCQuestion");
-    question->setFrameShape(QFrame::NoFrame);
-    question->setWidgetResizable(true);
-    question->setFocusPolicy(Qt::NoFocus);
-    question->setWidget(lblDCQuestion_);
-    page->addWidget(question, 1);
+    scrollDCQuestion_ = new QScrollArea(this);
+    scrollDCQuestion_->setObjectName("scrollDCQuestion");
+    scrollDCQuestion_->setAccessibleName("Question");
+    scrollDCQuestion_->setFrameShape(QFrame::NoFrame);
+    scrollDCQuestion_->setWidgetResizable(true);
+    scrollDCQuestion_->setWidget(lblDCQuestion_);
+    layout()->addWidget(scrollDCQuestion_);
+}
 
+void frmManualResponse::BuildAnswers() {
     picDCAnswers_ = new QWidget(this);
     picDCAnswers_->setObjectName("picDCAnswers");
+    static_cast<QVBoxLayout*>(layout())->addWidget(picDCAnswers_, 1);
     auto* answers = new QVBoxLayout(picDCAnswers_);
     answers->setContentsMargins(0, 0, 0, 0);
-    page->addWidget(picDCAnswers_, 3);
+    const auto panel = [&](const char* name, QWidget* control) {
+        auto* made = new QWidget(picDCAnswers_);
+        made->setObjectName(name);
+        auto* inside = new QVBoxLayout(made);
+        inside->setContentsMargins(0, 0, 0, 0);
+        inside->addWidget(control);
+        answers->addWidget(made, 1);
+        made->hide();
+        return made;
+    };
 
     txtDCSimpleResponse_ = new QPlainTextEdit;
     txtDCSimpleResponse_->setObjectName("txtDCSimpleResponse");
     txtDCSimpleResponse_->setAccessibleName("Answer");
     txtDCSimpleResponse_->setTabChangesFocus(true);
-    auto* simple = new QWidget;
-    simple->setObjectName("picDCResponseSimple");
-    auto* simpleLayout = new QVBoxLayout(simple);
-    simpleLayout->setContentsMargins(0, 0, 0, 0);
-    simpleLayout->addWidget(txtDCSimpleResponse_);
+    picDCResponseSimple_ = panel("picDCResponseSimple", txtDCSimpleResponse_);
 
-    radioGroup_ = new QButtonGroup(this);
-    const auto buttons = [](AnswerButtons& list, const char* name) {
-        auto* content = new QWidget;
-        list.column = new QVBoxLayout(content);
-        list.column->setSpacing(2);
-        list.column->addStretch();
-        list.panel = content;
-        content->setObjectName(name);
+    const auto list = [&](AnswerList::Kind kind, const char* buttons, const char* name) {
+        auto* made = new AnswerList(kind, buttons, picDCAnswers_);
+        made->setObjectName(name);
+        made->Enter = [this] {
+            if (cmdDCAnswersNext_->isDefault())
+                cmdDCAnswersNext_->click();
+        };
+        answers->addWidget(made, 1);
+        made->hide();
+        return made;
     };
-    buttons(chkDCCheck_, "columnDCCheck");
-    buttons(optDCRadio_, "columnDCRadio");
-    QWidget* check = NewScrolledPanel("picDCResponseCheck", chkDCCheck_.panel);
-    QWidget* radio = NewScrolledPanel("picDCResponseRadio", optDCRadio_.panel);
-    NewButton(chkDCCheck_, false)->hide();
-    NewButton(optDCRadio_, true)->hide();
+    chkDCCheck_ = list(AnswerList::Kind::Check, "chkDCCheck", "picDCResponseCheck");
+    optDCRadio_ = list(AnswerList::Kind::Radio, "optDCRadio", "picDCResponseRadio");
 
     gMatrix_ = new Grid;
     gMatrix_->setObjectName("gMatrix");
     gMatrix_->setAccessibleName("Answers");
+    auto* head = new MatrixHead(gMatrix_);
+    head->Click = [this] { gMatrix_Click(); };
+    gMatrix_->setVerticalHeader(head);
     gMatrix_->SetFixedCols(1);
+    gMatrix_->setItemDelegate(new MatrixDelegate(gMatrix_));
     gMatrix_->Click = [this] { gMatrix_Click(); };
-    gMatrix_->KeyDown = [this](QKeyEvent& event) {
-        if (event.key() == Qt::Key_Return || event.key() == Qt::Key_Enter ||
-            event.key() == Qt::Key_Space)
-            gMatrix_Click();
-    };
-    auto* matrix = new QWidget;
-    matrix->setObjectName("picDCResponseMatrix");
-    auto* matrixLayout = new QVBoxLayout(matrix);
-    matrixLayout->setContentsMargins(0, 0, 0, 0);
-    matrixLayout->addWidget(gMatrix_);
+    gMatrix_->KeyDown = [this](QKeyEvent& event) { gMatrix_KeyDown(event); };
+    picDCResponseMatrix_ = panel("picDCResponseMatrix", gMatrix_);
+}
 
-    panels_ = {simple, check, radio, matrix};
-    for (QWidget* panel : panels_) {
-        answers->addWidget(panel, 1);
-        panel->hide();
-    }
-
+void frmManualResponse::BuildFooter() {
     auto* picDCFooter = new QWidget(this);
     picDCFooter->setObjectName("picDCFooter");
+    layout()->addWidget(picDCFooter);
     auto* footer = new QHBoxLayout(picDCFooter);
     footer->setContentsMargins(0, 0, 0, 0);
     footer->addStretch();
@@ -146,8 +146,6 @@ void frmManualResponse::BuildPanels() {
     cmdDCAnswersPrevious_ = button("cmdDCAnswersPrevious", "&Previous");
     cmdDCAnswersNext_ = button("cmdDCAnswersNext", "&Next");
     cmdDCAnswersCancel_ = button("cmdDCAnswersCancel", "&Cancel");
-    page->addWidget(picDCFooter);
-
     connect(cmdDCAnswersPrevious_, &QPushButton::clicked, this,
             [this] { RunHandler([this] { cmdDCAnswersPrevious_Click(); }); });
     connect(cmdDCAnswersNext_, &QPushButton::clicked, this,
@@ -156,50 +154,43 @@ void frmManualResponse::BuildPanels() {
     connect(cmdDCAnswersCancel_, &QPushButton::clicked, this, &QDialog::reject);
 }
 
-QWidget* frmManualResponse::NewScrolledPanel(const char* name, QWidget* content) {
-    auto* area = new QScrollArea;
-    area->setObjectName(name);
-    area->setFrameShape(QFrame::NoFrame);
-    area->setWidgetResizable(true);
-    area->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    area->setFocusPolicy(Qt::NoFocus);
-    area->setWidget(content);
-    return area;
+void frmManualResponse::Form_Load() {
+    entry_.CurrentPosition = 1;
+    RespondentAnswers_ShowQuestion();
 }
 
-QAbstractButton* frmManualResponse::NewButton(AnswerButtons& list, bool radio) {
-    QAbstractButton* button = nullptr;
-    if (radio) {
-        button = new QRadioButton(list.panel);
-        radioGroup_->addButton(button);
-    } else {
-        button = new QCheckBox(list.panel);
-    }
-    button->setObjectName(
-        QString(radio ? "optDCRadio(%1)" : "chkDCCheck(%1)").arg(list.buttons.size()));
-    // Each stands below the one before; the stretch stays last.
-    list.column->insertWidget(list.column->count() - 1, button);
-    list.buttons.push_back(button);
-    list.texts.emplace_back();
-    list.tags.push_back(0);
-    return button;
-}
-
-void frmManualResponse::ShowPanel(QWidget* shown) {
-    for (QWidget* panel : panels_)
-        panel->setVisible(panel == shown);
-}
-
-void frmManualResponse::WrapTexts(AnswerButtons& list) {
-    const int width = list.panel->parentWidget()->width() - 60;
-    for (std::size_t i = 0; i < list.buttons.size(); ++i)
-        list.buttons[i]->setText(Wrapped(list.texts[i], list.buttons[i]->font(), qMax(width, 120)));
+// The question has the height that its text needs, but leaves most of the window to the answers.
+void frmManualResponse::FitQuestion() {
+    const QMargins margins = layout()->contentsMargins();
+    const int width = this->width() - margins.left() - margins.right();
+    const int wanted = qMax(0, lblDCQuestion_->heightForWidth(width));
+    const int most = height() * 2 / 5;
+    scrollDCQuestion_->setFixedHeight(qMin(wanted, most));
+    scrollDCQuestion_->setFocusPolicy(wanted > most ? Qt::TabFocus : Qt::NoFocus);
 }
 
 void frmManualResponse::resizeEvent(QResizeEvent* event) {
     QDialog::resizeEvent(event);
-    WrapTexts(chkDCCheck_);
-    WrapTexts(optDCRadio_);
+    FitQuestion();
+}
+
+void frmManualResponse::keyPressEvent(QKeyEvent* event) {
+    if (!IsEnter(*event)) {
+        QDialog::keyPressEvent(event);
+        return;
+    }
+    if (event->isAutoRepeat())
+        return; // a key held down would run through the survey
+    if (auto* focused = qobject_cast<QPushButton*>(focusWidget()))
+        focused->click();
+    else if (cmdDCAnswersNext_->isDefault())
+        cmdDCAnswersNext_->click();
+}
+
+void frmManualResponse::ShowPanel(QWidget* panel) {
+    for (QWidget* other : {picDCResponseSimple_, static_cast<QWidget*>(chkDCCheck_),
+                           static_cast<QWidget*>(optDCRadio_), picDCResponseMatrix_})
+        other->setVisible(other == panel);
 }
 
 bool frmManualResponse::RespondentAnswers_ShowQuestion() {
@@ -212,36 +203,62 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const std::int32_t qtype = Narrow32(row.Integer("qtype"));
     QString text = PlainTextOf(row.NullToString("question"));
     const QString number = row.NullToString("questionno");
-    if (qtype != 4 && !number.isEmpty())
+    if (qtype != kind::Text && !number.isEmpty())
         text.prepend(number + ". ");
     lblDCQuestion_->setText(text);
+    scrollDCQuestion_->verticalScrollBar()->setValue(0);
+    FitQuestion();
     entry_.CurrentQType = qtype;
+
+    // The control that the user was in goes with the page before.
+    const bool focusGoes =
+        isVisible() && focusWidget() && picDCAnswers_->isAncestorOf(focusWidget());
     switch (qtype) {
-    case 0:
+    case kind::OpenEnded:
         ShowOpenEnded(id);
         break;
-    case 1:
+    case kind::Check:
         ShowCheck(id);
         break;
-    case 2:
+    case kind::Radio:
         ShowRadio(id);
         break;
-    case 3:
+    case kind::Matrix:
         ShowMatrix(id);
         break;
-    case 4:
+    case kind::Text:
         ShowPanel(nullptr);
         cmdDCAnswersNext_->setDefault(true);
         break;
     default:
-        break; // a kind from elsewhere: the panels stay as they are
+        return true; // a kind from elsewhere: the panels stay as they are
     }
+    // Where a page takes no focus by itself, keys go on working on what it shows.
+    if (focusGoes && !HasAnswers())
+        cmdDCAnswersNext_->setFocus();
+    else if (focusGoes && qtype == kind::Radio)
+        optDCRadio_->FocusButton(optDCRadio_->EntryButton());
     return true;
+}
+
+bool frmManualResponse::HasAnswers() const {
+    switch (entry_.CurrentQType) {
+    case kind::OpenEnded:
+        return true;
+    case kind::Check:
+        return chkDCCheck_->IsButtonVisible(0);
+    case kind::Radio:
+        return optDCRadio_->IsButtonVisible(0);
+    case kind::Matrix:
+        return !gMatrix_->isHidden();
+    default:
+        return false;
+    }
 }
 
 void frmManualResponse::ShowOpenEnded(std::int64_t question) {
     txtDCSimpleResponse_->setPlainText({});
-    ShowPanel(panels_[0]);
+    ShowPanel(picDCResponseSimple_);
     const Recordset answer = state_.SurveyConnection.Execute(
         "SELECT simpleresponse FROM Respondent_Responses WHERE questionid = ? AND respondentid = ? "
         "ORDER BY id",
@@ -253,34 +270,14 @@ void frmManualResponse::ShowOpenEnded(std::int64_t question) {
         txtDCSimpleResponse_->setFocus();
 }
 
-int frmManualResponse::LoadButtons(AnswerButtons& list, bool radio, std::int64_t question) {
-    while (list.buttons.size() > 1) {
-        delete list.buttons.back();
-        list.buttons.pop_back();
-        list.texts.pop_back();
-        list.tags.pop_back();
-    }
-    // An exclusive group keeps one button on; at first none may be.
-    radioGroup_->setExclusive(false);
-    int i = 0;
+int frmManualResponse::LoadAnswers(AnswerList& list, std::int64_t question) {
+    list.Clear();
+    int count = 0;
     for (Recordset row = state_.SurveyConnection.Execute(
              "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos", {question});
-         !row.AtEnd(); row.MoveNext(), ++i) {
-        QAbstractButton* button = i == 0 ? list.buttons[0] : NewButton(list, radio);
-        if (!radio)
-            static_cast<QCheckBox*>(button)->setTristate(false);
-        list.texts[i] = row.NullToString("name");
-        list.tags[i] = row.Integer("id");
-        button->setAccessibleName(list.texts[i]);
-        button->setCheckable(true);
-        button->setChecked(false);
-        button->setVisible(true);
-    }
-    if (i == 0)
-        list.buttons[0]->setVisible(false);
-    radioGroup_->setExclusive(true);
-    WrapTexts(list);
-    return i;
+         !row.AtEnd(); row.MoveNext(), ++count)
+        list.Add(row.NullToString("name"), row.Integer("id"));
+    return count;
 }
 
 bool frmManualResponse::IsAnswered(std::int64_t response, std::int64_t question) {
@@ -292,101 +289,117 @@ bool frmManualResponse::IsAnswered(std::int64_t response, std::int64_t question)
 }
 
 void frmManualResponse::ShowCheck(std::int64_t question) {
-    ShowPanel(panels_[1]);
-    const int count = LoadButtons(chkDCCheck_, false, question);
+    ShowPanel(chkDCCheck_);
+    const int count = LoadAnswers(*chkDCCheck_, question);
     for (int i = 0; i < count; ++i)
-        chkDCCheck_.buttons[i]->setChecked(IsAnswered(chkDCCheck_.tags[i], question));
+        chkDCCheck_->SetValue(i, IsAnswered(chkDCCheck_->Tag(i), question));
     if (isVisible() && count > 0)
-        chkDCCheck_.buttons[0]->setFocus();
+        chkDCCheck_->FocusButton(0);
     cmdDCAnswersNext_->setDefault(true);
 }
 
 void frmManualResponse::ShowRadio(std::int64_t question) {
-    ShowPanel(panels_[2]);
-    const int count = LoadButtons(optDCRadio_, true, question);
+    ShowPanel(optDCRadio_);
+    const int count = LoadAnswers(*optDCRadio_, question);
     for (int i = 0; i < count; ++i)
-        if (IsAnswered(optDCRadio_.tags[i], question))
-            optDCRadio_.buttons[i]->setChecked(true);
+        if (IsAnswered(optDCRadio_->Tag(i), question))
+            optDCRadio_->SetValue(i, true);
     cmdDCAnswersNext_->setDefault(true);
 }
 
-void frmManualResponse::AddMatrixHead(int row, int col, const QString& text) {
-    gMatrix_->SetTextMatrix(row, col, text);
-    const int width = ToTwips(fontMetrics().horizontalAdvance(text));
-    if (width + 150 > gMatrix_->ColWidth(col))
-        gMatrix_->SetColWidth(col, width + 200);
-}
-
+// Which button Enter stands for is left alone: it is what the page before has made it.
 void frmManualResponse::ShowMatrix(std::int64_t question) {
-    ShowPanel(panels_[3]);
-    Connection& file = state_.SurveyConnection;
+    ShowPanel(picDCResponseMatrix_);
+    const RedrawOff redrawOff(*gMatrix_);
+    gMatrix_->SetRows(1);
+    gMatrix_->SetCols(1);
     std::int16_t group = -1;
-    bool rows = false;
-    bool points = false;
-    {
-        Recordset row = file.Execute(
-            "SELECT id, name, responsematrixgroupid FROM response WHERE questionid = ? ORDER BY "
-            "pos",
-            {question});
-        rows = !row.AtEnd();
-        gMatrix_->setVisible(rows);
-        if (rows)
-            group = Narrow16(row.Integer("responsematrixgroupid"));
-        gMatrix_->SetRows(1);
-        gMatrix_->SetCols(1);
-        for (; !row.AtEnd(); row.MoveNext()) {
-            const int at = gMatrix_->Rows();
-            gMatrix_->SetRows(at + 1);
-            AddMatrixHead(at, 0, row.NullToString("name") + ' ');
-            gMatrix_->SetRowData(at, row.Integer("id"));
-            gMatrix_->SetCellAlignment(at, 0, 7);
-        }
-    }
-    {
-        Recordset point = file.Execute(
-            "SELECT id, name FROM responsematrix WHERE responsematrixgroupid = ? ORDER BY pos",
-            {group});
-        points = !point.AtEnd();
-        gMatrix_->setVisible(points);
-        for (; !point.AtEnd(); point.MoveNext()) {
-            const int at = gMatrix_->Cols();
-            gMatrix_->SetCols(at + 1);
-            AddMatrixHead(0, at, point.NullToString("name"));
-            gMatrix_->SetColData(at, point.Integer("id"));
-            gMatrix_->SetCellAlignment(0, at, 3);
-        }
-    }
+    const bool rows = LoadMatrixRows(question, group);
+    const bool points = LoadMatrixPoints(group);
     if (rows && points) {
-        for (int row = 1; row < gMatrix_->Rows(); ++row) {
-            const Recordset answer = file.Execute(
-                "SELECT id, ResponseMatrixID FROM Respondent_Responses WHERE questionid = ? AND "
-                "responseid = ? AND respondentid = ? ORDER BY id",
-                {question, gMatrix_->RowData(row), entry_.CurrentRespondentID});
-            if (answer.AtEnd())
-                continue;
-            for (int col = 1; col < gMatrix_->Cols(); ++col) {
-                const bool chosen =
-                    !answer.IsNull(1) && answer.Integer(1) == gMatrix_->ColData(col);
-                gMatrix_->SetTextMatrix(row, col, chosen ? Yes : "");
-                gMatrix_->SetCellAlignment(row, col, 4);
-            }
-        }
+        LoadMatrixAnswers(question);
         if (isVisible())
             gMatrix_->setFocus();
     }
     // Every sub question starts answered with the scale's first point, on purpose. On a scale
     // without points the grid has no column 1, and choosing it fails.
     for (int row = 1; row < gMatrix_->Rows(); ++row) {
-        bool answered = false;
-        for (int col = 1; col < gMatrix_->Cols(); ++col)
-            answered = answered || gMatrix_->TextMatrix(row, col) == Yes;
-        if (answered)
+        if (ChosenCol(row) > 0)
             continue;
         gMatrix_->SetRow(row);
         gMatrix_->SetCol(1);
-        gMatrix_->SetText(Yes);
+        gMatrix_->SetText(MatrixDelegate::Chosen);
         gMatrix_->SetCellAlignment(row, 1, 4);
     }
+    if (gMatrix_->Rows() > 1) { // the keys start at the top
+        gMatrix_->SetRow(1);
+        gMatrix_->SetCol(ChosenCol(1));
+    }
+}
+
+bool frmManualResponse::LoadMatrixRows(std::int64_t question, std::int16_t& group) {
+    Recordset row = state_.SurveyConnection.Execute(
+        "SELECT id, name, responsematrixgroupid FROM response WHERE questionid = ? ORDER BY pos",
+        {question});
+    gMatrix_->setVisible(!row.AtEnd());
+    if (row.AtEnd())
+        return false;
+    group = Narrow16(row.Integer("responsematrixgroupid"));
+    for (; !row.AtEnd(); row.MoveNext()) {
+        const int at = gMatrix_->Rows();
+        gMatrix_->SetRows(at + 1);
+        AddMatrixHead(at, 0, row.NullToString("name") + ' ');
+        gMatrix_->SetRowData(at, row.Integer("id"));
+        gMatrix_->SetCellAlignment(at, 0, 7);
+    }
+    return true;
+}
+
+bool frmManualResponse::LoadMatrixPoints(std::int16_t group) {
+    Recordset point = state_.SurveyConnection.Execute(
+        "SELECT id, name FROM responsematrix WHERE responsematrixgroupid = ? ORDER BY pos",
+        {group});
+    gMatrix_->setVisible(!point.AtEnd());
+    if (point.AtEnd())
+        return false;
+    for (; !point.AtEnd(); point.MoveNext()) {
+        const int at = gMatrix_->Cols();
+        gMatrix_->SetCols(at + 1);
+        AddMatrixHead(0, at, point.NullToString("name"));
+        gMatrix_->SetColData(at, point.Integer("id"));
+        gMatrix_->SetCellAlignment(0, at, 3);
+    }
+    return true;
+}
+
+void frmManualResponse::LoadMatrixAnswers(std::int64_t question) {
+    for (int row = 1; row < gMatrix_->Rows(); ++row) {
+        const Recordset answer = state_.SurveyConnection.Execute(
+            "SELECT id, ResponseMatrixID FROM Respondent_Responses WHERE questionid = ? AND "
+            "responseid = ? AND respondentid = ? ORDER BY id",
+            {question, gMatrix_->RowData(row), entry_.CurrentRespondentID});
+        if (answer.AtEnd())
+            continue;
+        for (int col = 1; col < gMatrix_->Cols(); ++col) {
+            const bool chosen = !answer.IsNull(1) && answer.Integer(1) == gMatrix_->ColData(col);
+            gMatrix_->SetTextMatrix(row, col, chosen ? MatrixDelegate::Chosen : "");
+            gMatrix_->SetCellAlignment(row, col, 4);
+        }
+    }
+}
+
+void frmManualResponse::AddMatrixHead(int row, int col, const QString& text) {
+    gMatrix_->SetTextMatrix(row, col, text);
+    const int width = ToTwips(fontMetrics().horizontalAdvance(text));
+    if (width + LeastBesideText > gMatrix_->ColWidth(col))
+        gMatrix_->SetColWidth(col, width + RoomBesideText);
+}
+
+int frmManualResponse::ChosenCol(int row) const {
+    for (int col = 1; col < gMatrix_->Cols(); ++col)
+        if (gMatrix_->TextMatrix(row, col) == MatrixDelegate::Chosen)
+            return col;
+    return 0;
 }
 
 void frmManualResponse::gMatrix_Click() {
@@ -396,26 +409,50 @@ void frmManualResponse::gMatrix_Click() {
         return;
     for (int col = 1; col < gMatrix_->Cols(); ++col)
         gMatrix_->SetTextMatrix(row, col, {});
-    gMatrix_->SetTextMatrix(row, chosen, Yes);
+    gMatrix_->SetTextMatrix(row, chosen, MatrixDelegate::Chosen);
     gMatrix_->SetCellAlignment(row, chosen, 4);
 }
 
-void frmManualResponse::StoreButtons(const AnswerButtons& list, bool radio, std::int64_t question) {
-    if (list.buttons[0]->isHidden())
+void frmManualResponse::gMatrix_KeyDown(QKeyEvent& event) {
+    // A default button takes Enter before any control sees it.
+    if (event.key() != Qt::Key_Space && (!IsEnter(event) || cmdDCAnswersNext_->isDefault()))
         return;
+    gMatrix_Click();
+    event.accept();
+}
+
+void frmManualResponse::StoreOpenEnded(std::int64_t question) {
     TableInsert insert(state_.SurveyConnection, "Respondent_Responses",
                        {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"});
-    for (std::size_t i = 0; i < list.buttons.size(); ++i) {
-        if (!list.buttons[i]->isChecked())
+    // 1 refers to nothing: an open ended question has no responses.
+    insert.Add({question, entry_.CurrentRespondentID, 1, TypedText(*txtDCSimpleResponse_)});
+}
+
+void frmManualResponse::StoreChecked(const AnswerList& list, std::int64_t question) {
+    TableInsert insert(state_.SurveyConnection, "Respondent_Responses",
+                       {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"});
+    for (int i = 0; i <= list.UBound(); ++i) {
+        if (!list.Value(i))
             continue;
-        if (radio) {
+        if (&list == optDCRadio_) { // only a radio answer leads anywhere
             const Recordset jump = state_.SurveyConnection.Execute(
-                "SELECT logicjumptoquestionid FROM response WHERE id = ?", {list.tags[i]});
+                "SELECT logicjumptoquestionid FROM response WHERE id = ?", {list.Tag(i)});
             if (!jump.AtEnd() && !jump.IsNull(0))
                 JumpTarget = Narrow16(jump.Integer(0));
         }
-        insert.Add({question, entry_.CurrentRespondentID, list.tags[i], ""});
+        insert.Add({question, entry_.CurrentRespondentID, list.Tag(i), ""});
     }
+}
+
+void frmManualResponse::StoreMatrix(std::int64_t question) {
+    TableInsert insert(
+        state_.SurveyConnection, "Respondent_Responses",
+        {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse", "ResponseMatrixID"});
+    for (int col = 1; col < gMatrix_->Cols(); ++col)
+        for (int row = 1; row < gMatrix_->Rows(); ++row)
+            if (gMatrix_->TextMatrix(row, col) == MatrixDelegate::Chosen)
+                insert.Add({question, entry_.CurrentRespondentID, gMatrix_->RowData(row), "",
+                            gMatrix_->ColData(col)});
 }
 
 void frmManualResponse::ShowDCAnswer() {
@@ -434,35 +471,19 @@ void frmManualResponse::ShowDCAnswer() {
     WriteBatch batch(file);
     file.Run("DELETE FROM Respondent_Responses WHERE RespondentID = ? AND questionid = ?",
              {entry_.CurrentRespondentID, question});
-    switch (entry_.CurrentQType) {
-    case 0: {
-        // 1 refers to nothing: an open ended question has no responses.
-        TableInsert insert(file, "Respondent_Responses",
-                           {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"});
-        QString answer = txtDCSimpleResponse_->toPlainText();
-        answer.replace('\n', "\r\n");
-        insert.Add({question, entry_.CurrentRespondentID, 1, answer});
+    switch (HasAnswers() ? entry_.CurrentQType : kind::Text) {
+    case kind::OpenEnded:
+        StoreOpenEnded(question);
         break;
-    }
-    case 1:
-        StoreButtons(chkDCCheck_, false, question);
+    case kind::Check:
+        StoreChecked(*chkDCCheck_, question);
         break;
-    case 2:
-        StoreButtons(optDCRadio_, true, question);
+    case kind::Radio:
+        StoreChecked(*optDCRadio_, question);
         break;
-    case 3: {
-        if (gMatrix_->isHidden())
-            break;
-        TableInsert insert(
-            file, "Respondent_Responses",
-            {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse", "ResponseMatrixID"});
-        for (int col = 1; col < gMatrix_->Cols(); ++col)
-            for (int row = 1; row < gMatrix_->Rows(); ++row)
-                if (gMatrix_->TextMatrix(row, col) == Yes)
-                    insert.Add({question, entry_.CurrentRespondentID, gMatrix_->RowData(row), "",
-                                gMatrix_->ColData(col)});
+    case kind::Matrix:
+        StoreMatrix(question);
         break;
-    }
     default:
         break;
     }

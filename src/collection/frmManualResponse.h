@@ -4,26 +4,24 @@
 
 #include <QDialog>
 
-#include <vector>
-
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
 
-class QAbstractButton;
-class QButtonGroup;
 class QLabel;
 class QPlainTextEdit;
 class QPushButton;
-class QVBoxLayout;
+class QScrollArea;
 
 namespace pollarix {
 
+class AnswerList;
 class Grid;
 
 class frmManualResponse : public QDialog {
     Q_OBJECT
   public:
-    // Shows the first page of entry.CurrentRespondentID.
+    // Shows the first page of entry.CurrentRespondentID. A failure on the way is shown as one of
+    // the running program, and leaves the window as far as it got: the user can go on from there.
     frmManualResponse(ApplicationState& state, ManualEntryState& entry, QWidget* parent);
 
     // Shows the page at CurrentPosition. False if no question has that position: the window then
@@ -35,50 +33,52 @@ class frmManualResponse : public QDialog {
     void ShowDCAnswer();
 
   protected:
+    void keyPressEvent(QKeyEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    // One of the two lists of answers, check boxes or radio buttons. Its first button always exists
-    // and is hidden when a question has no answers.
-    struct AnswerButtons {
-        QWidget* panel = nullptr;
-        QVBoxLayout* column = nullptr;
-        std::vector<QAbstractButton*> buttons;
-        std::vector<QString> texts;
-        std::vector<std::int64_t> tags; // response.id
-    };
-
-    void BuildPanels();
-    QWidget* NewScrolledPanel(const char* name, QWidget* content);
-    QAbstractButton* NewButton(AnswerButtons& list, bool radio);
+    void BuildQuestion();
+    void BuildAnswers();
+    void BuildFooter();
+    void FitQuestion();
     void ShowPanel(QWidget* panel);
-    void WrapTexts(AnswerButtons& list);
+    bool HasAnswers() const; // the page shows something to answer with
+    void Form_Load();
 
     void ShowOpenEnded(std::int64_t question);
-    int LoadButtons(AnswerButtons& list, bool radio, std::int64_t question);
+    int LoadAnswers(AnswerList& list, std::int64_t question);
     bool IsAnswered(std::int64_t response, std::int64_t question);
     void ShowCheck(std::int64_t question);
     void ShowRadio(std::int64_t question);
     void ShowMatrix(std::int64_t question);
+    bool LoadMatrixRows(std::int64_t question, std::int16_t& group);
+    bool LoadMatrixPoints(std::int16_t group);
+    void LoadMatrixAnswers(std::int64_t question);
     void AddMatrixHead(int row, int col, const QString& text);
-    void StoreButtons(const AnswerButtons& list, bool radio, std::int64_t question);
+    int ChosenCol(int row) const;
+
+    void StoreOpenEnded(std::int64_t question);
+    void StoreChecked(const AnswerList& list, std::int64_t question);
+    void StoreMatrix(std::int64_t question);
 
     void cmdDCAnswersNext_Click();
     void cmdDCAnswersPrevious_Click();
     void gMatrix_Click();
+    void gMatrix_KeyDown(QKeyEvent& event);
 
     ApplicationState& state_;
     ManualEntryState& entry_;
     std::int16_t JumpTarget = -1; // question.id that the chosen answer leads to; -1 for none
 
     QLabel* lblDCQuestion_;
+    QScrollArea* scrollDCQuestion_;
     QWidget* picDCAnswers_;
+    QWidget* picDCResponseSimple_;
     QPlainTextEdit* txtDCSimpleResponse_;
-    AnswerButtons chkDCCheck_;
-    AnswerButtons optDCRadio_;
-    QButtonGroup* radioGroup_;
+    AnswerList* chkDCCheck_; // picDCResponseCheck
+    AnswerList* optDCRadio_; // picDCResponseRadio
+    QWidget* picDCResponseMatrix_;
     Grid* gMatrix_;
-    std::vector<QWidget*> panels_; // picDCResponseSimple, -Check, -Radio, -Matrix
     QPushButton* cmdDCAnswersPrevious_;
     QPushButton* cmdDCAnswersNext_;
     QPushButton* cmdDCAnswersCancel_;

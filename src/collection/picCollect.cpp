@@ -25,10 +25,10 @@ void picCollect::LayOut(int windowWidth, int windowHeight) {
     const int textWidth = width() - left - ToPixels(150);
     if (textWidth > 0)
         lblInstructions_->setGeometry(left, ScreenTitleHeight + ToPixels(60), textWidth,
-                                      lblInstructions_->heightForWidth(textWidth) + ToPixels(200));
+                                      lblInstructions_->heightForWidth(textWidth) + ToPixels(300));
     const int top = lblInstructions_->geometry().bottom() + 1 - ToPixels(200);
     picRespondentList_->setGeometry(0, top, width(), height());
-    picRespondentList_->LayOut(windowWidth, windowHeight);
+    picRespondentList_->LayOut(windowWidth, windowHeight, height() - top);
 }
 
 } // namespace pollarix

@@ -1,11 +1,17 @@
 #include "collection/picRespondentList.h"
 
+#include <QDateTime>
+#include <QFontMetrics>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
 
+#include <vector>
+
+#include "collection/RedrawOff.h"
 #include "collection/frmManualResponse.h"
 #include "platform/ComboBox.h"
+#include "platform/Failure.h"
 #include "platform/Formats.h"
 #include "platform/Grid.h"
 #include "platform/Handlers.h"
@@ -19,8 +25,38 @@ namespace {
 constexpr const char* NoneSelected =
     "No Respondent has been selected. Please select a Respondent from the list to continue.";
 
+constexpr const char* ListRespondents =
+    "SELECT id FROM respondent ORDER BY submitteddate DESC, id DESC";
+
+constexpr int Columns = 3;
+constexpr int DateWidth = 3500; // of columns 0 and 1 at the start, twips
+constexpr int SampleWidth = 1600;
+constexpr int RoomBesideDate = 12; // pixels
 constexpr int Margin = ToPixels(120);
 constexpr int Gap = ToPixels(90);
+
+// A file that another program wrote may hold what is no date. It is shown as it stands, so that one
+// such row does not raise a message at every look at the list.
+QString DateText(const QString& stored) {
+    try {
+        return LongDateAndTime(StoredDate(stored));
+    } catch (const Failure&) {
+        return stored;
+    }
+}
+
+// Pixels of the longest date and time that the locale writes in a year.
+int LongestDate(const QFontMetrics& font) {
+    int longest = 0;
+    // Late in the evening late in the month, when most numbers have two digits.
+    QDateTime when(QDate(2024, 1, 22), QTime(22, 58, 58), Qt::UTC);
+    for (int month = 0; month < 12; ++month)
+        for (int day = 0; day < 7; ++day)
+            longest =
+                qMax(longest,
+                     font.horizontalAdvance(LongDateAndTime(when.addMonths(month).addDays(day))));
+    return longest;
+}
 
 } // namespace
 
@@ -61,30 +97,57 @@ picRespondentList::picRespondentList(ApplicationState& state, QWidget* parent)
 }
 
 void picRespondentList::PrepareGrid() {
-    gRespondents_->SetCols(3);
+    gRespondents_->SetCols(Columns);
     gRespondents_->SetRows(1);
 }
 
 void picRespondentList::WriteHeads() {
     constexpr const char* heads[] = {"Date and Time", "Sample Response", "Originated From"};
-    constexpr int widths[] = {3500, 1600, 1600};
-    for (int col = 0; col < 3; ++col) {
+    constexpr int widths[] = {DateWidth, SampleWidth, 1600};
+    for (int col = 0; col < Columns; ++col) {
         gRespondents_->SetTextMatrix(0, col, heads[col]);
         gRespondents_->SetColAlignment(col, 1);
         gRespondents_->SetColWidth(col, widths[col]);
     }
+    sampleWidthGiven_ = SampleWidth;
+}
+
+void picRespondentList::SetSampleWidth(int twips) {
+    gRespondents_->SetColWidth(1, twips);
+    sampleWidthGiven_ = twips;
+}
+
+void picRespondentList::WidenSample(int rest) {
+    int free = ToTwips(gRespondents_->width()) - rest;
+    for (int col = 0; col < gRespondents_->Cols(); ++col)
+        free -= gRespondents_->ColWidth(col);
+    if (free > -rest && gRespondents_->ColWidth(1) + free > 0)
+        SetSampleWidth(gRespondents_->ColWidth(1) + free);
 }
 
 void picRespondentList::WidenGrid() {
-    int sum = 0;
-    for (int col = 0; col < gRespondents_->Cols(); ++col)
-        sum += gRespondents_->ColWidth(col);
-    const int width = ToTwips(gRespondents_->width());
-    if (width > sum)
-        gRespondents_->SetColWidth(1, gRespondents_->ColWidth(1) + width - sum - 100);
+    WidenSample(100);
 }
 
-void picRespondentList::LayOut(int windowWidth, int windowHeight) {
+// In a smaller window the column gives back what it was given, unless the user has sized it.
+void picRespondentList::FitSample() {
+    if (gRespondents_->ColWidth(1) == sampleWidthGiven_)
+        SetSampleWidth(SampleWidth);
+    WidenSample(400);
+}
+
+// The start width suits the dates of most locales in most fonts, but not of all.
+void picRespondentList::FitDates() {
+    if (gRespondents_->ColWidth(0) != DateWidth)
+        return;
+    const int needed = ToTwips(LongestDate(gRespondents_->fontMetrics()) + RoomBesideDate);
+    if (needed <= DateWidth)
+        return;
+    gRespondents_->SetColWidth(0, needed);
+    FitSample();
+}
+
+void picRespondentList::LayOut(int windowWidth, int windowHeight, int visibleHeight) {
     const int comboHeight = cboDCExampleQuestion_->sizeHint().height();
     const int labelWidth = lblSample_->sizeHint().width();
     lblSample_->setGeometry(Margin, 0, labelWidth, comboHeight);
@@ -96,18 +159,12 @@ void picRespondentList::LayOut(int windowWidth, int windowHeight) {
     const int gridHeight = windowHeight - gridTop - ToPixels(3500);
     if (gridWidth > 0 && gridHeight > 0)
         gRespondents_->setGeometry(Margin, gridTop, gridWidth, gridHeight);
-    int sum = 0;
-    for (int col = 0; col < gRespondents_->Cols(); ++col)
-        sum += gRespondents_->ColWidth(col);
-    if (gRespondents_->Cols() == 3 && sum < ToTwips(gRespondents_->width())) {
-        const int rest = ToTwips(gRespondents_->width()) - gRespondents_->ColWidth(0) -
-                         gRespondents_->ColWidth(2) - 400;
-        if (rest > 0)
-            gRespondents_->SetColWidth(1, rest);
-    }
+    FitSample();
 
     int left = Margin;
-    const int top = gRespondents_->geometry().bottom() + 1 + Gap;
+    const QSize button = cmdCreateResponse_->sizeHint();
+    const int top =
+        qMin(gRespondents_->geometry().bottom() + 1 + Gap, visibleHeight - button.height());
     for (QPushButton* button : {cmdCreateResponse_, cmdEditResponse_, cmdDeleteResponse_}) {
         button->setGeometry(QRect({left, top}, button->sizeHint()));
         left += button->width() + Gap;
@@ -125,11 +182,11 @@ void picRespondentList::FillExampleQuestions() {
                                        PlainTextOf(row.NullToString("question")));
         cboDCExampleQuestion_->SetItemData(cboDCExampleQuestion_->NewIndex(), row.Integer("id"));
     }
-    const bool any = cboDCExampleQuestion_->ListCount() > 0;
-    if (any) {
+    const int count = cboDCExampleQuestion_->ListCount();
+    if (count > 0) {
         ExampleQuestionEventsOn = false;
-        // By position and not by question; fewer questions than before are a failure here.
-        cboDCExampleQuestion_->SetListIndex(remembered);
+        // By position and not by question. Another survey may have fewer questions than that.
+        cboDCExampleQuestion_->SetListIndex(remembered < count ? remembered : -1);
         if (cboDCExampleQuestion_->ListIndex() == -1) {
             cboDCExampleQuestion_->SetListIndex(0);
             cboDCExampleQuestion_->setVisible(true);
@@ -138,35 +195,65 @@ void picRespondentList::FillExampleQuestions() {
     } else {
         cboDCExampleQuestion_->setVisible(false);
     }
-    lblSample_->setVisible(any);
+    lblSample_->setVisible(count > 0);
 }
 
 void picRespondentList::RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID) {
     FillExampleQuestions();
+    // Until they are read anew, no respondents are listed: the ones that were may be of another
+    // file.
+    gRespondents_->SetRows(1);
+    waiting_.reset();
+    if (isVisible()) {
+        FillList(Row, RespondentID);
+        return;
+    }
+    // A file that can't list them is told at once.
+    state_.SurveyConnection.Execute(ListRespondents);
+    waiting_ = Selection{Row, RespondentID};
+}
 
-    gRespondents_->SetRedraw(false);
+void picRespondentList::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    // Whoever shows the list mostly refreshes it right after, and need not have it read twice.
+    if (waiting_)
+        QMetaObject::invokeMethod(
+            this, [this] { RunHandler([this] { FillWaitingList(); }); }, Qt::QueuedConnection);
+}
+
+void picRespondentList::FillWaitingList() {
+    if (!waiting_ || !isVisible() || !state_.SurveyConnection.IsOpen())
+        return;
+    const Selection selection = *waiting_;
+    waiting_.reset();
+    FillList(selection.Row, selection.RespondentID);
+}
+
+void picRespondentList::FillList(std::int64_t Row, std::int64_t RespondentID) {
     // Only the ids are read for every row. What a row shows is read when it comes on the screen.
+    std::vector<std::int64_t> ids;
+    ids.reserve(
+        static_cast<std::size_t>(state_.SurveyConnection.Count("SELECT count(*) FROM respondent")));
+    for (Recordset row = state_.SurveyConnection.Execute(ListRespondents); !row.AtEnd();
+         row.MoveNext())
+        ids.push_back(row.Integer(0));
+
+    if (!ids.empty())
+        FitDates();
+    const RedrawOff redrawOff(*gRespondents_);
     listedFile_ = state_.SurveyConnection.Path();
     gRespondents_->SetProvider([this](int row, int col) { return CellText(row, col); });
-    int last = 0;
-    for (Recordset row = state_.SurveyConnection.Execute(
-             "SELECT id FROM respondent ORDER BY submitteddate DESC, id DESC");
-         !row.AtEnd(); row.MoveNext()) {
-        const std::int64_t id = row.Integer(0);
-        ++last;
-        if (last >= gRespondents_->Rows())
-            gRespondents_->SetRows(last + 1);
-        gRespondents_->SetRowData(last, id);
+    const int rows = static_cast<int>(ids.size()) + 1;
+    gRespondents_->SetRows(rows);
+    for (int row = 1; row < rows; ++row) {
+        const std::int64_t id = ids[static_cast<std::size_t>(row - 1)];
+        gRespondents_->SetRowData(row, id);
         if (id == RespondentID)
-            Row = last;
+            Row = row;
     }
-    gRespondents_->SetRows(last + 1);
-    if (Row >= gRespondents_->Rows())
-        Row = gRespondents_->Rows() - 1;
-    gRespondents_->SetRow(static_cast<int>(Row));
+    gRespondents_->SetRow(static_cast<int>(Row >= rows ? rows - 1 : Row));
     gRespondents_->SetCol(0);
     gRespondents_->SetColSel(2);
-    gRespondents_->SetRedraw(true);
 }
 
 QString picRespondentList::CellText(int row, int col) const {
@@ -181,7 +268,7 @@ QString picRespondentList::CellText(int row, int col) const {
         file.Execute("SELECT submitteddate, source FROM respondent WHERE id = ?", {id});
     if (respondent.AtEnd())
         return {};
-    return col == 0 ? LongDateAndTime(StoredDate(respondent.Text(0))) : respondent.NullToString(1);
+    return col == 0 ? DateText(respondent.NullToString(0)) : respondent.NullToString(1);
 }
 
 QString picRespondentList::SampleAnswer(std::int64_t respondent) const {
@@ -203,6 +290,11 @@ void picRespondentList::cboDCExampleQuestion_Click() {
         RefreshRespondentList(gRespondents_->Row(), 0);
 }
 
+// A survey that could not be opened to its end leaves the rows of the one before in the list.
+bool picRespondentList::IsOneSelected() const {
+    return gRespondents_->Row() > 0 && state_.SurveyConnection.Path() == listedFile_;
+}
+
 void picRespondentList::EnterAnswers() {
     {
         frmManualResponse form(state_, entry_, window());
@@ -214,13 +306,15 @@ void picRespondentList::EnterAnswers() {
 }
 
 void picRespondentList::cmdCreateResponse_Click() {
-    TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
-    entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
+    {
+        TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
+        entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
+    }
     EnterAnswers();
 }
 
 void picRespondentList::gRespondents_DblClick() {
-    if (gRespondents_->Row() == 0) {
+    if (!IsOneSelected()) {
         state_.dialogs.MsgBox(NoneSelected, MsgIcon::Critical);
         return;
     }
@@ -229,7 +323,7 @@ void picRespondentList::gRespondents_DblClick() {
 }
 
 void picRespondentList::cmdDeleteResponse_Click() {
-    if (gRespondents_->Row() == 0) {
+    if (!IsOneSelected()) {
         state_.dialogs.MsgBox(NoneSelected, MsgIcon::Critical);
         return;
     }

@@ -5,6 +5,7 @@
 #include <QWidget>
 
 #include <functional>
+#include <optional>
 
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
@@ -29,9 +30,13 @@ class picRespondentList : public QWidget {
 
     // Rebuilds the list, newest first; of equal dates the higher id comes first. Row is the grid
     // row to select, overridden by the row of the respondent with RespondentID if it is listed.
+    // While the list is hidden, the respondents are read when it is shown; until then it is its
+    // head alone. Throws what the database throws; no respondent is listed then.
     void RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID);
 
-    void LayOut(int windowWidth, int windowHeight); // pixels
+    // Places what lies inside. The window's outer size, and the height that shows of this panel, in
+    // pixels.
+    void LayOut(int windowWidth, int windowHeight, int visibleHeight);
 
     // Shows a screen of the main window; set by it.
     std::function<void(const QString& name)> ShowScreen;
@@ -39,11 +44,21 @@ class picRespondentList : public QWidget {
     // False while a refresh sets the combo's index, so that its click does not refresh again.
     bool ExampleQuestionEventsOn = false;
 
+  protected:
+    void showEvent(QShowEvent* event) override;
+
   private:
     void FillExampleQuestions();
+    void FillList(std::int64_t Row, std::int64_t RespondentID);
+    void FillWaitingList();
     QString CellText(int row, int col) const;
     QString SampleAnswer(std::int64_t respondent) const;
+    bool IsOneSelected() const;
     void EnterAnswers();
+    void SetSampleWidth(int twips);
+    void WidenSample(int rest); // by what the columns leave of the grid, less the rest; twips
+    void FitSample();
+    void FitDates();
 
     void cboDCExampleQuestion_Click();
     void cmdCreateResponse_Click();
@@ -53,6 +68,12 @@ class picRespondentList : public QWidget {
     ApplicationState& state_;
     ManualEntryState entry_;
     QString listedFile_; // path of the survey whose rows are listed
+    struct Selection {
+        std::int64_t Row;
+        std::int64_t RespondentID;
+    };
+    std::optional<Selection> waiting_; // a refresh that waits until the list is shown
+    int sampleWidthGiven_ = -1;        // of column 1, twips, as the program has set it last
 
     QLabel* lblSample_;
     ComboBox* cboDCExampleQuestion_;
