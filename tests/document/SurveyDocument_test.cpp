@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "FakeViews.h"
 #include "platform/Failure.h"
+#include "support/FakeViews.h"
 #include "support/SurveyFiles.h"
 
 using namespace pollarix;
