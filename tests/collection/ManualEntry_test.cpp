@@ -1,0 +1,311 @@
+// Answers typed in page by page, with mouse and keys, and the rows they leave in the file.
+#include "CollectionScreen.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+class ManualEntry : public CollectionScreen {};
+
+constexpr const char* AddOne = "cmdCreateResponse";
+constexpr const char* EditOne = "cmdEditResponse";
+
+} // namespace
+
+TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
+    MakeSurvey();
+    ShowScreen();
+
+    Enter(AddOne, [&](EntryPage page) {
+        EXPECT_EQ(page.Question(), "Welcome"); // no number
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Question(), "1. Your first visit?");
+        page.Previous();
+        page.Previous(); // does nothing on the first page
+        EXPECT_EQ(page.Question(), "Welcome");
+        page.Next();
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
+        page.Choose(0);
+        page.Next();
+        EXPECT_EQ(page.Question(), "4. Did you like");
+        page.Next(); // untouched: the first point for each
+        page.Next(); // nothing chosen, no row and no jump
+        EXPECT_EQ(page.Question(), "6. Anything else?");
+        page.Type("Soup");
+        page.Key(Qt::Key_Return); // a line, not the next page
+        page.Type("& more");
+        EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+        page.Next();
+        EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
+    });
+    const QStringList first = {"1|2|1||NULL", "1|5|8||46", "1|5|9||46",
+                               "1|7|1|Soup\r\n& more|NULL"};
+    EXPECT_EQ(Answers(), first);
+
+    Enter(AddOne, [&](EntryPage page) {
+        page.Next();
+        page.Choose(1);
+        page.Next();
+        EXPECT_EQ(page.Question(), "2. Why again?");
+        page.Type("Near");
+        page.Next();
+        page.Key(Qt::Key_Space); // the first box has the focus
+        page.Key(Qt::Key_Down);
+        page.Key(Qt::Key_Down);
+        page.Key(Qt::Key_Space);
+        EXPECT_EQ(page.Chosen("chkDCCheck"), QList<int>({0, 2}));
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Question(), "4. Did you like");
+        page.Key(Qt::Key_Right);
+        page.Key(Qt::Key_Right);
+        page.Key(Qt::Key_Space);
+        page.ClickCell(2, 2);
+        page.ClickCell(2, 2); // stays chosen
+        page.Next();
+        page.Choose(0);
+        page.Next();
+        EXPECT_EQ(page.Question(), "2. Why again?"); // back, with what was stored
+        EXPECT_EQ(page.Find<QPlainTextEdit>("txtDCSimpleResponse").toPlainText(), "Near");
+        page.Type("!");
+        page.Next();
+        EXPECT_EQ(page.Chosen("chkDCCheck"), QList<int>({0, 2}));
+        page.Tick(0);
+        page.Next();
+        EXPECT_EQ(page.Matrix().TextMatrix(1, 3), "Yes");
+        EXPECT_EQ(page.Matrix().TextMatrix(1, 1), "");
+        page.Next();
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({0}));
+        page.Choose(1);
+        page.Next();
+        page.Previous(); // to the position before
+        EXPECT_EQ(page.Question(), "5. Once more?");
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({1}));
+        page.Next();
+        page.Next();
+    });
+    const QStringList second = {"2|2|2||NULL", "2|3|1|!Near|NULL", "2|4|7||NULL", "2|5|9||47",
+                                "2|5|8||48",   "2|6|11||NULL",     "2|7|1||NULL"};
+    EXPECT_EQ(Answers(), first + second);
+
+    Enter(AddOne, [&](EntryPage page) {
+        page.Next();
+        page.Choose(1);
+        page.Next();
+        page.Type("never stored");
+        page.Key(Qt::Key_Escape);
+    });
+    const QStringList third = {"3|2|2||NULL"};
+    EXPECT_EQ(Answers(), first + second + third);
+    EXPECT_EQ(List().RowData(1), 3);
+
+    // The first one after all was no first visit. Answers of pages not walked stay.
+    List().SetRow(3);
+    Enter(EditOne, [&](EntryPage page) {
+        page.Next();
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({0}));
+        page.Choose(1);
+        page.Next();
+        page.Type("Hungry");
+        page.Next();
+        page.Cancel();
+    });
+    const QStringList edited = {"1|2|2||NULL", "1|3|1|Hungry|NULL"};
+    EXPECT_EQ(Answers(), first.mid(1) + second + third + edited);
+
+    List().SetRow(2);
+    dialogs.answers = {MsgAnswer::Yes};
+    dialogs.shown.clear();
+    Press("cmdDeleteResponse");
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Delete Respondent? This will delete all responses "
+                                               "provided by this Respondent."));
+    EXPECT_EQ(Answers(), first.mid(1) + third + edited);
+    EXPECT_EQ(SqlRows(path, "SELECT id, source FROM respondent", 2),
+              QStringList({"1|Manual Entry", "3|Manual Entry"}));
+    EXPECT_EQ(List().Row(), 1);
+    EXPECT_EQ(Column(1), QStringList({"No Answer", "Hungry"}));
+    EXPECT_FALSE(state.FileChanged);
+    EXPECT_EQ(failures, std::vector<int>());
+}
+
+struct Jump {
+    int choice; // -1 for none
+    int target; // stored in the file for it; 0 leaves what is there
+    QString shown;
+    QStringList stored;
+    std::vector<int> failures;
+};
+
+class JumpTest : public CollectionScreen, public testing::WithParamInterface<Jump> {};
+
+TEST_P(JumpTest, FollowsTheChosenAnswer) {
+    MakeSurvey();
+    if (GetParam().target)
+        state.SurveyConnection.Run("UPDATE response SET LogicJumpToQuestionID = ? WHERE id = 1",
+                                   {GetParam().target});
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        page.Next();
+        if (GetParam().choice >= 0)
+            page.Choose(GetParam().choice);
+        page.Next();
+        EXPECT_EQ(page.Question(), GetParam().shown);
+        page.Cancel();
+    });
+    EXPECT_EQ(Answers(), GetParam().stored);
+    EXPECT_EQ(failures, GetParam().failures);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    All, JumpTest,
+    testing::Values(Jump{-1, 0, "2. Why again?", {}, {}},
+                    Jump{2, 0, "1. Your first visit?", {"1|2|3||NULL"}, {}}, // to itself
+                    Jump{3, 0, "1. Your first visit?", {"1|2|4||NULL"}, {}}, // target gone
+                    Jump{0, 32768, "1. Your first visit?", {}, {failure::Overflow}},
+                    Jump{0, 7, "6. Anything else?", {"1|2|1||NULL"}, {}}));
+
+TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
+    OpenBlank();
+    Add(kind::Matrix, "First of all", {"a", "b"}, 11);
+    Add(kind::Check, "Which?", {"x"});
+    Add(kind::Matrix, "After a check page", {"c"}, 11);
+    Add(kind::OpenEnded, "Why?", {});
+    Add(kind::Matrix, "After a text page", {"d"}, 11);
+    document.DoSave();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        EXPECT_EQ(page.FocusedControl(), "gMatrix");
+        page.Key(Qt::Key_Right);
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Matrix().TextMatrix(1, 2), "Yes");
+        // A click on a head moves nothing, and so chooses the current cell.
+        page.Key(Qt::Key_Right);
+        QTest::mouseClick(page.Matrix().verticalHeader()->viewport(), Qt::LeftButton, {}, {5, 30});
+        EXPECT_EQ(page.Matrix().TextMatrix(1, 3), "Yes");
+        page.Next();
+        page.Next();
+        page.Key(Qt::Key_Right);
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Question(), "4. Why?"); // and the cell was not chosen
+        page.Next();
+        EXPECT_EQ(page.Question(), "5. After a text page");
+        page.Key(Qt::Key_Right);
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Question(), "5. After a text page");
+        page.Next();
+    });
+    EXPECT_EQ(Answers(),
+              QStringList({"1|1|2||46", "1|1|1||48", "1|3|4||46", "1|4|1||NULL", "1|5|5||47"}));
+}
+
+TEST_F(ManualEntry, RadioButtonsFollowTheKeys) {
+    OpenBlank();
+    Add(kind::Check, "Which?", {"x", "y"});
+    for (const char* text : {"Who?", "When?"})
+        Add(kind::Radio, text, {"a", "b", "c"});
+    Add(kind::Text, "Thank you", {});
+    document.DoSave();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        EXPECT_EQ(page.FocusedControl(), "chkDCCheck(0)");
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.FocusedControl(), "optDCRadio(0)"); // the box that had it is gone
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
+        page.Key(Qt::Key_Down); // moves the choice only where there is one
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
+        page.Key(Qt::Key_Space);
+        page.Key(Qt::Key_Down);
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({2}));
+        page.Key(Qt::Key_Return);
+        EXPECT_EQ(page.Question(), "3. When?");
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
+        page.Key(Qt::Key_Space);
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({0}));
+        page.Key(Qt::Key_Tab); // past the other buttons to the footer
+        EXPECT_EQ(page.FocusedControl(), "cmdDCAnswersPrevious");
+        page.Key(Qt::Key_Return); // the button one is on, not Next
+        EXPECT_EQ(page.Question(), "2. Who?");
+        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({2}));
+        page.Next();
+        page.Next();
+        EXPECT_EQ(page.Question(), "Thank you");
+        page.Key(Qt::Key_Return);
+    });
+    EXPECT_EQ(Answers(), QStringList({"1|2|5||NULL", "1|3|6||NULL"}));
+}
+
+TEST_F(ManualEntry, AScaleWithoutPointsFailsAndTheWindowGoesOn) {
+    OpenBlank();
+    Add(kind::Matrix, "Empty", {"a"}, 99);
+    Add(kind::OpenEnded, "Then", {});
+    document.DoSave();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        EXPECT_EQ(failures, std::vector<int>({failure::InvalidArgument}));
+        EXPECT_EQ(page.Question(), "1. Empty");
+        EXPECT_TRUE(page.Matrix().isHidden());
+        page.Key(Qt::Key_Tab);
+        page.Next();
+        page.Type("Fine");
+        page.Previous();
+        EXPECT_EQ(failures.size(), 2u);
+        page.Next();
+        page.Next();
+    });
+    EXPECT_EQ(Answers(), QStringList("1|2|1|Fine|NULL"));
+    EXPECT_EQ(Column(1), QStringList("Fine"));
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
+}
+
+TEST_F(ManualEntry, PagesWithoutAnswersStoreNothingAndTakeOldAnswersAway) {
+    OpenBlank();
+    Add(kind::Check, "No boxes", {});
+    Add(kind::Radio, "No buttons", {});
+    Add(kind::Matrix, "No rows", {}, 11);
+    Add(kind::Text, "Text", {});
+    document.DoSave();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        for (int question = 1; question <= 4; ++question)
+            RunSql(path, {"INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID) "
+                          "SELECT 1, id, 1 FROM question WHERE id NOT IN "
+                          "(SELECT QuestionID FROM respondent_responses)"});
+        EXPECT_TRUE(page.Answer("chkDCCheck", 0).isHidden());
+        page.Key(Qt::Key_Return); // Next has the focus where nothing else can
+        EXPECT_TRUE(page.Answer("optDCRadio", 0).isHidden());
+        page.Key(Qt::Key_Return);
+        EXPECT_TRUE(page.Matrix().isHidden());
+        page.Next();
+        page.Next();
+    });
+    EXPECT_EQ(Answers(), QStringList());
+    EXPECT_EQ(failures, std::vector<int>());
+}
+
+TEST_F(ManualEntry, ASurveyWithoutQuestionsIsCompletedAtOnce) {
+    OpenBlank();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        EXPECT_EQ(page.Question(), "");
+        page.Next();
+    });
+    EXPECT_EQ(dialogs.TakeTexts(),
+              QStringList({"Error cmdDCAnswersNext_Click", "Survey completed."}));
+    EXPECT_EQ(List().Rows(), 2);
+    EXPECT_EQ(Column(1), QStringList("No Answer"));
+}
+
+TEST_F(ManualEntry, TypedTextComesBackAsItWas) {
+    OpenBlank();
+    Add(kind::OpenEnded, "What?", {});
+    document.DoSave();
+    const QString text =
+        QString::fromUtf8("Ça va\u00a0? 'It''s' \"ok\"; 好 \U0001F600\r\n\r\n end ");
+    state.SurveyConnection.Run("INSERT INTO respondent (source) VALUES ('Web')");
+    state.SurveyConnection.Run("INSERT INTO respondent_responses (RespondentID, QuestionID, "
+                               "ResponseID, SimpleResponse) VALUES (1, 1, 1, ?)",
+                               {text});
+    ShowScreen();
+    Enter(EditOne, [&](EntryPage page) { page.Next(); });
+    EXPECT_EQ(Answers(), QStringList("1|1|1|" + text + "|NULL"));
+}
