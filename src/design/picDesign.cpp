@@ -179,6 +179,8 @@ void picDesign::ClearEditors() {
 
 void picDesign::SetRedraw(bool on) {
     setUpdatesEnabled(on);
+    if (const TreeNode* const node = tvTreeView_.SelectedItem(); on && node)
+        tvTreeView_.scrollToItem(node);
 }
 
 } // namespace pollarix

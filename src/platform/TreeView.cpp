@@ -48,8 +48,16 @@ TreeNode* TreeNode::Next() const {
 }
 
 void TreeNode::SetSelected() {
-    treeWidget()->setCurrentItem(this);
-    treeWidget()->scrollToItem(this);
+    QTreeWidget& tree = *treeWidget();
+    if (tree.updatesEnabled()) {
+        tree.setCurrentItem(this);
+        tree.scrollToItem(this);
+        return;
+    }
+    // While a survey is loaded, nothing is painted: a view that heard of each node in turn would
+    // lay out all of the nodes each time.
+    const QSignalBlocker unheard(tree.selectionModel());
+    tree.setCurrentItem(this);
 }
 
 TreeView::TreeView(QWidget* parent) : QTreeWidget(parent), state_(std::make_unique<State>()) {

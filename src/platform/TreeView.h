@@ -20,7 +20,7 @@ class TreeNode : public QTreeWidgetItem {
     TreeNode* Previous() const; // sibling before, or none
     TreeNode* Next() const;
     void SetExpanded(bool on) { setExpanded(on); }
-    // Selects without raising NodeClick and makes the node visible.
+    // Selects without raising NodeClick and, unless updates are off, makes the node visible.
     void SetSelected();
 
   private:
