@@ -2,7 +2,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QFile>
 #include <QLineEdit>
 #include <QTest>
 #include <QTimer>
@@ -12,9 +11,7 @@
 namespace pollarix::test {
 
 DesignScreen::DesignScreen()
-    : settings_(folder_.filePath("settings")),
-      state_({POLLARIX_DATA_DIR, folder_.path()}, settings_, dialogs_), document_(state_, *this),
-      design_(new picDesign(state_, &window_)) {
+    : design_(new picDesign(state, &window_)), views_(*design_), document_(state, views_) {
     SetFailureReporter([this](const Failure& failure) {
         failures_ << QString("%1 %2").arg(failure.Number()).arg(failure.Description());
     });
@@ -23,21 +20,19 @@ DesignScreen::DesignScreen()
     window_.show();
     QApplication::setActiveWindow(&window_);
     design_->LayOut(24);
-    state_.LibraryConnection.Open(state_.directories.InProgram("Library.mdb"),
-                                  Connection::Mode::ReadOnly);
+    state.LibraryConnection.Open(state.directories.InProgram("Library.mdb"),
+                                 Connection::Mode::ReadOnly);
     NewSurvey();
 }
 
 DesignScreen::~DesignScreen() {
     EXPECT_EQ(failures_, QStringList());
-    EXPECT_EQ(dialogs_.TakeTexts(), QStringList());
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
     SetFailureReporter({});
 }
 
 void DesignScreen::NewSurvey() {
-    const QString path = folder_.filePath(QString("survey%1.plxs").arg(++surveys_));
-    ASSERT_TRUE(QFile::copy(state_.directories.InProgram("blank.mdb"), path));
-    QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+    const QString path = BlankSurvey(QString("survey%1.plxs").arg(++surveys_));
     document_.DoClose();
     document_.DoOpen(path, true, -1);
 }
@@ -53,7 +48,7 @@ void DesignScreen::SurveyOf(std::initializer_list<std::int32_t> kinds) {
 }
 
 void DesignScreen::Reopen() {
-    const QString path = state_.CurrentFilename;
+    const QString path = state.CurrentFilename;
     document_.DoClose();
     document_.DoOpen(path, true, 1);
 }
@@ -72,13 +67,6 @@ void DesignScreen::Press(const char* button) {
 
 void DesignScreen::Key(const char* control, Qt::Key key, Qt::KeyboardModifiers modifiers) {
     QTest::keyClick(&Get<QWidget>(control), key, modifiers);
-}
-
-void DesignScreen::Type(const char* control, const QString& text) {
-    auto& widget = Get<QWidget>(control);
-    QTest::mouseClick(widget.inherits("QTextEdit") ? Get<RichTextBox>(control).viewport() : &widget,
-                      Qt::LeftButton);
-    QTest::keyClicks(&widget, text);
 }
 
 void DesignScreen::ClickNode(int question) {
@@ -113,40 +101,40 @@ void DesignScreen::AddResponses(const char* box, const QStringList& texts) {
     }
 }
 
-QStringList DesignScreen::Nodes() const {
+QString DesignScreen::Nodes() const {
     QStringList texts;
     const QTreeWidgetItem* const root = Get<TreeView>("tvTreeView").topLevelItem(0);
     for (int i = 0; i < root->childCount(); ++i)
         texts << root->child(i)->text(0);
-    return texts;
+    return texts.join('|');
 }
 
-QStringList DesignScreen::Entries(const char* list) const {
+QString DesignScreen::Entries(const char* list) const {
     QStringList texts;
     for (int i = 0; i < Get<ListBox>(list).ListCount(); ++i)
         texts << Get<ListBox>(list).List(i);
-    return texts;
+    return texts.join('|');
 }
 
-QStringList DesignScreen::Responses(int question) const {
+QString DesignScreen::Responses(int question) const {
     QStringList texts;
-    const auto q = state_.CurrentSurvey.GetQIndex(std::int16_t(question));
+    const auto q = state.CurrentSurvey.GetQIndex(std::int16_t(question));
     for (std::int16_t i = 1; i <= q->ResponsesCount; ++i)
         texts << q->GetResponse(i)->Text;
-    return texts;
+    return texts.join('|');
 }
 
-QStringList DesignScreen::Rows(const char* sql) {
+QString DesignScreen::Rows(const char* sql) {
     QStringList rows;
-    for (Recordset row = state_.SurveyConnection.Execute(sql); !row.AtEnd(); row.MoveNext())
+    for (Recordset row = state.SurveyConnection.Execute(sql); !row.AtEnd(); row.MoveNext())
         rows << row.NullToString(0);
-    return rows;
+    return rows.join('|');
 }
 
 bool DesignScreen::Marks(const std::function<void()>& action) {
-    state_.FileChanged = false;
+    state.FileChanged = false;
     action();
-    return state_.FileChanged;
+    return state.FileChanged;
 }
 
 void DesignScreen::InNextDialog(const char* className, std::function<void(QWidget&)> act) {

@@ -1,0 +1,188 @@
+// The dialogs of the Design screen: jumps of answers, and the making of answer scales.
+#include <QAbstractButton>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTest>
+#include <QtEndian>
+
+#include "design/DesignScreen.h"
+#include "design/frmLogic.h"
+#include "design/frmMatrixAdd.h"
+#include "design/frmMatrixDefine.h"
+
+namespace pollarix::test {
+namespace {
+
+using namespace kind;
+
+class Logic : public DesignScreen {
+  protected:
+    // Opens the dialog on a response of the question (both from 1), chooses an entry unless it is
+    // -1 and leaves by the button. Gives what the dialog showed.
+    QString Visit(int question, int response, int choose, const char* leaveBy) {
+        QStringList shown;
+        ClickNode(question);
+        ClickEntry("lstCheckResponses", response - 1);
+        InDialog<frmLogic>([&, choose, leaveBy](QWidget& dialog) {
+            auto& cboList = *dialog.findChild<ComboBox*>("cboList");
+            shown << dialog.findChild<QLabel*>("lblWhen")->text() << cboList.Text();
+            for (int i = 0; i < cboList.ListCount(); ++i)
+                shown << cboList.List(i);
+            if (choose != -1)
+                cboList.SetListIndex(choose);
+            dialog.findChild<QAbstractButton*>(leaveBy)->click();
+        });
+        Press("cmdRadioLogic");
+        return shown.join('|');
+    }
+    QString Jump(int question, int response) {
+        return Q(question).GetResponse(std::int16_t(response))->LogicJumpToQuestionKey;
+    }
+};
+
+TEST_F(Logic, AJumpIsChosenKeptAndTakenBack) {
+    SurveyOf({Radio, Text, Check});
+    ClickNode(1);
+    AddResponses("txtCheckResponse", {"a", "<response.name>", "c"});
+    Press("cmdRadioLogic");
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Please select a response to apply logic to."));
+
+    const QString targets = "|Next Question (Default)|1. Q1|Q2|2. Q3";
+    const QString standard = "|Next Question (Default)" + targets;
+    EXPECT_EQ(Visit(1, 1, 2, "cmdOK"), "When response a is selected:" + standard);
+    EXPECT_EQ(Visit(1, 2, 1, "cmdOK"), "When response <response.name> is selected:" + standard);
+    EXPECT_EQ(Jump(1, 2), Q(1).Key) << "to the question itself";
+    EXPECT_TRUE(Marks([&] { Visit(1, 1, 3, "cmdCancel"); })) << "Cancel marks the survey as well";
+    EXPECT_EQ(Jump(1, 1), Q(2).Key);
+
+    ClickNode(2);
+    Press("cmdUp"); // the target moves, the jump stays
+    EXPECT_TRUE(Visit(2, 1, 0, "cmdOK").startsWith("When response a is selected:|Q2|"));
+    EXPECT_EQ(Jump(2, 1), "");
+    ClickNode(2);
+    Press("cmdDelete");
+    EXPECT_EQ(Survey().QCount, 2);
+}
+
+TEST_F(Logic, JumpsToNewQuestionsSurviveTheFirstSaveAndDeadOnesOpenOnTheDefault) {
+    for (const std::int32_t qType : {Radio, OpenEnded, Radio}) {
+        Add(qType);
+        if (qType == Radio)
+            AddResponses("txtCheckResponse", {"a", "b"});
+    }
+    Visit(1, 1, 3, "cmdOK");
+    Visit(1, 2, 2, "cmdOK");
+    Visit(3, 1, 1, "cmdOK");
+    document_.DoSave();
+    EXPECT_EQ(Jump(1, 1), Q(3).Key);
+    EXPECT_EQ(Jump(3, 1), Q(1).Key);
+    EXPECT_EQ(Rows("SELECT ifnull(LogicJumpToQuestionID, '-') FROM response ORDER BY id"),
+              "3|2|1|-");
+    ClickNode(2);
+    Press("cmdDelete");
+    EXPECT_TRUE(Visit(1, 2, -1, "cmdCancel").contains("selected:|Next Question (Default)|"));
+    document_.DoSave();
+    EXPECT_EQ(Rows("SELECT ifnull(LogicJumpToQuestionID, '-') FROM response ORDER BY id"),
+              "3|3|1|-")
+        << "it inherits the jump worked out before it";
+}
+
+class Scales : public DesignScreen {
+  protected:
+    // "Define..." twice, then the points one by one, then the button. Gives what the first dialog
+    // lists afterwards.
+    QString MakeScale(const QStringList& points, const char* leaveBy) {
+        QStringList listed;
+        InDialog<frmMatrixDefine>([&, leaveBy](QWidget& define) {
+            auto& lstList = *define.findChild<ListBox*>("lstList");
+            lstList.SetListIndex(2); // whichever, a new scale is made
+            InDialog<frmMatrixAdd>([&, leaveBy](QWidget& add) {
+                EXPECT_EQ(add.findChild<ListBox*>("lstList")->ListCount(), 0);
+                for (const QString& point : points) {
+                    add.findChild<QLineEdit*>("txtName")->setText(point);
+                    QTest::keyClick(add.findChild<QLineEdit*>("txtName"), Qt::Key_Return);
+                }
+                add.findChild<QAbstractButton*>(leaveBy)->click();
+            });
+            define.findChild<QAbstractButton*>("cmdOK")->click();
+            for (int i = 0; i < lstList.ListCount(); ++i)
+                listed << lstList.List(i);
+        });
+        Press("cmdMatrixDefine");
+        return listed.join('|');
+    }
+    QString Combo() {
+        QStringList entries;
+        for (int i = 0; i < combo.ListCount(); ++i)
+            entries << combo.List(i);
+        return entries.join('|');
+    }
+    // SQLite counts a file's commits in its head.
+    quint32 Commits() {
+        QFile file(state.CurrentFilename);
+        EXPECT_TRUE(file.open(QFile::ReadOnly));
+        return qFromBigEndian<quint32>(file.read(28).constData() + 24);
+    }
+    ComboBox& combo = Get<ComboBox>("cmbMatrixResponses");
+};
+
+TEST_F(Scales, ANewScaleIsWrittenAtOnceAndOfferedLast) {
+    SurveyOf({Matrix});
+    ClickNode(1);
+    combo.SetListIndex(1);
+    const QString before = Combo();
+    EXPECT_TRUE(before.startsWith(
+        "Strongly agree/Agree/Neither agree nor disagree/Disagree/Strongly disagree|"));
+    EXPECT_EQ(combo.ItemData(0), 2) << "scale 1 is never offered";
+    const quint32 commits = Commits();
+    EXPECT_FALSE(Marks([&] {
+        EXPECT_EQ(MakeScale({"It's bad", "so so", "<good>"}, "cmdOK"),
+                  before + "|It's bad/so so/<good>");
+    }));
+    EXPECT_EQ(Combo(), before + "|It's bad/so so/<good>");
+    EXPECT_EQ(combo.ListIndex(), 1) << "the selection stays at its place";
+    EXPECT_EQ(Rows("SELECT g.name || p.pos || p.name FROM responsematrixgroup g "
+                   "JOIN responsematrix p ON p.ResponseMatrixGroupID = g.id ORDER BY p.id DESC "
+                   "LIMIT 3"),
+              "User Added2<good>|User Added1so so|User Added0It's bad");
+    EXPECT_EQ(Commits(), commits + 1) << "one batch";
+
+    EXPECT_EQ(MakeScale({"a", "b"}, "cmdCancel"), Combo());
+    MakeScale({""}, "cmdOK");
+    EXPECT_EQ(
+        dialogs.TakeTexts(),
+        QStringList({"No response text has been entered. Please enter some text to continue.",
+                     "No responses have been added. Please add some responses to continue."}));
+    EXPECT_EQ(Commits(), commits + 1);
+}
+
+TEST_F(Scales, AQuestionKeepsItsScaleOnlyWithSubQuestions) {
+    SurveyOf({Matrix, OpenEnded, Matrix});
+    ClickNode(1);
+    AddResponses("txtMatrixResponse", {"a"});
+    EXPECT_FALSE(Marks([&] { combo.SetListIndex(4); })) << "a scale alone marks nothing";
+    ClickNode(3);
+    combo.SetListIndex(3);
+    ClickNode(2);
+    document_.DoSave();
+    EXPECT_EQ(Rows("SELECT responseMatrixGroupID FROM response"), "6");
+    ClickNode(1);
+    EXPECT_EQ(combo.ListIndex(), 4);
+    ClickNode(3);
+    EXPECT_EQ(combo.ListIndex(), 4) << "shows a scale that the question does not hold";
+    EXPECT_EQ(Q(3).ResponseMatrixGroupID, 1);
+}
+
+TEST_F(Scales, FewerScalesThanBeforeAreAFailureOfTheOpening) {
+    SurveyOf({Matrix});
+    state.SurveyConnection.Run("DELETE FROM responsematrixgroup WHERE id > 4");
+    combo.SetListIndex(combo.ListCount() - 1);
+    Reopen();
+    const QString text = dialogs.TakeTexts().join("");
+    EXPECT_TRUE(text.startsWith("Unable to open ") && text.endsWith(". 5")) << text.toStdString();
+    Reopen(); // the box holds the new list now
+    EXPECT_EQ(combo.ListCount(), 3);
+}
+
+} // namespace
+} // namespace pollarix::test
