@@ -16,6 +16,9 @@ namespace pollarix {
 // Index of the built-in entry.
 inline constexpr std::int32_t BuiltInServer = -1;
 
+// What is said when GetServerEntry gives none.
+inline constexpr const char* NoServerEntry = "Error - unable to retrieve server information.";
+
 struct ServerEntry {
     QString name;
     QString url; // web root

@@ -1,6 +1,10 @@
 #include "web/WebCollectWizard.h"
 
-#include "web/CollectPages.h"
+#include "web/WizardServerPage.h"
+#include "web/WizardWelcomePage.h"
+#include "web/frmWizWebCollect_Download.h"
+#include "web/frmWizWebCollect_Login.h"
+#include "web/frmWizWebCollect_SelectSurvey.h"
 
 namespace pollarix {
 

@@ -2,7 +2,7 @@
 // survey. Lists and reports are left as they are; their own screens refresh them.
 #pragma once
 
-#include "web/WizardPage.h"
+#include "web/WebServices.h"
 
 namespace pollarix {
 

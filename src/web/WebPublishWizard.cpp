@@ -1,6 +1,10 @@
 #include "web/WebPublishWizard.h"
 
-#include "web/PublishPages.h"
+#include "web/WizardServerPage.h"
+#include "web/WizardWelcomePage.h"
+#include "web/frmWizWebPublish_Complete.h"
+#include "web/frmWizWebPublish_Login.h"
+#include "web/frmWizWebPublish_SurveyName.h"
 #include "web/frmWizWebPublish_Upload.h"
 
 namespace pollarix {
@@ -34,7 +38,7 @@ void WebPublishWizard::mnuDataPublishWeb_Click(QWidget* parent) {
             show(frmWizWebPublish_Upload(run, services_, publish_, parent));
             break;
         case 6:
-            show(frmWizWebPublish_Complete(run, services_.state, publish_, parent));
+            show(frmWizWebPublish_Complete(run, services_.state.dialogs, publish_, parent));
             break;
         default:
             return;

@@ -1,7 +1,7 @@
 // The wizard that takes the open survey to a survey server: login, document, upload, going live.
 #pragma once
 
-#include "web/WizardPage.h"
+#include "web/WebServices.h"
 
 namespace pollarix {
 

@@ -1,40 +1,26 @@
-// The frame that all pages of the two web wizards share: picture, heading text, Back, Next and
-// Cancel. What a page asks and does is in its own class.
+// The frame that all pages of the two web wizards share: picture, message, Back, Next and Cancel,
+// and what leaving a page means. What a page asks and does is in its own class.
 #pragma once
 
+#include <QByteArray>
 #include <QDialog>
 
-#include <functional>
+#include <cstdint>
+#include <memory>
 
-#include "document/ApplicationState.h"
-#include "document/SurveyViews.h"
-#include "web/modWebServer.h"
-#include "web/wininet.h"
+#include "platform/Dialogs.h"
 
-class QCheckBox;
 class QLabel;
-class QPlainTextEdit;
-class QProgressBar;
 class QPushButton;
-class QTimer;
 class QVBoxLayout;
 
 namespace pollarix {
-
-class ComboBox;
 
 // What the pages of a running wizard share with its loop.
 struct WizardRun {
     std::int16_t WizardStep = 1; // page now showing; 7 ends the loop
     bool WizardCancelled = false;
-};
-
-// What both wizards work with.
-struct WebServices {
-    ApplicationState& state;
-    const SurveyViews& views;
-    wininet& transfer;
-    modWebServer& server;
+    QByteArray place; // where the page before stood; the next one stands there as well
 };
 
 class WizardPage : public QDialog {
@@ -44,6 +30,7 @@ class WizardPage : public QDialog {
     // none). `step` is the page's number: the first has no Back, the last says Finish.
     WizardPage(WizardRun& run, const char* name, const QString& caption, const QString& message,
                int step, QWidget* parent);
+    ~WizardPage() override;
 
   protected:
     // Where the page's own controls go, below the message.
@@ -53,14 +40,21 @@ class WizardPage : public QDialog {
     // A critical message that keeps the user on the page.
     void Refuse(Dialogs& dialogs, const QString& message, QWidget* focus);
 
-    // Unloads the page, which returns to the loop.
-    void Leave();
     virtual void cmdNext_Click();
     void StepOn();   // WizardStep plus 1, leave
     void StepBack(); // WizardStep minus 1, leave
+    // Unloads the page, which returns to the loop.
+    void Leave();
+    bool HasLeft() const { return left_; }
+
+    // For work that lets the window live: a page left meanwhile vanishes at once, but the wizard's
+    // loop goes on only when the work has ended. Until then nothing takes keys or clicks, as if the
+    // page still stood before the other windows; boxes that the work shows do.
+    void SetWorking(bool working) { working_ = working; }
 
     // The window's X and the Esc key are Cancel.
     void reject() override;
+    void showEvent(QShowEvent* event) override;
 
     WizardRun& run_;
     QLabel* lblMessage_;
@@ -70,70 +64,9 @@ class WizardPage : public QDialog {
 
   private:
     QVBoxLayout* body_;
-};
-
-// Page 1 of both wizards.
-class WizardWelcomePage : public WizardPage {
-    Q_OBJECT
-  public:
-    // `showWelcome` becomes false when the page is left with its box unticked; nothing reads it.
-    WizardWelcomePage(WizardRun& run, const char* name, const QString& caption,
-                      const QString& heading, const QString& message, bool& showWelcome,
-                      QWidget* parent);
-
-  private:
-    void cmdNext_Click() override;
-    bool& showWelcome_;
-    QCheckBox* chkDisplayNext_;
-};
-
-// Page 2 of both wizards: the server, by its entry's number.
-class WizardServerPage : public WizardPage {
-    Q_OBJECT
-  public:
-    WizardServerPage(WizardRun& run, const char* name, const QString& message,
-                     ApplicationState& state, std::int16_t& serverIndex, QWidget* parent);
-
-  private:
-    void RefreshServerList();
-    void cmdAdd_Click();
-    void cmdNext_Click() override;
-    ApplicationState& state_;
-    std::int16_t& serverIndex_;
-    ComboBox* cboName_;
-};
-
-// A page whose work starts by itself, half a second after the page has loaded, so that the page is
-// on the screen first. Back and Cancel are live meanwhile: they leave the page, and the work goes
-// on to its end behind it.
-class WizardTimerPage : public WizardPage {
-    Q_OBJECT
-  public:
-    WizardTimerPage(WizardRun& run, const char* name, const QString& caption,
-                    const QString& message, int step, QWidget* parent);
-
-  protected:
-    virtual void Timer1_Timer() = 0;
-    QTimer* Timer1_;
-};
-
-// A timer page with a bar and messages.
-class WizardProgressPage : public WizardTimerPage {
-    Q_OBJECT
-  public:
-    WizardProgressPage(WizardRun& run, const char* name, const QString& caption,
-                       const QString& message, const QString& progressLabel, QWidget* parent);
-
-  protected:
-    // Empties messages and bar, and takes Next away.
-    void BeginProgress(int max);
-    // Adds a message, moves the bar on by one if it is not full, and lets the window live.
-    void UP(const QString& message);
-    // Next comes back and has the focus.
-    void OfferNext();
-
-    QProgressBar* ProgressBar1_;
-    QPlainTextEdit* txtMessages_;
+    bool left_ = false;
+    bool working_ = false;
+    std::unique_ptr<QObject> closedDoor_;
 };
 
 } // namespace pollarix

@@ -35,7 +35,6 @@ frmAddServer::frmAddServer(Settings& settings, Dialogs& dialogs, QWidget* parent
     cmdOK->setDefault(true);
     auto* const cmdCancel = new QPushButton("Cancel", this);
     cmdCancel->setObjectName("cmdCancel");
-    cmdCancel->setAutoDefault(false);
     connect(cmdOK, &QPushButton::clicked, this, [this] { RunHandler([this] { cmdOK_Click(); }); });
     connect(cmdCancel, &QPushButton::clicked, this,
             [this] { RunHandler([this] { cmdCancel_Click(); }); });
@@ -43,6 +42,7 @@ frmAddServer::frmAddServer(Settings& settings, Dialogs& dialogs, QWidget* parent
     buttons->addStretch(1);
     buttons->addWidget(cmdOK);
     buttons->addWidget(cmdCancel);
+    column->addSpacing(12);
     column->addStretch(1);
     column->addLayout(buttons);
     resize(420, sizeHint().height());

@@ -1,6 +1,7 @@
 #include "web/frmWizWebPublish_Upload.h"
 
-#include "platform/Failure.h"
+#include <exception>
+
 #include "platform/HourGlass.h"
 #include "web/ServerList.h"
 #include "web/SurveyXmlWriter.h"
@@ -19,10 +20,10 @@ void frmWizWebPublish_Upload::Timer1_Timer() {
         const HourGlass hourGlass;
         BeginProgress(9);
         done = Publish();
-    } catch (const Failure&) {
+    } catch (const std::exception&) {
         // Any failure ends the run with its closing word alone.
     }
-    // Handles of an upload that failed stay open until a later run or the program's end.
+    // The handles of an upload that failed stay open until a later run or the program's end.
     if (!done)
         UP("Failed.");
 }
@@ -32,9 +33,8 @@ bool frmWizWebPublish_Upload::Publish() {
     modWebServer& server = services_.server;
     const auto found = GetServerEntry(publish_.PublishServerIndex, services_.state.settings);
     if (!found) {
-        const QString text = "Error - unable to retrieve server information.";
-        UP(text);
-        dialogs.MsgBox(text, MsgIcon::Critical);
+        UP(NoServerEntry);
+        dialogs.MsgBox(NoServerEntry, MsgIcon::Critical);
         return false;
     }
     const ServerEntry& entry = *found;
@@ -106,8 +106,10 @@ std::optional<std::int16_t> frmWizWebPublish_Upload::SurveyOnServer(std::int16_t
 bool frmWizWebPublish_Upload::Upload(const QString& remoteName, const ServerEntry& entry) {
     wininet& transfer = services_.transfer;
     // Without a session there is no upload and no word of it; the server is asked all the same.
-    if (!transfer.Open())
+    if (!transfer.Open()) {
+        transfer.Close();
         return true;
+    }
     if (!transfer.Connect(entry.ftpServer, entry.ftpUser, entry.ftpPassword)) {
         const QString text = "FTP Connection error " + transfer.FtpErrorText(transfer.LastError());
         services_.state.dialogs.MsgBox(text, MsgIcon::Critical);

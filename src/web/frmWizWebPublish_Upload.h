@@ -4,6 +4,8 @@
 #include <optional>
 
 #include "web/WebPublishWizard.h"
+#include "web/WebServices.h"
+#include "web/WizardProgressPage.h"
 
 namespace pollarix {
 
@@ -17,7 +19,8 @@ class frmWizWebPublish_Upload : public WizardProgressPage {
 
   private:
     void Timer1_Timer() override;
-    // The run itself; false for an end by failure or refusal that has been told already.
+    // The run; false for an end by failure or by the user's No, told already. A survey that the
+    // server did not accept is an end without a failure.
     bool Publish();
     // The survey's id on the server, new or known; none when the run ends here.
     std::optional<std::int16_t> SurveyOnServer(std::int16_t user, const QString& url);

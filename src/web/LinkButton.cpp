@@ -1,0 +1,62 @@
+#include "web/LinkButton.h"
+
+#include <QStyleOptionFocusRect>
+#include <QStylePainter>
+#include <QUrl>
+
+#include "platform/OneLineDelegate.h"
+
+namespace pollarix {
+
+namespace {
+
+constexpr int NarrowestText = 12; // characters
+constexpr int Margin = 2;         // pixels
+
+bool IsWebAddress(const QString& text) {
+    const QUrl url(text.trimmed());
+    return url.isValid() && (url.scheme() == "http" || url.scheme() == "https") &&
+           !url.host().isEmpty();
+}
+
+} // namespace
+
+LinkButton::LinkButton(const QString& address, QWidget* parent)
+    : QPushButton(address, parent), isLink_(IsWebAddress(address)) {
+    setShortcut({}); // a "&" in an address is no key
+    setAccessibleDescription(address);
+    setToolTip(PlainToolTip(address));
+    setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Fixed);
+    if (!isLink_) {
+        setFocusPolicy(Qt::NoFocus);
+        return;
+    }
+    setCursor(Qt::PointingHandCursor);
+    QFont underlined = font();
+    underlined.setUnderline(true);
+    setFont(underlined);
+}
+
+QSize LinkButton::sizeHint() const {
+    return {fontMetrics().horizontalAdvance(text()) + 2 * Margin,
+            fontMetrics().height() + 2 * Margin};
+}
+
+QSize LinkButton::minimumSizeHint() const {
+    return {fontMetrics().averageCharWidth() * NarrowestText, sizeHint().height()};
+}
+
+void LinkButton::paintEvent(QPaintEvent*) {
+    const QRect field = rect().adjusted(Margin, Margin, -Margin, -Margin);
+    QStylePainter painter(this);
+    painter.setPen(palette().color(isLink_ ? QPalette::Link : QPalette::WindowText));
+    painter.drawText(field, Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine,
+                     fontMetrics().elidedText(text(), Qt::ElideMiddle, field.width()));
+    if (hasFocus()) {
+        QStyleOptionFocusRect focus;
+        focus.initFrom(this);
+        painter.drawPrimitive(QStyle::PE_FrameFocusRect, focus);
+    }
+}
+
+} // namespace pollarix
