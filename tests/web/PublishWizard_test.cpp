@@ -1,0 +1,324 @@
+// The publish wizard through its real pages, against the test server and a real FTP server.
+#include "web/WebPublishWizard.h"
+
+#include <QClipboard>
+#include <QFile>
+
+#include "WebWizard.h"
+#include "support/FtpServer.h"
+#include "support/Loopback.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+enum class Ftp { Works, WrongPassword, None, NoIncoming, Full, NoSession };
+
+// What differs from a first publish that goes well.
+struct PublishCase {
+    const char* name;
+    int told;            // so many of its messages come first,
+    QStringList further; // and these behind them
+    QString box;
+    const char* calls;                // which of its calls are made
+    const char* function = "Nothing"; // that is answered otherwise
+    ServerReply reply{};
+    Ftp ftp = Ftp::Works;
+};
+
+const QStringList Told = {"Creating local survey.",
+                          "Created local survey.",
+                          "Logging anna into Town hall.",
+                          "anna logged into Town hall.",
+                          "Checking for status of My survey.",
+                          "Creating new survey My survey.",
+                          "Survey successfully transfered.",
+                          "Asking server to accept new public survey.",
+                          "Server has published new survey at http://x.example/s?a=1&b=2.",
+                          "Success."};
+const QStringList Asked = {"GetWebUserID&param1=anna&param2=Sesame-93",
+                           "GetSurveyID&param1=My%20survey&param2=17",
+                           "CreateSurvey&param1=17&param2=My%20survey",
+                           "MoveNewSurvey&param1=17-8.xml&param2=8&param3=True&param4=17"};
+const QString Exists = "This survey already exists. Do you want to update it?";
+const QString WrongPassword =
+    "FTP Connection error Request to connect and login to an FTP server could not be completed "
+    "because the supplied password is incorrect. ";
+const QString NoConnection = "FTP Connection error The attempt to connect to the server failed.";
+
+const PublishCase Cases[] = {
+    {"AFirstSurvey", 10, {}, "", "0123"},
+    {"AnUpdate", 5, QStringList("Updating existing survey My survey.") + Told.mid(6), Exists, "013",
+     "GetSurveyID", ServerReply::Success("8")},
+    {"AnUpdateAnsweredNo",
+     5,
+     {"Cancelled survey update.", "Failed."},
+     Exists,
+     "01",
+     "GetSurveyID",
+     ServerReply::Success("8")},
+    {"ARefusedLogin",
+     3,
+     {"Unable to login. Error <b>No</b>", "Failed."},
+     "Unable to login. Error <b>No</b>",
+     "0",
+     "GetWebUserID",
+     {.body = "<b>No</b>"}},
+    {"AUserOfMinusOne",
+     3,
+     {"Unable to login. Error Success", "Failed."},
+     "Unable to login. Error Success",
+     "0",
+     "GetWebUserID",
+     ServerReply::Success("-1")},
+    {"AReplyCutShort", 3, {"Failed."}, "", "0", "GetWebUserID", {.body = "Success<br>17"}},
+    {"ARefusedCreation",
+     6,
+     {"Failed."},
+     "Unable to create survey. Error Too many",
+     "012",
+     "CreateSurvey",
+     {.body = "Too many"}},
+    {"AWrongFtpPassword",
+     6,
+     {WrongPassword, "Failed."},
+     WrongPassword,
+     "012",
+     "Nothing",
+     {},
+     Ftp::WrongPassword},
+    {"NoFtpServer", 6, {NoConnection, "Failed."}, NoConnection, "012", "Nothing", {}, Ftp::None},
+    {"NoDirectoryIncoming",
+     6,
+     {"Error (FtpSetCurrentDirectory) 12003", "Failed."},
+     "",
+     "012",
+     "Nothing",
+     {},
+     Ftp::NoIncoming},
+    {"AFullDiskThere",
+     6,
+     {"Error (FtpPutFile) 12003", "Failed."},
+     "",
+     "012",
+     "Nothing",
+     {},
+     Ftp::Full},
+    // Nothing is uploaded then, and nothing says so.
+    {"NoSession", 6, Told.mid(7), "", "0123", "Nothing", {}, Ftp::NoSession},
+    {"ARefusedSurvey",
+     8,
+     {"Error - server did not accept new survey. Not today"},
+     "",
+     "0123",
+     "MoveNewSurvey",
+     {.body = "Not today"}},
+};
+
+class Publish : public WebWizard, public testing::WithParamInterface<PublishCase> {
+  protected:
+    void AddTestServer(const QString& ftpHost, const QString& ftpPassword = FtpServer::Password()) {
+        AddServer({"Town hall", server.Url(), ftpHost, FtpServer::User(), ftpPassword},
+                  program.settings);
+    }
+    // Replies that come after those a test has given.
+    void AnswerTheRest() {
+        server.Answer("GetWebUserID", ServerReply::Success("17"));
+        server.Answer("GetSurveyID", {.body = "No such survey"});
+        server.Answer("CreateSurvey", ServerReply::Success("8"));
+        server.Answer("MoveNewSurvey", ServerReply::Success("http://x.example/s?a=1&b=2"));
+    }
+    // The pages up to the upload; by keyboard, as far as there is something to type.
+    void GoToUpload() {
+        On("frmWizWebPublish_Welcome", [](QDialog& page) {
+            for (int press = 0; press < 2; ++press) // the second one is one too many
+                page.findChild<QPushButton*>("cmdNext")->click();
+        });
+        Press("frmWizWebPublish_ServerType");
+        On("frmWizWebPublish_Login", [](QDialog& page) {
+            QTest::keyClicks(page.focusWidget(), "anna\t");
+            QTest::keyClicks(page.focusWidget(), Password);
+            QTest::keyClick(page.focusWidget(), Qt::Key_Return);
+        });
+        On("frmWizWebPublish_SurveyName", [](QDialog& page) {
+            QTest::keyClicks(page.focusWidget(), "My survey\t");
+            QTest::keyClick(page.focusWidget(), Qt::Key_Space);
+            QTest::keyClick(page.focusWidget(), Qt::Key_Return);
+        });
+    }
+    void RunWizard() {
+        Run([this] { wizard.mnuDataPublishWeb_Click(&window); });
+    }
+    QStringList Texts() { return dialogs.TakeTexts(); }
+
+    QWidget window;
+    WebPublishWizard wizard{services};
+};
+
+} // namespace
+
+TEST_P(Publish, TellsWhatHappensAndAsksTheServerNothingElse) {
+    const PublishCase& run = GetParam();
+    const FtpServer ftp({.withIncoming = run.ftp != Ftp::NoIncoming,
+                         .largestFile = run.ftp == Ftp::Full ? qint64(20000) : qint64(-1)});
+    AddTestServer(run.ftp == Ftp::None ? QString("127.0.0.1:%1").arg(FreePort()) : ftp.Host(),
+                  run.ftp == Ftp::WrongPassword ? "Rosebud-41" : FtpServer::Password());
+    server.Answer(run.function, run.reply);
+    AnswerTheRest();
+    if (run.box == Exists)
+        dialogs.answers = {run.told == 5 && run.further.size() > 2 ? MsgAnswer::Yes
+                                                                   : MsgAnswer::No};
+    program.state.CurrentSurvey.AddQ(QString(30000, 'x'), kind::OpenEnded, 1, 1);
+    internet.hasSession = run.ftp != Ftp::NoSession;
+    net.FtpHandle = 5; // left by a run that failed
+    QStringList calls;
+    for (const char* call = run.calls; *call; ++call)
+        calls << Asked[*call - '0'];
+    const QStringList messages = Told.mid(0, run.told) + run.further;
+    const bool done = messages.last() == "Success.";
+
+    GoToUpload();
+    On("frmWizWebPublish_Upload", [&](QDialog& page) {
+        ExpectTold(page, messages, 9, done);
+        Click(page, done ? "cmdNext" : "cmdCancel");
+    });
+    if (done)
+        Press("frmWizWebPublish_Complete");
+    RunWizard();
+
+    EXPECT_EQ(server.Calls(), calls);
+    EXPECT_EQ(Texts(), run.box.isEmpty() ? QStringList() : QStringList(run.box));
+    QFile document(program.Path("test.xml"));
+    ASSERT_TRUE(document.open(QIODevice::ReadOnly));
+    const bool accepted = calls.contains(Asked[3]);
+    EXPECT_EQ(ftp.File("incoming/17-8.xml") == document.readAll(),
+              accepted && run.ftp != Ftp::NoSession);
+    // An upload that is refused on its way never closes its handles.
+    if (accepted || run.ftp == Ftp::Full || run.ftp == Ftp::NoIncoming) {
+        EXPECT_EQ(net.FtpHandle == 0, accepted);
+        EXPECT_EQ(net.InternetHandle == 0, accepted);
+    }
+    EXPECT_FALSE((run.box + messages.join(' ')).contains(QRegularExpression("Sesame|Rosebud")));
+}
+
+INSTANTIATE_TEST_SUITE_P(Runs, Publish, testing::ValuesIn(Cases),
+                         [](const auto& run) { return run.param.name; });
+
+TEST_F(Publish, APageKeepsTheUserUntilItHasWhatItNeeds) {
+    AddServer({"", "http://x.example/", "", "", ""}, program.settings); // listed and not found
+    const QString noServer = "Error - unable to retrieve server information.";
+    GoToUpload();
+    On("frmWizWebPublish_Upload", [&](QDialog& page) {
+        EXPECT_EQ(Messages(page), QStringList({noServer, "Failed."}));
+        Click(page, "cmdBack");
+    });
+    Press("frmWizWebPublish_SurveyName", "cmdBack");
+    On("frmWizWebPublish_Login", [&](QDialog& page) {
+        Click(page, "cmdCreate");
+        EXPECT_EQ(Texts(), QStringList({noServer, noServer}));
+        Type(page, "txtPassword", "");
+        Click(page, "cmdNext");
+        EXPECT_EQ(Texts(), QStringList("No username/password has been entered. Please enter your "
+                                       "username and password, or press Create New Account to "
+                                       "continue."));
+        EXPECT_EQ(page.focusWidget()->objectName(), "txtName");
+        Click(page, "cmdBack");
+    });
+    // Another server from the dialog, which then comes up selected.
+    Press("frmWizWebPublish_ServerType", "cmdAdd");
+    On("frmAddServer", [&](QDialog& form) {
+        Type(form, "txtServerName", "Here");
+        Type(form, "txtServerURL", server.Url().chopped(1));
+        Type(form, "txtFTPServer", "127.0.0.1");
+        Click(form, "cmdOK");
+    });
+    Press("frmWizWebPublish_ServerType");
+    On("frmWizWebPublish_Login", [&](QDialog& page) {
+        Click(page, "cmdCreate");
+        EXPECT_EQ(dialogs.openedUrls, QStringList(server.Url() + "CreateAccount.php"));
+        Click(page, "cmdNext"); // what was typed at first is still there
+    });
+    On("frmWizWebPublish_SurveyName", [&](QDialog& page) {
+        EXPECT_TRUE(page.findChild<QAbstractButton*>("chkPublic")->isChecked());
+        Type(page, "txtName", "");
+        Click(page, "cmdNext");
+        EXPECT_EQ(Texts(), QStringList("No survey name has been entered. Please enter a name for "
+                                       "your survey to continue."));
+        Type(page, "txtName", "x");
+        Click(page, "cmdNext");
+        views.selected.reset(); // without a selected node there is no document
+    });
+    On("frmWizWebPublish_Upload", [&](QDialog& page) {
+        EXPECT_EQ(Messages(page), QStringList({Told[0], "Failed."}));
+        page.close(); // the window's X is Cancel
+    });
+    RunWizard();
+    EXPECT_EQ(server.Calls(), QStringList());
+}
+
+TEST_F(Publish, ARunThatIsLeftGoesOnToItsEndBehindClosedDoors) {
+    const FtpServer ftp;
+    AddTestServer(ftp.Host());
+    AnswerTheRest();
+    QPushButton button(&window);
+    int presses = 0;
+    QObject::connect(&button, &QPushButton::clicked, [&] { ++presses; });
+    window.show();
+    // In the midst of the run, and then whatever else one may press meanwhile.
+    const auto leave = [&](QDialog& page, auto press) {
+        press();
+        EXPECT_FALSE(page.isVisible());
+        EXPECT_LT(server.Calls().size(), Asked.size());
+        press();
+        QTest::mouseClick(&button, Qt::LeftButton);
+        QTest::keyClick(&button, Qt::Key_Space);
+        EXPECT_FALSE(window.close());
+    };
+    const char* upload = "frmWizWebPublish_Upload";
+    GoToUpload();
+    On(
+        upload, [&](QDialog& page) { leave(page, [&] { Click(page, "cmdBack"); }); }, Told[2]);
+    On("frmWizWebPublish_SurveyName", [&](QDialog& page) { // one step back, not two
+        EXPECT_EQ(server.Calls(), Asked);                  // the run had ended before
+        server.Forget();
+        Click(page, "cmdNext");
+    });
+    const auto escape = [](QDialog& page) { QTest::keyClick(&page, Qt::Key_Escape); };
+    On(
+        upload, [&](QDialog& page) { leave(page, [&] { escape(page); }); }, Told[5]);
+    RunWizard();
+    EXPECT_EQ(server.Calls(), Asked);
+    EXPECT_EQ(presses, 0);
+    QTest::mouseClick(&button, Qt::LeftButton); // the door is open again
+    EXPECT_EQ(presses, 1);
+    EXPECT_TRUE(window.close());
+}
+
+TEST_F(Publish, TheLastPageOffersTheAddressAsALinkOnlyIfItIsOne) {
+    const std::pair<const char*, bool> addresses[] = {{"http://x.example/s?a=1&b=2", true},
+                                                      {"HTTPS://x.example", true},
+                                                      {"javascript:alert(1)", false},
+                                                      {"file:///etc/passwd", false},
+                                                      {"www.x.example", false}};
+    const FtpServer ftp;
+    AddTestServer(ftp.Host());
+    for (const auto& [address, isLink] : addresses)
+        server.Answer("MoveNewSurvey", ServerReply::Success(address));
+    AnswerTheRest();
+    for (const auto& [address, isLink] : addresses) {
+        GoToUpload();
+        Press("frmWizWebPublish_Upload");
+        On("frmWizWebPublish_Complete", [&, url = QString(address)](QDialog& page) {
+            EXPECT_EQ(page.findChild<QPushButton*>("Label6")->text(), url);
+            Click(page, "Label6");
+            Click(page, "cmdCopy");
+            EXPECT_EQ(QApplication::clipboard()->text(), url);
+            EXPECT_EQ(Texts(), QStringList("URL copied to clipboard."));
+            QTest::keyClick(page.focusWidget(), Qt::Key_Escape);
+        });
+        RunWizard();
+        EXPECT_EQ(dialogs.openedUrls, isLink ? QStringList(address) : QStringList());
+        dialogs.openedUrls.clear();
+    }
+}

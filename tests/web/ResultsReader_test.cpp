@@ -1,0 +1,197 @@
+#include "web/ResultsReader.h"
+
+#include <QFile>
+
+#include <random>
+#include <utility>
+
+#include "support/NumberOf.h"
+#include "support/PrintQt.h"
+#include "support/SurveyFiles.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+class Results : public testing::Test {
+  protected:
+    Results() { program.state.SurveyConnection.Open(path); }
+
+    int Import(const QByteArray& bytes) {
+        QFile file(program.Path("3-7.txt"));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+        file.close();
+        return NumberOf([&] { DoLoadXML(program.state, file.fileName()); });
+    }
+    // What the file holds, respondents first; then it holds nothing.
+    QStringList Taken() {
+        QStringList rows = SqlRows(path, "SELECT id, source FROM respondent ORDER BY id", 2);
+        rows += SqlRows(path,
+                        "SELECT RespondentID, QuestionID, ResponseID, SimpleResponse, "
+                        "ResponseMatrixID FROM respondent_responses ORDER BY id",
+                        5);
+        RunSql(path, {"DELETE FROM respondent", "DELETE FROM respondent_responses",
+                      "DELETE FROM sqlite_sequence"});
+        return rows;
+    }
+    static QString Told(int count) {
+        return QString("Successfully imported %1 respondent(s).").arg(count);
+    }
+
+    TestState program;
+    QString path = program.BlankSurvey("survey.plxs");
+};
+
+// One record in one line, and one respondent's block.
+QByteArray Record(const QByteArray& question, const QByteArray& kind, const QByteArray& values) {
+    return "<r><DatabaseID>99</DatabaseID><QuestionNo>" + question + "</QuestionNo><QType>" + kind +
+           "</QType>" + values + "</r>\r\n";
+}
+QByteArray Block(const QByteArray& records) {
+    return "<userresponse>\r\n" + records + "</userresponse>\r\n";
+}
+QByteArray Values(std::initializer_list<const char*> values) {
+    QByteArray lines;
+    for (const char* value : values)
+        lines += "\r\n  <Response>" + QByteArray(value) + "</Response>";
+    return lines + "\r\n";
+}
+
+} // namespace
+
+TEST_F(Results, AnswersOfEveryKindBecomeRows) {
+    EXPECT_EQ(Import("<results>\r\n" +
+                     Block(Record("5", "0", "<text>Caf\xe9 <b> \x80</text>") +
+                           Record("6", "1", Values({"61", " 62 "})) +
+                           Record("7", "2", Values({"71", "72"})) +
+                           Record("8", "3", Values({"301,81", "302, 82 ,x"})) +
+                           Record("9", "4", Values({"91"})) + Record("10", " 2.0 ", "")) +
+                     "between\r\n" + Block(Record("5", "0", "")) +
+                     Block(Record("9", "4", ""))), // an instruction text makes a respondent as well
+              0);
+    EXPECT_EQ(Taken(),
+              QStringList({"1|Web", "2|Web", "3|Web", u"1|5|1|Caf\u00e9 <b> \u20ac|NULL"_qs,
+                           "1|6|61||NULL", "1|6|62||NULL", "1|7|71||NULL", "1|8|81||301",
+                           "1|8|82||302", "2|5|1||NULL"}));
+    ASSERT_EQ(program.dialogs.shown.size(), 1U);
+    EXPECT_EQ(program.dialogs.shown[0].icon, MsgIcon::Information);
+    EXPECT_EQ(program.dialogs.TakeTexts(), QStringList(Told(3)));
+    EXPECT_FALSE(program.state.FileChanged);
+}
+
+TEST_F(Results, LinesAreTakenAsTheyStand) {
+    const QByteArray good = Record("5", "1", Values({"51"}));
+    const QStringList taken = {"1|Web", "1|5|51||NULL"};
+    const QStringList none;
+    struct {
+        const char* what;
+        QByteArray bytes;
+        QStringList rows;
+        int failure = 0;
+    } const cases[] = {
+        {"nothing", "", none},
+        {"LF only", Block(good).replace("\r\n", "\n"), none},
+        {"no CR LF at the end", Block(good).chopped(2), taken},
+        {"no end of the record", Block(QByteArray(good).replace("</r>", "")) + Block(good), taken},
+        {"outside a block", good + "</userresponse>\r\n" + Block(good), taken},
+        {"tags outside a record", Block("<QType>x</QType>\r\n<Response>9</Response>\r\n" + good),
+         taken},
+        {"other case", Block(QByteArray(good).replace("QType", "qtype")), none},
+        {"no kind", Block(Record("5", "", "").replace("<QType></QType>", "")), none},
+        {"no question", Block(Record("", "1", Values({"51"}))), none},
+        {"no id", Block(QByteArray(good).replace(">99<", "><")), none},
+        {"value over two lines",
+         Block(QByteArray(good).replace("51<", "51\r\n<") + good),
+         {"1|Web", "1|5|51||NULL"}},
+        {"the last value wins",
+         Block("<r><QuestionNo>4</QuestionNo><QType>0</QType>\r\n<DatabaseID>1</DatabaseID>\r\n"
+               "<QuestionNo>5</QuestionNo>\r\n<QType>1</QType>\r\n<Response>51</Response></r>\r\n"),
+         taken},
+        {"a record does not open where one ends",
+         Block("<r>\r\n</r><r>" + Record("6", "1", Values({"61"})).mid(3) + good), taken},
+        {"a block in a block goes on with its respondent",
+         "<userresponse>\r\n" + good + Block(good),
+         {"1|Web", "1|5|51||NULL", "1|5|51||NULL"}},
+        {"same answers",
+         Block(good) + Block(good),
+         {"1|Web", "2|Web", "1|5|51||NULL", "2|5|51||NULL"}},
+        // Failures: what came before stays.
+        {"kind in words", Block(good + Record("5", "two", "")), taken, failure::TypeMismatch},
+        {"empty kind", Block(good + Record("5", "", "")), taken, failure::TypeMismatch},
+        {"kind too large", Block(good + Record("5", "9999999999", "")), taken, failure::Overflow},
+        {"matrix without a comma",
+         Block(good + Record("8", "3", Values({"7,41", "7"}))),
+         {"1|Web", "1|5|51||NULL", "1|8|41||7"},
+         failure::Subscript},
+        {"closing tag first", Block(good + "<r></text><text>\r\n"), taken,
+         failure::InvalidArgument},
+    };
+    for (const auto& [what, bytes, rows, failure] : cases) {
+        EXPECT_EQ(Import(bytes), failure) << what;
+        EXPECT_EQ(program.dialogs.TakeTexts(),
+                  failure ? QStringList() : QStringList(Told(rows.filter("|Web").size())))
+            << what;
+        EXPECT_EQ(Taken(), rows) << what;
+    }
+    for (const char* number : {"x", "", "5 6", "5.5", "0x5"}) {
+        EXPECT_NE(Import(Block(good) + Block(Record("5", "1", Values({"51", number})))), 0);
+        EXPECT_EQ(Taken(), QStringList({"1|Web", "2|Web", "1|5|51||NULL", "2|5|51||NULL"}))
+            << number;
+    }
+    EXPECT_EQ(NumberOf([&] { DoLoadXML(program.state, program.Path("none.txt")); }),
+              failure::FileNotFound);
+}
+
+TEST_F(Results, AnyBytesImportWhatIsWholeOrEndInOneOfTheKnownFailures) {
+    std::mt19937 random(62);
+    Connection& file = program.state.SurveyConnection;
+    const WriteBatch batch(file); // one write to the disk for all rounds
+    std::int64_t before = 0;
+    QByteArray good;
+    for (int i = 0; i < 4; ++i)
+        good += Block(Record("5", "0", "<text>text</text>") + Record("6", "1", Values({"61"})) +
+                      Record("8", "3", Values({"301,81", "302,82"})));
+    const QByteArray pieces[] = {"<r>",
+                                 "</r>",
+                                 "<userresponse>",
+                                 "</userresponse>",
+                                 "<QType>",
+                                 "</QType>",
+                                 "<Response>",
+                                 "</Response>",
+                                 "\r\n",
+                                 "\n",
+                                 "<",
+                                 ",",
+                                 "9",
+                                 "\xff",
+                                 QByteArray(1, 0),
+                                 QByteArray(5000, '<')};
+    for (int round = 0; round < 300; ++round) {
+        QByteArray bytes = good;
+        for (auto count = 1 + random() % 6; count > 0; --count) {
+            const auto at = static_cast<qsizetype>(random() % bytes.size());
+            if (random() % 2)
+                bytes.remove(at, static_cast<qsizetype>(random() % 40));
+            else
+                bytes.insert(at, pieces[random() % std::size(pieces)]);
+        }
+        const int number = Import(bytes);
+        const bool isKnown = number == 0 || number == failure::InvalidArgument ||
+                             number == failure::Overflow || number == failure::Subscript ||
+                             number == failure::TypeMismatch ||
+                             (number & 0xFF) == 19; // the database refuses a value
+        EXPECT_TRUE(isKnown) << number;
+        const std::int64_t respondents = file.Count("SELECT count(*) FROM respondent");
+        const std::int64_t made = std::exchange(before, respondents);
+        EXPECT_LE(respondents - made, 4 + bytes.count("</userresponse>"));
+        EXPECT_EQ(program.dialogs.TakeTexts(),
+                  number ? QStringList() : QStringList(Told(int(respondents - made))));
+    }
+    // Each respondent is one of the web, and each answer belongs to one.
+    EXPECT_EQ(file.Count("SELECT count(*) FROM respondent WHERE source <> 'Web'"), 0);
+    EXPECT_EQ(file.Count("SELECT count(*) FROM respondent_responses WHERE RespondentID NOT IN "
+                         "(SELECT id FROM respondent)"),
+              0);
+}

@@ -1,0 +1,100 @@
+#include "web/SurveyXmlWriter.h"
+
+#include <QFile>
+
+#include <random>
+
+#include "WebWizard.h"
+#include "platform/RichText.h"
+#include "platform/Windows1252.h"
+#include "support/NumberOf.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+class SurveyXml : public WebWizard {
+  protected:
+    QByteArray Written() {
+        QFile file(SurveyXmlPath(program.state));
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no document");
+    }
+    clsQ& Add(const QString& text, std::int32_t kind, int id, int scale) {
+        return *Survey().GetQ(Survey().AddQ(text, kind, id, scale));
+    }
+    clsSurvey& Survey() { return program.state.CurrentSurvey; }
+};
+
+const QByteArray Head = "<app>Pollarix</app>\r\n<user></user>\r\n<key></key>\r\n"
+                        "<version>1.4</version>\r\n";
+
+} // namespace
+
+TEST_F(SurveyXml, ASurveyOfEveryKindIsWrittenAsTheServerReadsIt) {
+    RunSql(path, {"DELETE FROM responsematrix WHERE ResponseMatrixGroupID IN (2, 3)",
+                  "INSERT INTO responsematrix (id, name, ResponseMatrixGroupID, pos) VALUES"
+                  "(301, 'So & so', 2, 1), (300, '<Good>', 2, 0), (302, NULL, 2, 2)"});
+    Add("{\\rtf1\\ansi What's \\b new\\b0 ?\\par Say\\tab more}", kind::OpenEnded, 11, 1)
+        .OpenEnded_NoOfRows = 0;
+    clsQ& check = Add("", kind::Check, 12, 1);
+    clsQ& radio = Add(u"Which? \u20ac \u0416\U0001F600"_qs, kind::Radio, -1, 1);
+    radio.AddResponse("Yes", 40, 11, Survey().GetQIndex(1)->Key); // jumps are not written
+    radio.AddResponse("a < b & \"c\"", -1, -1, "");
+    clsQ& matrix = Add("Rate", kind::Matrix, 14, 2);
+    matrix.AddResponse("Food", 50, -1, "");
+    matrix.AddResponse("", 51, -1, "");
+    Add("Rate again", kind::Matrix, 15, 3).AddResponse("x", 52, -1, "");
+    clsQ& text = Add("Read this", kind::Text, 16, 1);
+    text.QuestionNo = "7"; // an old number stays
+    text.AddResponse("never written", 60, -1, "");
+    check.OpenEnded_NoOfRows = -2;
+
+    DoSaveXML(program.state, views);
+    QFile byHand(POLLARIX_SOURCE_DIR "/tests/web/every-kind.txt"); // with LF alone
+    ASSERT_TRUE(byHand.open(QIODevice::ReadOnly));
+    EXPECT_EQ(Written(), byHand.readAll().replace("\n", "\r\n"));
+}
+
+TEST_F(SurveyXml, AFailureLeavesTheDocumentOfTheRunBefore) {
+    views.selected = "a key that no question has";
+    DoSaveXML(program.state, views);
+    EXPECT_EQ(Written(), Head);
+    Add("Rate", kind::Matrix, 1, 2).AddResponse("Food", 2, -1, "");
+
+    views.selected.reset();
+    EXPECT_EQ(NumberOf([&] { DoSaveXML(program.state, views); }), failure::NoObject);
+    EXPECT_EQ(Written(), Head);
+    views.selected = QString(RootKey);
+    RunSql(path, {"ALTER TABLE response RENAME TO elsewhere"});
+    EXPECT_NE(NumberOf([&] { DoSaveXML(program.state, views); }), 0);
+    EXPECT_EQ(Written(), Head);
+    RunSql(path, {"ALTER TABLE elsewhere RENAME TO response"});
+    DoSaveXML(program.state, views);
+    EXPECT_TRUE(Written().endsWith("</q>\r\n"));
+
+    Survey().ClearAll();
+    DoSaveXML(program.state, views); // a shorter one replaces it whole
+    EXPECT_EQ(Written(), Head);
+}
+
+TEST_F(SurveyXml, AnyTextIsWrittenAsItsPlainTextInOneByteEach) {
+    std::mt19937 random(61);
+    const QString pieces[] = {"{\\rtf1",  "\\par ",         "}",          "</q>", "\r\n",
+                              "\\u1078?", QString(QChar()), "<r>",        "&",    u"\u0416"_qs,
+                              "\\'e9",    QChar(0xD83D),    "\\bin9999 ", "text"};
+    for (int round = 0; round < 300; ++round) {
+        Survey().ClearAll();
+        QString text = round % 2 ? "{\\rtf1 " : "";
+        for (auto count = random() % 8; count > 0; --count)
+            text += pieces[random() % std::size(pieces)];
+        Add(text, kind::Radio, 1, 1).AddResponse(text, 2, -1, "");
+        DoSaveXML(program.state, views);
+        const QByteArray written = Written();
+        EXPECT_TRUE(written.startsWith(Head +
+                                       "<q>\r\n\t<DatabaseID>1</DatabaseID>\r\n\t<Question>" +
+                                       ToWindows1252(PlainTextOf(text)) + "</Question>\r\n"));
+        EXPECT_TRUE(written.contains("<Name>" + ToWindows1252(text) + "</Name>\r\n"));
+        EXPECT_TRUE(written.endsWith("</r>\r\n</q>\r\n"));
+    }
+}
