@@ -4,6 +4,7 @@
 #   scripts/install-dependencies.sh            for building and running
 #   scripts/install-dependencies.sh --screen   also for running where there is no screen
 #   scripts/install-dependencies.sh --tests    also for testing and for checking the sources
+#   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #
 # Debian 12 and its like: through apt-get, as root or through sudo. Elsewhere it says what is missing.
 set -euo pipefail
@@ -32,6 +33,7 @@ for group in "$@"; do
     case $group in
     --screen) packages+=(xvfb xauth openbox x11vnc) ;;
     --tests) packages+=(vsftpd xvfb xauth clang-format) ;;
+    --fresh-machine) packages=(debootstrap) ;;
     *)
         echo "$0: no such group of packages: $group" >&2
         exit 2
@@ -50,7 +52,11 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         pkg-config --exists "$module" 2>/dev/null || missing+=("$module")
     done
     for group in "$@"; do
-        [ "$group" = --screen ] && tools=(Xvfb xauth openbox x11vnc) || tools=(vsftpd)
+        case $group in
+        --screen) tools=(Xvfb xauth openbox x11vnc) ;;
+        --tests) tools=(vsftpd) ;;
+        *) tools=(debootstrap) ;;
+        esac
         for tool in "${tools[@]}"; do
             command -v "$tool" >/dev/null || missing+=("$tool")
         done
