@@ -15,13 +15,13 @@
 #include "design/picDesign.h"
 #include "platform/Handlers.h"
 #include "platform/Twips.h"
+#include "shell/Addresses.h"
+#include "shell/frmSplash.h"
 #include "web/SurveyXmlWriter.h"
 
 namespace pollarix {
 
 namespace {
-
-constexpr const char* SupportAddress = "support@pollarix.example";
 
 // The rules of resizing count with the window's outer size. Frame and menu differ from desktop to
 // desktop, so they count as one nominal height: what the rules leave free for them.
@@ -33,7 +33,8 @@ frmMain::frmMain(ApplicationState& state)
     : state_(state), document_(state, *this), files_(state, document_), work_(*this),
       detailedReport_(state, work_), paperSurvey_(state, work_), export_(state, work_),
       print_(state.dialogs, *this), transfer_(internet_), server_(transfer_, state.directories),
-      publish_({state, *this, transfer_, server_}), collect_({state, *this, transfer_, server_}) {
+      publish_({state, *this, transfer_, server_}), collect_({state, *this, transfer_, server_}),
+      helpKey_(help_), helpMenu_(state, help_, *this) {
     setObjectName("frmMain");
     setWindowTitle("Pollarix v1.12");
     setWindowIcon(QIcon(":/icons/pollarix.svg"));
@@ -92,6 +93,10 @@ void frmMain::Form_Load(const QString& commandLine) {
         SetupToolbar();
         LoadState = 3;
         setWindowState(windowState() | Qt::WindowMaximized);
+        LoadState = 4;
+        frmSplash().exec();
+        LoadState = 5;
+        help_.SetPath(state_.directories.InProgram("bhelp.qch"));
         LoadState = 6;
         state_.FileChanged = false;
         if (!commandLine.isEmpty())

@@ -16,6 +16,9 @@
 #include "document/SurveyDocument.h"
 #include "platform/Internet.h"
 #include "shell/FileCommands.h"
+#include "shell/HelpFile.h"
+#include "shell/HelpKey.h"
+#include "shell/HelpMenu.h"
 #include "web/WebCollectWizard.h"
 #include "web/WebPublishWizard.h"
 
@@ -47,6 +50,9 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     void ShowScreen(const QString& name);
 
     void AddBlankOpenEndedQuestion();
+
+    // The help that the menu and F1 open, set by Form_Load.
+    HelpFile& Help() { return help_; }
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -103,6 +109,9 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     modWebServer server_;
     WebPublishWizard publish_;
     WebCollectWizard collect_;
+    HelpFile help_;
+    HelpKey helpKey_;
+    HelpMenu helpMenu_;
 
     QWidget* canvas_ = nullptr;
     QFrame* picToolbar_ = nullptr;

@@ -151,6 +151,28 @@ void frmMain::BuildMenus() {
              Separator("mnuAnalyseSep1"),
              {"mnuAnalyseTotRespondents", "Total Respondents", QKeySequence("Ctrl+T"),
               [this] { picAnalyse_->mnuAnalyseTotRespondents_Click(); }}});
+
+    AddMenu("mnuHelp", "&Help",
+            {{"mnuHelpContents", "&Contents...", {}, [this] { helpMenu_.mnuHelpContents_Click(); }},
+             {"mnuHelpTipOfTheDay",
+              "Tip of the &Day...",
+              {},
+              [this] { helpMenu_.mnuHelpTipOfTheDay_Click(); }},
+             {"mnuHelpIndex", "&Index...", {}, [this] { helpMenu_.mnuHelpIndex_Click(); }},
+             {"mnuHelpSearch", "&Search...", {}, [this] { helpMenu_.mnuHelpSearch_Click(); }},
+             Separator("break2"),
+             Separator("break5"),
+             {"mnuHelpOnlineSupport",
+              "&Online Support",
+              {},
+              [this] { helpMenu_.mnuHelpOnlineSupport_Click(); }},
+             {"mnuHelpSendFeedback",
+              "Send &Feedback",
+              {},
+              [this] { helpMenu_.mnuHelpSendFeedback_Click(); }},
+             Separator("break"),
+             {"mnuAbout", "&About...", {}, [this] { helpMenu_.mnuAbout_Click(); }}});
+    findChild<QAction*>("break2")->setVisible(false);
 }
 
 void frmMain::BuildToolbars() {

@@ -17,6 +17,7 @@
 #include "platform/Handlers.h"
 #include "platform/RichTextBox.h"
 #include "platform/TreeView.h"
+#include "shell/Attendant.h"
 #include "shell/modDetectWindows.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -32,6 +33,7 @@ class MainWindowTest : public testing::Test {
     QueuedDialogs& dialogs = program.dialogs;
     std::unique_ptr<frmMain> window;
     std::vector<Failure> failures;
+    Attendant user; // sees the splash away
 
     MainWindowTest() {
         SetFailureReporter([this](const Failure& failure) { failures.push_back(failure); });
