@@ -3,6 +3,7 @@
 #include <QColorDialog>
 #include <QComboBox>
 #include <QDoubleValidator>
+#include <QEvent>
 #include <QFontComboBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
@@ -81,6 +82,12 @@ FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
     cboFontSize_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(cboFontSize_, &QComboBox::textActivated, this, [this] { ApplySize(); });
     connect(cboFontSize_->lineEdit(), &QLineEdit::returnPressed, this, [this] { ApplySize(); });
+    connect(cboFontSize_->lineEdit(), &QLineEdit::editingFinished, this,
+            &FormattingBar::ShowFormatSoon);
+    for (QComboBox* const box : {static_cast<QComboBox*>(cboFontName_), cboFontSize_}) {
+        box->setFocusPolicy(Qt::StrongFocus);
+        box->installEventFilter(this);
+    }
 
     auto* const row = new QHBoxLayout(this);
     row->setContentsMargins(0, 0, 0, 0);
@@ -179,6 +186,14 @@ void FormattingBar::Apply(const std::function<void()>& change) {
     ShowFormatSoon();
 }
 
+// Scrolling over a box on the way changes no format; only the box in use follows the wheel.
+bool FormattingBar::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::Wheel || static_cast<QWidget*>(watched)->hasFocus())
+        return QWidget::eventFilter(watched, event);
+    event->ignore();
+    return true;
+}
+
 // Once for all that happens in one turn of the event loop: while a survey is loaded the box shows
 // every question.
 void FormattingBar::ShowFormatSoon() {
@@ -197,7 +212,8 @@ void FormattingBar::ShowFormat() {
     cmdItalic_->setChecked(font.italic());
     cmdUnderline_->setChecked(font.underline());
     cmdBullets_->setChecked(box_.textCursor().currentList() != nullptr);
-    cboFontName_->setCurrentFont(font);
+    // The family alone: the box reads all fonts anew for each other font it is given.
+    cboFontName_->setCurrentFont(QFont(font.family()));
     cboFontSize_->setEditText(QString::number(font.pointSizeF()));
 }
 

@@ -25,6 +25,9 @@ class FormattingBar : public QWidget {
 
     QWidget* LastControl() const; // in the Tab key's order
 
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
   private:
     QToolButton* NewButton(const char* name, const char* icon, const QString& says);
     QToolButton* NewToggle(const char* name, const char* icon, const QString& says,

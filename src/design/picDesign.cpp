@@ -21,7 +21,7 @@ namespace {
 constexpr int Margin = 8;
 constexpr int Gap = 10; // between the columns
 constexpr int NarrowestLeft = 260;
-constexpr int WidestLeft = 480;
+constexpr int WidestLeft = 560;
 constexpr int LowestLibrary = 150;
 
 // What a question that is no matrix carries, and starts with if it becomes one.
@@ -81,6 +81,9 @@ void picDesign::LayOut(int statusBarHeight) {
     const int panelLeft = Margin + left + Gap;
     Place(*picQProperties_, panelLeft, top, width() - panelLeft - ToPixels(150),
           height() - top - statusBarHeight + ToPixels(300));
+    // With a low status bar the panel reaches beyond the screen's edge; its frame does not.
+    picQProperties_->setFrameRect(picQProperties_->rect() &
+                                  rect().adjusted(0, 0, 0, -1).translated(-picQProperties_->pos()));
 }
 
 void picDesign::LoadLibrary() {
