@@ -29,9 +29,11 @@ constexpr const char* ListRespondents =
     "SELECT id FROM respondent ORDER BY submitteddate DESC, id DESC";
 
 constexpr int Columns = 3;
-constexpr int DateWidth = 3500; // of columns 0 and 1 at the start, twips
+// Of the columns at the start, twips.
+constexpr int DateWidth = 3500;
 constexpr int SampleWidth = 1600;
-constexpr int RoomBesideDate = 12; // pixels
+constexpr int SourceWidth = 1600;
+constexpr int RoomBesideText = 12; // pixels
 constexpr int Margin = ToPixels(120);
 constexpr int Gap = ToPixels(90);
 
@@ -103,7 +105,7 @@ void picRespondentList::PrepareGrid() {
 
 void picRespondentList::WriteHeads() {
     constexpr const char* heads[] = {"Date and Time", "Sample Response", "Originated From"};
-    constexpr int widths[] = {DateWidth, SampleWidth, 1600};
+    constexpr int widths[] = {DateWidth, SampleWidth, SourceWidth};
     for (int col = 0; col < Columns; ++col) {
         gRespondents_->SetTextMatrix(0, col, heads[col]);
         gRespondents_->SetColAlignment(col, 1);
@@ -136,14 +138,16 @@ void picRespondentList::FitSample() {
     WidenSample(400);
 }
 
-// The start width suits the dates of most locales in most fonts, but not of all.
-void picRespondentList::FitDates() {
-    if (gRespondents_->ColWidth(0) != DateWidth)
-        return;
-    const int needed = ToTwips(LongestDate(gRespondents_->fontMetrics()) + RoomBesideDate);
-    if (needed <= DateWidth)
-        return;
-    gRespondents_->SetColWidth(0, needed);
+// The start widths suit most locales in most fonts, but not all.
+void picRespondentList::FitTexts() {
+    const QFontMetrics font = gRespondents_->fontMetrics();
+    const auto fit = [this](int col, int startWidth, int pixels) {
+        const int needed = ToTwips(pixels + RoomBesideText);
+        if (gRespondents_->ColWidth(col) == startWidth && needed > startWidth)
+            gRespondents_->SetColWidth(col, needed);
+    };
+    fit(0, DateWidth, LongestDate(font));
+    fit(2, SourceWidth, font.horizontalAdvance(gRespondents_->TextMatrix(0, 2)));
     FitSample();
 }
 
@@ -156,18 +160,19 @@ void picRespondentList::LayOut(int windowWidth, int windowHeight, int visibleHei
 
     const int gridTop = comboHeight + Gap;
     const int gridWidth = windowWidth - ToPixels(500);
-    const int gridHeight = windowHeight - gridTop - ToPixels(3500);
+    // What is taken off leaves room for the buttons below, but in a large font not enough.
+    const QSize button = cmdCreateResponse_->sizeHint();
+    const int gridHeight = qMin(windowHeight - gridTop - ToPixels(3500),
+                                visibleHeight - gridTop - button.height() - 2 * Gap);
     if (gridWidth > 0 && gridHeight > 0)
         gRespondents_->setGeometry(Margin, gridTop, gridWidth, gridHeight);
     FitSample();
 
     int left = Margin;
-    const QSize button = cmdCreateResponse_->sizeHint();
-    const int top =
-        qMin(gRespondents_->geometry().bottom() + 1 + Gap, visibleHeight - button.height());
-    for (QPushButton* button : {cmdCreateResponse_, cmdEditResponse_, cmdDeleteResponse_}) {
-        button->setGeometry(QRect({left, top}, button->sizeHint()));
-        left += button->width() + Gap;
+    const int top = gRespondents_->geometry().bottom() + 1 + Gap;
+    for (QPushButton* placed : {cmdCreateResponse_, cmdEditResponse_, cmdDeleteResponse_}) {
+        placed->setGeometry(QRect({left, top}, placed->sizeHint()));
+        left += placed->width() + Gap;
     }
 }
 
@@ -239,7 +244,7 @@ void picRespondentList::FillList(std::int64_t Row, std::int64_t RespondentID) {
         ids.push_back(row.Integer(0));
 
     if (!ids.empty())
-        FitDates();
+        FitTexts();
     const RedrawOff redrawOff(*gRespondents_);
     listedFile_ = state_.SurveyConnection.Path();
     gRespondents_->SetProvider([this](int row, int col) { return CellText(row, col); });

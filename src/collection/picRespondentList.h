@@ -58,7 +58,7 @@ class picRespondentList : public QWidget {
     void SetSampleWidth(int twips);
     void WidenSample(int rest); // by what the columns leave of the grid, less the rest; twips
     void FitSample();
-    void FitDates();
+    void FitTexts();
 
     void cboDCExampleQuestion_Click();
     void cmdCreateResponse_Click();
