@@ -17,14 +17,15 @@ import sys
 
 OPEN, CHECK, RADIO, MATRIX, INSTRUCTION = range(5)
 
-# Answer scales that blank.mdb brings along.
-QUALITY, LIKELIHOOD = 4, 7
+# An answer scale that blank.mdb brings along.
+QUALITY = 4
 
 RESPONDENTS = 320
 FIRST_DAY = datetime.date(2024, 5, 4)
 DAYS = 44
 
-# name: (kind, text, responses or sub questions, scale, {response: question jumped to})
+# name: (kind, text, responses or sub questions, scale, {response: question jumped to}). The summary
+# sorts by the number's text, so that nine numbers stand in their order there.
 QUESTIONS = {
     "welcome": (
         INSTRUCTION,
@@ -52,22 +53,15 @@ QUESTIONS = {
     "company": (
         RADIO, "Who did you come with?",
         ["Alone", "With a partner or friends", "With children", "With a group"], 1,
-        {"Alone": "again"}),
+        {"Alone": "liked"}),
     "people": (
         RADIO, "How many people were you, including yourself?",
         ["2", "3 or 4", "5 or more"], 1, {}),
-    "again": (
-        MATRIX, "How likely or unlikely are you to do each of the following?",
-        ["Visit the museum again", "Recommend the museum to others", "Become a member"],
-        LIKELIHOOD, {}),
     "liked": (OPEN, "What did you like most?", [], 1, {}),
     "better": (OPEN, "What could we do better?", [], 1, {}),
-    "about you": (
-        INSTRUCTION, r"{\b One last question} about yourself. It is, as all of them, voluntary.",
-        [], 1, {}),
-    "age": (
-        RADIO, "What is your age group?",
-        ["Under 18", "18 to 29", "30 to 44", "45 to 59", "60 or over"], 1, {}),
+    "thanks": (
+        INSTRUCTION,
+        r"{\b Thank you for your time.} We read every answer.", [], 1, {}),
 }
 
 LIKED = {
@@ -160,11 +154,11 @@ class Visitor:
         self.chance = chance
         # 0 is content with everything, 4 with nothing; most are content.
         self.mood = min(4.0, max(0.0, chance.normalvariate(1.0, 0.8)))
-        self.age = self.pick("age", (5, 17, 29, 26, 23))
+        self.age = chance.choices(("young", "grown up", "middle-aged", "old"), (22, 29, 26, 23))[0]
         self.company = self.pick(
-            "company", (4, 14, 2, 80) if self.age == "Under 18" else
-            (18, 40, 34, 8) if self.age == "30 to 44" else (26, 52, 8, 14))
-        self.first = self.pick("first", (30, 70) if self.age == "60 or over" else (52, 48))
+            "company", (14, 44, 2, 40) if self.age == "young" else
+            (18, 40, 34, 8) if self.age == "grown up" else (26, 52, 8, 14))
+        self.first = self.pick("first", (30, 70) if self.age == "old" else (52, 48))
         self.came_for = self.pick(
             "came for", (12, 30, 10, 40, 8) if self.company == "With children" else
             (30, 22, 26, 10, 12))
@@ -180,10 +174,10 @@ class Visitor:
     def heard(self):
         likely = {
             "Friends or family": 0.42, "Website": 0.31,
-            "Social media": 0.5 if self.age in ("Under 18", "18 to 29") else 0.14,
-            "Poster or newspaper": 0.38 if self.age in ("45 to 59", "60 or over") else 0.12,
+            "Social media": 0.5 if self.age == "young" else 0.14,
+            "Poster or newspaper": 0.38 if self.age in ("middle-aged", "old") else 0.12,
             "Tourist office": 0.3 if self.first == "Yes" else 0.05,
-            "School": 0.8 if self.age == "Under 18" else 0.04}
+            "School": 0.4 if self.age == "young" else 0.04}
         return [text for text, share in likely.items() if self.chance.random() < share]
 
     def people(self):
@@ -191,12 +185,13 @@ class Visitor:
             "With a partner or friends": (70, 26, 4), "With children": (24, 62, 14)
         }.get(self.company, (4, 18, 78)))
 
-    def rating(self, name, shifts):
-        """The points of a matrix by sub question; some leave a sub question out."""
-        points = {text: self.point(shift) for text, shift in zip(QUESTIONS[name][2], shifts)
-                  if self.chance.random() < 0.97}
-        self.ratings.update(points)
-        return points
+    def rating(self):
+        """The points of the matrix by sub question; some leave a sub question out."""
+        self.ratings = {
+            text: self.point(shift)
+            for text, shift in zip(QUESTIONS["rating"][2], (-0.5, 0.2, -0.6, 0.7, 0.4))
+            if self.chance.random() < 0.97}
+        return self.ratings
 
     def liked(self):
         if self.chance.random() < 0.35 + 0.1 * self.mood:
@@ -217,13 +212,11 @@ class Visitor:
             "often": lambda: self.pick("often", (46, 38, 16)),
             "heard": self.heard,
             "came for": lambda: self.came_for,
-            "rating": lambda: self.rating("rating", (-0.5, 0.2, -0.6, 0.7, 0.4)),
+            "rating": self.rating,
             "company": lambda: self.company,
             "people": self.people,
-            "again": lambda: self.rating("again", (-0.3, -0.4, 1.9)),
             "liked": self.liked,
             "better": self.better,
-            "age": lambda: self.age,
         }[name]()
 
 
