@@ -129,7 +129,7 @@ void SurveyDocument::ReadResponses() {
                 jumpID = Narrow16(row.Integer("LogicJumpToQuestionID"));
                 jumpKey = survey.GetKeyFromDatabaseID(jumpID);
             }
-            q->AddResponse(row.Text("name"), Narrow32(row.Integer("id")), jumpID, jumpKey);
+            q->AddResponse(row.NullToString("name"), Narrow32(row.Integer("id")), jumpID, jumpKey);
         }
         survey.SetQ(q->Key, q);
     }
@@ -227,14 +227,14 @@ void SurveyDocument::DoClose() {
     views_.tvTreeView_NodeClick(RootKey);
 }
 
-void SurveyDocument::mnuFileSave_Click() {
+bool SurveyDocument::mnuFileSave_Click() {
     if (EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive))
-        mnuFileSaveAs_Click();
-    else
-        DoSave();
+        return mnuFileSaveAs_Click();
+    DoSave();
+    return true;
 }
 
-void SurveyDocument::mnuFileSaveAs_Click() {
+bool SurveyDocument::mnuFileSaveAs_Click() {
     const QString old = state_.CurrentFilename;
     QString chosen = EndsInTmp(old, Qt::CaseSensitive) ? QString() : old;
     try {
@@ -245,7 +245,7 @@ void SurveyDocument::mnuFileSaveAs_Click() {
         request.promptOverwrite = true;
         chosen = state_.dialogs.ShowSave(request).fileName;
         if (chosen.isEmpty())
-            return;
+            return true;
         state_.SurveyConnection.Close();
         state_.CurrentFilename.clear();
         CopyFileOver(old, chosen);
@@ -254,16 +254,32 @@ void SurveyDocument::mnuFileSaveAs_Click() {
         DoSave();
         DoClose();
         DoOpen(chosen, true, 1);
+        return true;
     } catch (const Failure& failure) {
         if (failure.Number() == failure::DialogCancelled)
-            return;
+            return true;
         state_.dialogs.MsgBox("Unable to write to file " + chosen + " " + failure.Description() +
                                   " " + QString::number(failure.Number()) + " " + failure.Source(),
                               MsgIcon::Critical);
-        // Model and tree stay as they are. If the connection is open at this moment, the opening
-        // fails, and that failure reaches the caller.
+        // Model and tree stay as they are.
         state_.CurrentFilename = old;
+        ReopenAfterFailedCopy(old);
+        return false;
+    }
+}
+
+void SurveyDocument::ReopenAfterFailedCopy(const QString& old) {
+    const bool onTheCopy = state_.SurveyConnection.IsOpen();
+    try {
         state_.SurveyConnection.Open(old);
+    } catch (const Failure&) {
+        // A connection that is open makes the opening fail, and that failure reaches the caller.
+        // But the next save has to go where the name says.
+        if (onTheCopy) {
+            state_.SurveyConnection.Close();
+            state_.SurveyConnection.Open(old);
+        }
+        throw;
     }
 }
 
@@ -273,9 +289,8 @@ bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
     switch (state_.dialogs.MsgBox(SaveQuestion, MsgIcon::Question, MsgButtons::YesNoCancel)) {
     case MsgAnswer::Yes:
         if (EndsInTmp(state_.CurrentFilename, caseOfTmp))
-            mnuFileSaveAs_Click();
-        else
-            DoSave();
+            return mnuFileSaveAs_Click();
+        DoSave();
         return true;
     case MsgAnswer::No:
         return true;

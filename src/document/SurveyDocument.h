@@ -27,16 +27,20 @@ class SurveyDocument {
     // Empties the tree and detaches the file. The model keeps its questions until the next opening.
     void DoClose();
 
-    void mnuFileSave_Click();
-    void mnuFileSaveAs_Click();
+    // Both give false when the survey could not be written, which a message has told by then; a
+    // cancelled dialog gives true. They throw what DoSave throws, and what opening the old file
+    // again throws.
+    bool mnuFileSave_Click();
+    bool mnuFileSaveAs_Click();
 
     // The test for unsaved changes. A survey of one question whose editor is empty is never
     // changed, whatever the flag says: that is the untouched new survey.
     bool IsFileChanged() const;
 
     // The question before a survey is left: saves if the user says so. False when the user cancels
-    // what was asked for. A Save As that was cancelled does not stop it. `caseOfTmp` tells how the
-    // name's end is compared with ".tmp".
+    // what was asked for, or the survey could not be written: then it must not be left either. A
+    // Save As that was cancelled does not stop it. `caseOfTmp` tells how the name's end is compared
+    // with ".tmp".
     bool AskToSave(Qt::CaseSensitivity caseOfTmp);
 
   private:
@@ -44,6 +48,7 @@ class SurveyDocument {
     void ReadResponses();
     void WriteQuestions();
     void WriteResponses();
+    void ReopenAfterFailedCopy(const QString& old);
 
     ApplicationState& state_;
     SurveyViews& views_;

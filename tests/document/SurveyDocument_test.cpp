@@ -150,7 +150,7 @@ TEST_F(SurveyDocumentTest, OpeningFollowsTheFile) {
                   "('{\\rtf1 one\\par two}', NULL, 0, 2), ('text', '5', 4, 1), (NULL, '2', 1, 3), "
                   "('m', '3', 3, 4)",
                   "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
-                  "(4, 'second', 2, 5), (4, 'first', 1, 4)"});
+                  "(4, NULL, 2, 5), (4, 'first', 1, 4)"});
     document.DoOpen(path, true, 3);
     EXPECT_EQ(views.Texts(), QStringList({"Survey", "text", "one\r\ntwo", "2. ", "3. m"}));
     EXPECT_EQ(views.selected, Survey().GetQIndex(3)->Key);
@@ -158,6 +158,7 @@ TEST_F(SurveyDocumentTest, OpeningFollowsTheFile) {
     EXPECT_EQ(Survey().GetQIndex(3)->ResponseMatrixGroupID, 1);
     EXPECT_EQ(Survey().GetQIndex(4)->ResponseMatrixGroupID, 4);
     EXPECT_EQ(Survey().GetQIndex(4)->GetResponse(1)->Text, "first");
+    EXPECT_EQ(Survey().GetQIndex(4)->GetResponse(2)->Text, "");
     EXPECT_EQ(views.path, path);
 
     const QString key = Survey().GetQIndex(1)->Key;
@@ -288,6 +289,32 @@ TEST_F(SurveyDocumentTest, SaveAsCopiesTheFileAndWritesTheModelOverIt) {
     }
     document.mnuFileSave_Click();
     EXPECT_EQ(Questions(named), QStringList("1|changed|1|0|1|0"));
+}
+
+TEST_F(SurveyDocumentTest, ASaveAsThatFailsAfterTheCopyGoesOnWithTheOldFile) {
+    const QString old = OpenBlank();
+    const QString copy = program.Path("copy.plxs");
+    // The next question's id is beyond what the model holds.
+    RunSql(old, {"INSERT INTO sqlite_sequence (name, seq) VALUES ('question', 40000)"});
+    Add(0, "hello");
+    state.MarkFileChanged();
+    dialogs.fileNames = {{copy}};
+    EXPECT_THROW(document.mnuFileSaveAs_Click(), Failure); // the connection is open
+    EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith("Unable to write to file " + copy));
+    EXPECT_EQ(state.CurrentFilename, old);
+    EXPECT_EQ(state.SurveyConnection.Path(), old);
+    EXPECT_EQ(Survey().QCount, 1);
+
+    // Not left either: the user asked for its saving.
+    views.editor = "hello";
+    dialogs.answers = {MsgAnswer::Yes};
+    EXPECT_THROW(document.AskToSave(Qt::CaseSensitive), Failure);
+    state.CurrentFilename = program.Path("HC9.tmp");
+    dialogs.answers = {MsgAnswer::Yes};
+    dialogs.fileNames = {{program.Path("no/such/directory.plxs")}};
+    QFile::rename(old, state.CurrentFilename);
+    EXPECT_FALSE(document.AskToSave(Qt::CaseSensitive));
+    dialogs.TakeTexts();
 }
 
 TEST_F(SurveyDocumentTest, TheSaveQuestionIsAskedOnceAndObeyed) {
