@@ -12,6 +12,20 @@ namespace {
 
 constexpr int DivisionByZero = 11;
 
+// The order is that of the text: "10" comes before "2".
+constexpr const char* Questions = "SELECT question.id, question, qtype, questionno FROM question "
+                                  "WHERE qtype<>4 ORDER BY questionno, id";
+constexpr const char* Choices = "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos";
+constexpr const char* ChoiceCount = "SELECT COUNT(*) FROM respondent_responses WHERE "
+                                    "responseid = ? AND questionid = ?";
+constexpr const char* SubQuestions = "SELECT id, name, responseMatrixGroupID FROM response "
+                                     "WHERE questionid = ? ORDER BY pos";
+constexpr const char* Points = "SELECT id, name FROM ResponseMatrix WHERE "
+                               "responseMatrixGroupID = ? ORDER BY pos";
+// Limited to the sub question and the point, and not to the question.
+constexpr const char* PointCount = "SELECT COUNT(*) FROM respondent_responses WHERE "
+                                   "responseid = ? AND responseMatrixID = ?";
+
 class Builder {
   public:
     Builder(Connection& file, SummaryReport& report, std::int64_t responseID)
@@ -45,14 +59,9 @@ class Builder {
 
     void AddChoices(std::int64_t question) {
         ++R_;
-        for (Recordset row = file_.Execute(
-                 "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos", {question});
-             !row.AtEnd(); row.MoveNext()) {
+        for (Recordset row = file_.Execute(Choices, {question}); !row.AtEnd(); row.MoveNext()) {
             const std::int64_t id = row.Integer(0);
-            const std::int64_t count =
-                file_.Count("SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND "
-                            "questionid = ?",
-                            {id, question});
+            const std::int64_t count = file_.Count(ChoiceCount, {id, question});
             report_.AddEntry(Narrow32(count), -1);
             Write({PercentageText(count, report_.totals.all), "     " + row.NullToString(1), id});
             SelectIfAsked(id);
@@ -61,10 +70,8 @@ class Builder {
     }
 
     void AddMatrix(std::int64_t question) {
-        for (Recordset row = file_.Execute("SELECT id, name, responseMatrixGroupID FROM response "
-                                           "WHERE questionid = ? ORDER BY pos",
-                                           {question});
-             !row.AtEnd(); row.MoveNext()) {
+        for (Recordset row = file_.Execute(SubQuestions, {question}); !row.AtEnd();
+             row.MoveNext()) {
             const std::int64_t id = row.Integer(0);
             report_.AddEntry(0, id);
             ++R_;
@@ -80,16 +87,8 @@ class Builder {
 
     void AddPoints(std::int64_t response, const Recordset& row) {
         const DbValue group = row.IsNull(2) ? DbValue() : DbValue(row.Integer(2));
-        for (Recordset point = file_.Execute(
-                 "SELECT id, name FROM ResponseMatrix WHERE responseMatrixGroupID = ? "
-                 "ORDER BY pos",
-                 {group});
-             !point.AtEnd();) {
-            // Limited to the sub question and the point, and not to the question.
-            const std::int64_t count =
-                file_.Count("SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND "
-                            "responseMatrixID = ?",
-                            {response, point.Integer(0)});
+        for (Recordset point = file_.Execute(Points, {group}); !point.AtEnd();) {
+            const std::int64_t count = file_.Count(PointCount, {response, point.Integer(0)});
             Write({PercentageText(count, report_.totals.all), "          " + point.NullToString(1),
                    response});
             point.MoveNext();
@@ -123,6 +122,17 @@ QString PercentageText(std::int64_t count, std::int64_t total) {
     return GeneralNumber(std::nearbyint(share * 10) / 10) + '%';
 }
 
+void CheckSummary(Connection& file) {
+    file.Execute(Questions);
+    for (const char* sql : {Choices, SubQuestions, Points})
+        file.Execute(sql, {nullptr});
+    for (const char* sql : {ChoiceCount, PointCount})
+        file.Execute(sql, {nullptr, nullptr});
+    const bool nobody = file.Execute("SELECT source FROM respondent LIMIT 1").AtEnd();
+    if (nobody && !file.Execute("SELECT id FROM respondent_responses LIMIT 1").AtEnd())
+        ReadSummary(file, 1, 0); // divides by nobody for each answer that counts
+}
+
 SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID) {
     SummaryReport report;
     report.row = Row;
@@ -133,11 +143,7 @@ SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t Respo
     report.totals.imported = file.Count("SELECT count(*) FROM respondent WHERE source='Imported'");
 
     Builder builder(file, report, ResponseID);
-    // The order is that of the text: "10" comes before "2".
-    for (Recordset question =
-             file.Execute("SELECT question.id, question, qtype, questionno FROM question "
-                          "WHERE qtype<>4 ORDER BY questionno, id");
-         !question.AtEnd(); question.MoveNext())
+    for (Recordset question = file.Execute(Questions); !question.AtEnd(); question.MoveNext())
         builder.AddQuestion(question);
     if (report.row >= static_cast<std::int64_t>(report.rows.size()))
         report.row = static_cast<std::int64_t>(report.rows.size()) - 1;

@@ -47,6 +47,10 @@ struct SummaryReport {
 // Overflow for a response.id of a matrix beyond 16 bits, and what the database throws.
 SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID);
 
+// Throws what ReadSummary would throw for a file that lacks tables or columns, or that holds
+// answers of nobody, without counting.
+void CheckSummary(Connection& file);
+
 // "0.0%" for no answers; else the share rounded to one decimal, half to even, in the locale's
 // general number format with no zero added, and "%".
 QString PercentageText(std::int64_t count, std::int64_t total);

@@ -127,30 +127,18 @@ void picAnalyse::SelectFirstGraphStyle() {
 }
 
 void picAnalyse::RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID) {
-    pending_ = true;
-    pendingRow_ = Row;
-    pendingResponse_ = ResponseID;
-    if (isVisible()) {
-        FillGrid();
+    if (!isVisible()) {
+        CheckSummary(state_.SurveyConnection);
         return;
     }
-    // Hidden: a file that lacks the tables is still told at once.
-    for (const char* sql :
-         {"SELECT id FROM respondent LIMIT 1", "SELECT id FROM question LIMIT 1",
-          "SELECT id FROM response LIMIT 1", "SELECT id FROM respondent_responses LIMIT 1"})
-        state_.SurveyConnection.Execute(sql);
-}
-
-void picAnalyse::showEvent(QShowEvent* event) {
-    QWidget::showEvent(event);
-    if (pending_ && state_.SurveyConnection.IsOpen())
-        RunHandler([this] { FillGrid(); });
+    // What a failure leaves must not look like the counts of this survey.
+    summary_ = {};
+    gSummaryReport_->SetRows(1);
+    summary_ = ReadSummary(state_.SurveyConnection, Row, ResponseID);
+    FillGrid();
 }
 
 void picAnalyse::FillGrid() {
-    pending_ = false;
-    summary_ = {};
-    summary_ = ReadSummary(state_.SurveyConnection, pendingRow_, pendingResponse_);
     const SummaryTotals& totals = summary_.totals;
     lblTotalRespondents_->setText(QString::number(totals.all));
     lblTotalManualEntry_->setText(QString::number(totals.manualEntry));
@@ -160,7 +148,6 @@ void picAnalyse::FillGrid() {
     Grid& grid = *gSummaryReport_;
     grid.SetRedraw(false);
     const int rows = static_cast<int>(summary_.rows.size());
-    grid.SetRows(1);
     grid.SetRows(rows);
     for (int row = 1; row < rows; ++row) {
         grid.SetTextMatrix(row, 0, summary_.rows[row].percentage);
@@ -201,7 +188,9 @@ void picAnalyse::RefreshGraph() {
     ShowGraph(!graph.hidden);
     if (!graph.table)
         return;
-    c_->SetChartType(ChartTypeOfStyle(cboGraphStyle_->ListIndex()));
+    // After a start-up that failed no style is selected: the chart keeps its own.
+    if (cboGraphStyle_->ListIndex() != -1)
+        c_->SetChartType(ChartTypeOfStyle(cboGraphStyle_->ListIndex()));
     c_->SetChartData(*graph.table);
 }
 
@@ -249,6 +238,12 @@ void picAnalyse::SavePicture(const QImage& picture) {
     }
 }
 
+// The button stands on the chart's corner, where the last label would be.
+void picAnalyse::LeaveRoomForButton() {
+    const int covered = c_->geometry().bottom() + 1 - cmdExpand_->y();
+    c_->setContentsMargins(0, 0, 0, qMax(0, covered));
+}
+
 void picAnalyse::LayOut(int windowWidth, int windowHeight) {
     const auto place = [](QWidget* control, int left, int top, int width, int height) {
         // Too small for a value: the control stays as it was.
@@ -262,6 +257,7 @@ void picAnalyse::LayOut(int windowWidth, int windowHeight) {
     place(cmdExpand_, windowWidth - button.width() - ToPixels(350),
           windowHeight - button.height() - ToPixels(expanded ? 2700 : 2600), button.width(),
           button.height());
+    LeaveRoomForButton();
 
     place(picTitleAnalyse_, 0, 0, width(), ScreenTitleHeight);
     const int textLeft = ToPixels(1400);

@@ -30,8 +30,9 @@ class picAnalyse : public QWidget {
     void SelectFirstGraphStyle();
 
     // Rebuilds grid and totals. Row is the grid row to select, overridden by that of the response
-    // with ResponseID. While the screen is hidden the counting waits until it is shown, which is
-    // the same to everyone who sees it. Does not redraw the graph.
+    // with ResponseID. On the hidden screen nothing is counted, only what would fail is told: the
+    // screen is shown by a refresh alone, so nobody sees the grid before the next one. Does not
+    // redraw the graph. Throws what ReadSummary throws; the grid then shows no question.
     void RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID);
 
     void mnuAnalyseTotRespondents_Click();
@@ -41,12 +42,10 @@ class picAnalyse : public QWidget {
     // Lays out the whole window; set by it.
     std::function<void()> Form_Resize;
 
-  protected:
-    void showEvent(QShowEvent* event) override;
-
   private:
     void BuildTotals();
     void FillGrid();
+    void LeaveRoomForButton();
     void RefreshGraph();
     void ShowGraph(bool on);
     void cmdExpand_Click();
@@ -55,9 +54,6 @@ class picAnalyse : public QWidget {
 
     ApplicationState& state_;
     SummaryReport summary_;
-    bool pending_ = false; // a refresh waits for the screen to be shown
-    std::int64_t pendingRow_ = 1;
-    std::int64_t pendingResponse_ = 0;
 
     QLabel* picTitleAnalyse_;
     QLabel* lblInstructions_;

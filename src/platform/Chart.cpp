@@ -38,7 +38,7 @@ struct Chart::State {
     // drawing.
     ChartDrawing& Drawing() {
         if (!drawing)
-            drawing.emplace(Request(chart.size()));
+            drawing.emplace(Request(chart.contentsRect().size()));
         return *drawing;
     }
 
@@ -65,7 +65,7 @@ struct Chart::State {
     // The chart as it stands on the screen, in finer pixels.
     QImage PictureAsShown() {
         const qreal fineness = std::max(PictureFineness, std::ceil(chart.devicePixelRatioF()));
-        return Painted(Drawing(), chart.size(), fineness);
+        return Painted(Drawing(), chart.contentsRect().size(), fineness);
     }
 
     static QImage Painted(ChartDrawing& drawing, const QSize& size, qreal fineness) {
@@ -80,7 +80,7 @@ struct Chart::State {
 
     void ShowToolTip(const QHelpEvent& event) {
         const ChartPlan& plan = Drawing().Plan();
-        const int row = plan.empty ? -1 : plan.RowAt(event.pos());
+        const int row = plan.empty ? -1 : plan.RowAt(event.pos() - chart.contentsRect().topLeft());
         if (row < 0) {
             QToolTip::hideText();
             return;
@@ -147,6 +147,8 @@ bool Chart::event(QEvent* event) {
         state_->ShowToolTip(*static_cast<QHelpEvent*>(event));
         return true;
     }
+    if (event->type() == QEvent::ContentsRectChange)
+        state_->Changed();
     return QWidget::event(event);
 }
 
@@ -191,7 +193,11 @@ void Chart::keyPressEvent(QKeyEvent* event) {
 
 void Chart::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    if (contentsRect() != rect())
+        painter.fillRect(rect(), palette().base());
+    painter.translate(contentsRect().topLeft());
     state_->Drawing().Paint(painter);
+    painter.resetTransform();
     if (hasFocus()) {
         QStyleOptionFocusRect option;
         option.initFrom(this);

@@ -38,6 +38,7 @@ class Chart : public QWidget {
 
     ChartType chartType() const;
     void SetChartType(ChartType type);
+    // The contents margins stay free of the drawing, for a control that stands on the chart.
     // Shows exactly these rows; an empty table shows an empty chart that says there is no answer.
     void SetChartData(std::vector<ChartRow> rows);
     const std::vector<ChartRow>& ChartData() const;
