@@ -1,7 +1,6 @@
 #include "shell/MainBas.h"
 
 #include <QFileInfo>
-#include <QLocale>
 
 #include "document/ApplicationState.h"
 #include "platform/Application.h"
@@ -14,13 +13,10 @@ namespace pollarix {
 
 namespace {
 
-// A run-time failure that nothing caught. What was stored is safe: it is in the file named.
-void ReportFailure(ApplicationState& state, const Failure& failure) {
-    QString text = failure.Description() + "\n\n" + "Error " + QString::number(failure.Number()) +
-                   " (" + failure.Source() + ")";
-    if (failure.Source() == "SQLite" && !state.CurrentFilename.isEmpty())
-        text += "\n" + state.CurrentFilename;
-    state.dialogs.MsgBox(text, MsgIcon::Critical);
+// A full path, also of a file that was named from the directory one is in.
+QString CommandLine() {
+    const QString path = Application::arguments().mid(1).join(' ');
+    return path.isEmpty() ? path : QFileInfo(path).absoluteFilePath();
 }
 
 void FirstRun(ApplicationState& state, HelpFile& help) {
@@ -31,37 +27,66 @@ void FirstRun(ApplicationState& state, HelpFile& help) {
         help.ShowTopic(HelpFile::Tutorial);
 }
 
+int Run(QtDialogs& dialogs) {
+    Settings settings(Settings::DefaultDirectory());
+    ApplicationState state(Directories::OfThisProgram(), settings, dialogs);
+    SetFailureReporter([&state](const Failure& failure) {
+        state.dialogs.MsgBox(FailureText(failure, state.CurrentFilename), MsgIcon::Critical);
+    });
+
+    int code = 0;
+    {
+        frmMain window(state);
+        StartUp(state, window, CommandLine());
+        code = Application::exec();
+    }
+    SetFailureReporter({});
+    return code;
+}
+
 } // namespace
 
 void StartUp(ApplicationState& state, frmMain& window, const QString& commandLine) {
-    window.Form_Load(commandLine);
+    RunHandler([&] { window.Form_Load(commandLine); });
     window.show();
     // A file named on the command line gains the blank question at its end as well.
-    window.AddBlankOpenEndedQuestion();
-    if (ShowTipsAtStartup(state))
-        frmTip(state, &window).exec();
-    const QString firstRun =
-        state.settings.GetSetting(SettingsApplication, "Config", "FirstRun", "True");
-    state.settings.SaveSetting(SettingsApplication, "Config", "FirstRun", "False");
-    if (firstRun == "True")
-        FirstRun(state, window.Help());
+    RunHandler([&] { window.AddBlankOpenEndedQuestion(); });
+    RunHandler([&] {
+        if (ShowTipsAtStartup(state))
+            frmTip(state, &window).exec();
+    });
+    RunHandler([&] {
+        const QString firstRun =
+            state.settings.GetSetting(SettingsApplication, "Config", "FirstRun", "True");
+        state.settings.SaveSetting(SettingsApplication, "Config", "FirstRun", "False");
+        if (firstRun == "True")
+            FirstRun(state, window.Help());
+    });
+}
+
+QString FailureText(const Failure& failure, const QString& surveyFile) {
+    QString text = failure.Description();
+    if (failure.Source() == "SQLite" && !surveyFile.isEmpty()) {
+        text += "\n" + surveyFile;
+        if (!QFileInfo::exists(surveyFile))
+            text += "\nThe file is no longer there.";
+    }
+    return text +
+           QString("\n\nError %1 (%2)\n\nThe program goes on with all that you have entered.")
+               .arg(failure.Number())
+               .arg(failure.Source());
 }
 
 int Main(int& argc, char** argv) {
     Application application(argc, argv);
     QtDialogs dialogs;
-    Settings settings(Settings::DefaultDirectory());
-    ApplicationState state(Directories::OfThisProgram(), settings, dialogs);
-    SetFailureReporter([&state](const Failure& failure) { ReportFailure(state, failure); });
-
-    int code = 0;
-    {
-        frmMain window(state);
-        RunHandler([&] { StartUp(state, window, Application::arguments().mid(1).join(' ')); });
-        code = Application::exec();
+    try {
+        return Run(dialogs);
+    } catch (const Failure& failure) {
+        // Neither the user's directory nor the settings' can be made: there is nowhere to work in.
+        dialogs.MsgBox("Pollarix can't start. " + failure.Description(), MsgIcon::Critical);
+        return 1;
     }
-    SetFailureReporter({});
-    return code;
 }
 
 } // namespace pollarix

@@ -1,7 +1,9 @@
 // The main procedure: what runs when the program starts, in its order.
 #pragma once
 
-class QString;
+#include <QString>
+
+#include "platform/Failure.h"
 
 namespace pollarix {
 
@@ -14,7 +16,12 @@ int Main(int& argc, char** argv);
 
 // The steps of the main procedure on a main window that was just made: shows it, with the survey
 // that the command line names or a new one, then the tip of the day, then asks who starts the
-// program for the first time whether to open the tutorial.
+// program for the first time whether to open the tutorial. Throws nothing: a step that fails is
+// reported, and the next one is taken.
 void StartUp(ApplicationState& state, frmMain& window, const QString& commandLine);
+
+// What the box says of a run-time failure that no handler caught. One of the database names the
+// survey file, which is "" when none is open.
+QString FailureText(const Failure& failure, const QString& surveyFile);
 
 } // namespace pollarix

@@ -4,8 +4,9 @@
 #include <QCloseEvent>
 #include <QFile>
 #include <QFrame>
+#include <QGuiApplication>
 #include <QIcon>
-#include <QLabel>
+#include <QSessionManager>
 #include <QStatusBar>
 #include <QToolBar>
 
@@ -13,9 +14,11 @@
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
 #include "design/picDesign.h"
+#include "platform/Focus.h"
 #include "platform/Handlers.h"
 #include "platform/Twips.h"
 #include "shell/Addresses.h"
+#include "shell/PathLabel.h"
 #include "shell/frmSplash.h"
 #include "web/SurveyXmlWriter.h"
 
@@ -41,11 +44,13 @@ frmMain::frmMain(ApplicationState& state)
     state_.dialogs.SetDefaultParent(this);
     BuildPanels();
     BuildMenus();
+    BuildMenuKey();
     BuildToolbars();
     // Also where the first opening fails, questions can be added below it.
     AddRootNode();
     ShowScreen("Design");
     resize(1024, 740);
+    connect(qApp, &QGuiApplication::commitDataRequest, this, &frmMain::EndOfSession);
 }
 
 frmMain::~frmMain() {
@@ -72,12 +77,14 @@ void frmMain::BuildPanels() {
         line->setForegroundRole(QPalette::Mid);
     }
 
-    statusPath_ = new QLabel(this);
+    statusPath_ = new PathLabel(this);
     statusPath_->setObjectName("StatusBar");
     statusPath_->setAccessibleName("Path of the survey");
-    statusPath_->setTextFormat(Qt::PlainText);
-    statusBar()->addPermanentWidget(statusPath_, 1);
+    // Not as a permanent widget: the progress of long work takes its place meanwhile.
+    statusBar()->addWidget(statusPath_, 1);
     statusBar()->setSizeGripEnabled(false);
+    // The question panel reaches down by as much as the rules take for a status bar.
+    statusBar()->setMinimumHeight(ToPixels(300));
 }
 
 void frmMain::Form_Load(const QString& commandLine) {
@@ -135,12 +142,27 @@ bool frmMain::Form_Unload() {
     // A survey that long work is reading must not close under it.
     if (work_.IsRunning() || !document_.AskToSave(Qt::CaseInsensitive))
         return false;
-    if (!document_.IsFileChanged() && EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive)) {
+    // A file that could not be opened is none of this program's temporary surveys.
+    if (!document_.IsFileChanged() && EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive) &&
+        state_.SurveyConnection.IsOpen()) {
         const QString path = state_.CurrentFilename;
         state_.SurveyConnection.Close();
         QFile::remove(path);
     }
     return true;
+}
+
+void frmMain::EndOfSession(QSessionManager& session) {
+    bool save = true;
+    if (session.allowsInteraction()) {
+        RunHandler([&] {
+            save = false;
+            save = !work_.IsRunning() && document_.AskToSave(Qt::CaseInsensitive);
+        });
+        session.release();
+    }
+    if (!save)
+        session.cancel();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {
@@ -161,26 +183,54 @@ void frmMain::ShowScreen(const QString& name) {
     const bool analyse = name == "Analyse";
     if (!design && !collect && !analyse)
         return;
-    picDesign_->setVisible(design);
-    picCollect_->setVisible(collect);
-    picAnalyse_->setVisible(analyse);
     if (name == "Respondent")
         picCollect_->RespondentList().setVisible(true);
     else if (name == "Respondent Answers")
         picCollect_->RespondentList().setVisible(false);
+    const std::array<QWidget*, Screens> panels = ScreenPanels();
+    const std::size_t screen = design ? 0 : collect ? 1 : 2;
+    panels[screen]->setVisible(true);
+    MoveFocusTo(screen);
+    for (std::size_t i = 0; i < Screens; ++i)
+        panels[i]->setVisible(i == screen);
     ToolbarDesign_->setVisible(design);
     ShowChecks();
 }
 
+std::array<QWidget*, frmMain::Screens> frmMain::ScreenPanels() const {
+    return {picDesign_, picCollect_, picAnalyse_};
+}
+
+// A control that is hidden with its screen would keep the focus, and what is typed on the next
+// screen would change the question nobody sees.
+void frmMain::MoveFocusTo(std::size_t screen) {
+    const std::array<QWidget*, Screens> panels = ScreenPanels();
+    QWidget* const focus = focusWidget();
+    for (std::size_t i = 0; i < Screens; ++i)
+        if (i != screen && focus && panels[i]->isAncestorOf(focus))
+            screenFocus_[i] = focus;
+    QWidget* const panel = panels[screen];
+    if (focus && panel->isAncestorOf(focus))
+        return;
+    const auto takesFocus = [panel](const QWidget* control) {
+        return panel->isAncestorOf(control) && control->isVisible() && control->isEnabled() &&
+               (control->focusPolicy() & Qt::TabFocus);
+    };
+    QWidget* next = screenFocus_[screen];
+    if (!next || !takesFocus(next)) {
+        next = panel->nextInFocusChain();
+        while (next != panel && !takesFocus(next))
+            next = next->nextInFocusChain();
+    }
+    MoveFocusQuietly(*next);
+}
+
 void frmMain::ShowChecks() {
     const QList<QAction*> buttons = Toolbar_->actions();
-    const std::pair<QWidget*, QAction*> items[] = {{picDesign_, mnuViewDesign_},
-                                                   {picCollect_, mnuViewDataCollection_},
-                                                   {picAnalyse_, mnuViewAnalyse_}};
-    for (int i = 0; i < 3; ++i) {
-        const bool shown = !items[i].first->isHidden();
-        items[i].second->setChecked(shown);
-        buttons[i]->setChecked(shown);
+    for (std::size_t i = 0; i < Screens; ++i) {
+        const bool shown = !ScreenPanels()[i]->isHidden();
+        screenItems_[i]->setChecked(shown);
+        buttons[static_cast<qsizetype>(i)]->setChecked(shown);
     }
 }
 
@@ -198,6 +248,9 @@ void frmMain::mnuViewDataCollection_Click() {
         if (answer != MsgAnswer::Yes)
             return;
         document_.mnuFileSave_Click();
+        // Also a dialog that was cancelled, or a file that could not be written, leaves it unsaved.
+        if (document_.IsFileChanged())
+            return;
     }
     ShowScreen("Respondent");
     RefreshRespondentList();

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <QMainWindow>
+#include <QPointer>
 
+#include <array>
 #include <functional>
 #include <vector>
 
@@ -24,8 +26,8 @@
 
 class QAction;
 class QFrame;
-class QLabel;
 class QMenu;
+class QSessionManager;
 class QToolBar;
 
 namespace pollarix {
@@ -33,6 +35,7 @@ namespace pollarix {
 class picAnalyse;
 class picCollect;
 class picDesign;
+class PathLabel;
 
 class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay {
     Q_OBJECT
@@ -64,16 +67,22 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     void BuildPanels();
     void BuildMenus();
     void AddMenu(const char* name, const QString& caption, const std::vector<Entry>& entries);
+    void BuildMenuKey();
     void BuildToolbars();
     void SetupToolbar();
     void Form_Resize();
     bool Form_Unload(); // false keeps the window open
+    void EndOfSession(QSessionManager& session);
 
     void mnuViewDesign_Click();
     void mnuViewDataCollection_Click();
     void mnuViewAnalyse_Click();
     void Toolbar_ButtonClick(const QString& key);
     void ShowChecks(); // of menu and toolbar, by the screen that shows
+    // The panels of the three screens, in the toolbar's order.
+    static constexpr std::size_t Screens = 3;
+    std::array<QWidget*, Screens> ScreenPanels() const;
+    void MoveFocusTo(std::size_t screen);
     void mnuTextWriteXML_Click();
 
     // SurveyViews
@@ -122,10 +131,9 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     picDesign* picDesign_ = nullptr;
     picCollect* picCollect_ = nullptr;
     picAnalyse* picAnalyse_ = nullptr;
-    QLabel* statusPath_ = nullptr;
-    QAction* mnuViewDesign_ = nullptr;
-    QAction* mnuViewDataCollection_ = nullptr;
-    QAction* mnuViewAnalyse_ = nullptr;
+    PathLabel* statusPath_ = nullptr;
+    std::array<QAction*, Screens> screenItems_{};          // of the View menu
+    std::array<QPointer<QWidget>, Screens> screenFocus_{}; // each screen's control used last
 };
 
 } // namespace pollarix

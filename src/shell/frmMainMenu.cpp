@@ -3,6 +3,7 @@
 #include <QFrame>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 #include <QToolBar>
 #include <QToolButton>
 
@@ -98,10 +99,10 @@ void frmMain::BuildMenus() {
           [this] { mnuViewDataCollection_Click(); }},
          {"mnuViewAnalyse", "Analyze", QKeySequence("Shift+F3"),
           [this] { mnuViewAnalyse_Click(); }}});
-    mnuViewDesign_ = findChild<QAction*>("mnuViewDesign");
-    mnuViewDataCollection_ = findChild<QAction*>("mnuViewDataCollection");
-    mnuViewAnalyse_ = findChild<QAction*>("mnuViewAnalyse");
-    for (QAction* view : {mnuViewDesign_, mnuViewDataCollection_, mnuViewAnalyse_}) {
+    screenItems_ = {findChild<QAction*>("mnuViewDesign"),
+                    findChild<QAction*>("mnuViewDataCollection"),
+                    findChild<QAction*>("mnuViewAnalyse")};
+    for (QAction* view : screenItems_) {
         view->setCheckable(true);
         // The check shows the screen; a click that leads nowhere must not change it.
         connect(view, &QAction::triggered, this, [this] { ShowChecks(); });
@@ -175,6 +176,13 @@ void frmMain::BuildMenus() {
     findChild<QAction*>("break2")->setVisible(false);
 }
 
+// Opens the first menu, as on most desktops.
+void frmMain::BuildMenuKey() {
+    auto* key = new QShortcut(Qt::Key_F10, this);
+    connect(key, &QShortcut::activated, this,
+            [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });
+}
+
 void frmMain::BuildToolbars() {
     const auto bar = [this](const char* name) {
         auto* toolbar = new QToolBar(picToolbar_);
@@ -188,6 +196,7 @@ void frmMain::BuildToolbars() {
         button->setObjectName(key);
         button->setToolTip(key);
         connect(button, &QAction::triggered, this, [this, key] {
+            ShowChecks(); // before as well: the click may lead to a question first
             RunHandler([&] { Toolbar_ButtonClick(key); });
             ShowChecks();
         });

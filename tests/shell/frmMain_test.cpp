@@ -18,6 +18,7 @@
 #include "platform/RichTextBox.h"
 #include "platform/TreeView.h"
 #include "shell/Attendant.h"
+#include "shell/MainBas.h"
 #include "shell/modDetectWindows.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -165,6 +166,51 @@ TEST_F(MainWindowTest, StartUpFailuresSayTheStepAndTheProgramStaysUp) {
     EXPECT_TRUE(other.isVisible());
 }
 
+TEST_F(MainWindowTest, AfterAFileThatCannotBeOpenedOneGoesOn) {
+    // It ends like a temporary survey, but is somebody's letter.
+    const QString letter = program.Path("letter.tmp");
+    QFile file(letter);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("This is a letter and no survey.");
+    file.close();
+    Start(letter);
+    EXPECT_EQ(dialogs.TakeTexts().size(), 2);
+    EXPECT_TRUE(window->close());
+    EXPECT_TRUE(QFile::exists(letter));
+    window->show();
+
+    Type("Still here?");
+    EXPECT_EQ(TreeTexts(), QStringList({"Survey", "1. Still here?"}));
+    Menu("mnuViewAnalyse");
+    ASSERT_EQ(failures.size(), 1u); // no survey file is open
+    const QString path = program.BlankSurvey("good.plxs");
+    RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES ('a', '1', 2, 1)",
+                  "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
+                  "(1, 'yes', 1, 2)"});
+    dialogs.answers = {MsgAnswer::No};
+    dialogs.fileNames = {{path, 0}};
+    Menu("mnuFileOpen");
+    // The start-up never came to select a graph style; the graph is drawn all the same.
+    auto* grid = Find<Grid>("gSummaryReport");
+    ASSERT_EQ(grid->Rows(), 3);
+    grid->SetRow(2);
+    grid->Click();
+    EXPECT_TRUE(Find<Chart>("c")->isVisible());
+    dialogs.TakeTexts();
+
+    // A file of which a part can be read leaves what was read.
+    RunSql(path, {"ALTER TABLE response RENAME COLUMN name TO title"});
+    dialogs.fileNames = {{path, 0}};
+    Menu("mnuFileOpen");
+    EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith("Unable to open " + path + ". "));
+    EXPECT_EQ(TreeTexts(), QStringList({"Survey", "1. a"}));
+    EXPECT_EQ(Find<QLabel>("StatusBar")->text(), path);
+    Menu("mnuNew");
+    EXPECT_EQ(TreeTexts(), QStringList("Survey"));
+    EXPECT_EQ(grid->Rows(), 1);
+    EXPECT_EQ(failures.size(), 1u);
+}
+
 TEST_F(MainWindowTest, DataCollectionIsNeverReachedWithAnUnsavedDesign) {
     Start();
     Menu("mnuViewDataCollection"); // the untouched survey needs no question
@@ -185,8 +231,10 @@ TEST_F(MainWindowTest, DataCollectionIsNeverReachedWithAnUnsavedDesign) {
     EXPECT_FALSE(Find<QAction>("Data Collection")->isChecked());
 
     const QString path = program.Path("saved.plxs");
-    dialogs.answers = {MsgAnswer::Yes};
-    dialogs.fileNames = {{path, 0}};
+    dialogs.answers = {MsgAnswer::Yes, MsgAnswer::Yes};
+    dialogs.fileNames = {{"", 0}, {path, 0}};
+    Menu("mnuViewDataCollection"); // saving is cancelled
+    EXPECT_EQ(Screen(), "picDesign");
     QTest::mouseClick(button, Qt::LeftButton);
     EXPECT_EQ(Screen(), "picCollect");
     EXPECT_EQ(SqlRows(path, "SELECT questionno FROM question", 1), QStringList("1"));
@@ -199,6 +247,21 @@ TEST_F(MainWindowTest, DataCollectionIsNeverReachedWithAnUnsavedDesign) {
     EXPECT_FALSE(Find<QWidget>("picRespondentList")->isVisible());
     window->ShowScreen("Respondent");
     EXPECT_TRUE(Find<QWidget>("picRespondentList")->isVisible());
+}
+
+TEST_F(MainWindowTest, WhatIsTypedGoesToTheScreenThatShows) {
+    Start();
+    Type("abc");
+    auto* txtQ = Find<RichTextBox>("txtQ");
+    for (const char* screen : {"mnuViewAnalyse", "mnuViewDesign"}) {
+        Menu(screen);
+        QWidget* const focus = QApplication::focusWidget();
+        ASSERT_NE(focus, nullptr);
+        EXPECT_TRUE(focus->isVisible()) << screen;
+        QTest::keyClick(focus, Qt::Key_Backspace);
+    }
+    EXPECT_TRUE(txtQ->hasFocus()); // where one was before
+    EXPECT_EQ(txtQ->Text(), "ab");
 }
 
 TEST_F(MainWindowTest, TheEditMenuSendsKeysToTheFocusedControl) {
@@ -281,8 +344,49 @@ TEST_F(MainWindowTest, TheAnalyzeScreenCountsAndDraws) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(MainWindowTest, NoSizeMakesItFail) {
+TEST_F(MainWindowTest, EachSurveyIsCountedAnew) {
+    const auto survey = [&](const QString& name, const char* answer) {
+        const QString path = program.BlankSurvey(name);
+        RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
+                      "('a', '1', 2, 1)",
+                      "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
+                      "(1, 'yes', 1, 2)",
+                      "INSERT INTO respondent (source) VALUES ('Web')", answer});
+        dialogs.fileNames = {{path, 0}};
+        Menu("mnuFileOpen");
+        return path;
+    };
     Start();
+    auto* grid = Find<Grid>("gSummaryReport");
+    const char* yes = "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+                      "SimpleResponse) VALUES (1, 1, 1, '')";
+    survey("first.plxs", "DELETE FROM respondent_responses");
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(grid->TextMatrix(2, 0), "0.0%");
+    const QString second = survey("second.plxs", yes); // with the screen showing
+    EXPECT_EQ(grid->TextMatrix(2, 0), "100%");
+    Menu("mnuViewDesign");
+    survey("third.plxs", "DELETE FROM respondent");
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(grid->TextMatrix(2, 0), "0.0%");
+
+    // Answers of nobody can't be counted, and no other survey's counts stay on the screen.
+    RunSql(second, {"DELETE FROM respondent"});
+    for (const char* screen : {"mnuViewDesign", "mnuViewAnalyse"}) {
+        Menu(screen);
+        dialogs.fileNames = {{second, 0}};
+        Menu("mnuFileOpen");
+        EXPECT_EQ(dialogs.TakeTexts(),
+                  QStringList("Unable to open " + second + ". Division by zero. 11"));
+    }
+    EXPECT_EQ(grid->Rows(), 1);
+    ASSERT_EQ(failures.size(), 1u); // showing the screen counts as well
+    EXPECT_EQ(failures[0].Number(), 11);
+}
+
+TEST_F(MainWindowTest, NoSizeMakesItFail) {
+    const QString path = program.BlankSurvey("a name that is " + QString(150, 'l') + "ong.plxs");
+    Start(path);
     for (const QSize size : {QSize(10, 10), QSize(320, 200), QSize(3840, 2160), QSize(1024, 740)}) {
         window->resize(size);
         for (const char* screen : {"Design", "Respondent", "Analyse"}) {
@@ -295,6 +399,14 @@ TEST_F(MainWindowTest, NoSizeMakesItFail) {
     EXPECT_EQ(design->width(), window->width());
     EXPECT_LE(design->mapTo(window.get(), QPoint(0, design->height())).y(), window->height());
     EXPECT_TRUE(failures.empty());
+}
+
+TEST(MainBas, AFailureOfTheDatabaseNamesTheSurveyFile) {
+    const QString gone = "/no/such/survey.plxs";
+    const QString text = FailureText(Failure(5, "database is locked", "SQLite"), gone);
+    EXPECT_TRUE(text.startsWith("database is locked\n" + gone + "\nThe file is no longer there."));
+    EXPECT_TRUE(text.contains("Error 5 (SQLite)"));
+    EXPECT_FALSE(FailureText(Failure(failure::Overflow), gone).contains(gone));
 }
 
 TEST(modDetectWindows, VersionsAreToldApart) {
