@@ -68,6 +68,7 @@ void picTreeView::ReindexTreeQuestionNos() {
 
 TreeNode& picTreeView::MoveTo(const TreeNode& neighbour, TreeView::Relationship side,
                               TreeNode& moved) {
+    // Copies: the node itself goes.
     const QString key = moved.Key();
     const QString text = moved.Text();
     tvTreeView_->Remove(key);
