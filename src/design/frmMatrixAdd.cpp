@@ -46,6 +46,8 @@ frmMatrixAdd::frmMatrixAdd(ApplicationState& state, QWidget* parent)
     grid->addWidget(Label2, 2, 0, 1, 2);
     grid->addWidget(lstList_, 3, 0, 1, 2);
     grid->addLayout(buttons, 4, 0, 1, 2);
+    setTabOrder(txtName_, cmdAdd);
+    setTabOrder(cmdAdd, lstList_);
     resize(440, 340);
     txtName_->setFocus();
 }
