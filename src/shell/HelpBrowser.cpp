@@ -15,6 +15,8 @@ constexpr int Margin = 18; // around the text, in pixels
 HelpBrowser::HelpBrowser(QHelpEngineCore& engine, QWidget* parent)
     : QTextBrowser(parent), engine_(engine) {
     document()->setDocumentMargin(Margin);
+    // Always there, so that its coming does not take the pictures' room away.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     ApplyColours();
 }
 

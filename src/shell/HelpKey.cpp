@@ -30,7 +30,9 @@ HelpKey::HelpKey(HelpFile& help) : help_(help) {
 bool HelpKey::ShowTopicFor(const QWidget& control) {
     // Out of the control, then out of message boxes into the dialog they belong to.
     for (const QWidget* around = &control; around; around = around->parentWidget()) {
-        if (!around->objectName().isEmpty() && help_.ShowTopicOf(around->objectName()))
+        // The focus may still be on a screen that was left.
+        if (around->isVisible() && !around->objectName().isEmpty() &&
+            help_.ShowTopicOf(around->objectName()))
             return true;
         if (!around->isWindow())
             continue;

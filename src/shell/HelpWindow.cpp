@@ -14,6 +14,7 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStyle>
+#include <QTabBar>
 #include <QTabWidget>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -67,6 +68,12 @@ HelpWindow::HelpWindow(QHelpEngine& engine) : engine_(engine) {
     BuildToolbar();
     resize(1000, 700);
 
+    // Whoever calls up a tab wants to use it, but for who is walking along the tabs with the arrow
+    // keys.
+    connect(tabs_, &QTabWidget::currentChanged, this, [this](int tab) {
+        if (!tabs_->tabBar()->hasFocus())
+            InputOf(tab)->setFocus();
+    });
     connect(browser_, &QTextBrowser::sourceChanged, this, [this] { ShowPlaceInContents(); });
     connect(engine.contentModel(), &QHelpContentModel::contentsCreated, this, [this] {
         contents_->expandToDepth(0);
@@ -177,6 +184,14 @@ QWidget* HelpWindow::BuildSearch() {
         lblFound_->setText(FoundText(static_cast<qsizetype>(topics.size())));
     };
     return page;
+}
+
+QWidget* HelpWindow::InputOf(int tab) const {
+    if (tab == IndexTab)
+        return txtIndex_;
+    if (tab == SearchTab)
+        return txtSearch_;
+    return contents_;
 }
 
 QUrl HelpWindow::Address() const {

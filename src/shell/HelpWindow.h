@@ -40,6 +40,7 @@ class HelpWindow : public QMainWindow {
     QWidget* BuildContents();
     QWidget* BuildIndex();
     QWidget* BuildSearch();
+    QWidget* InputOf(int tab) const; // where one types or chooses in a tab
     void Open(const QUrl& address);
     void ShowPlaceInContents();
     void BringToFront();

@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QProcess>
+#include <QScrollBar>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTest>
@@ -163,7 +164,7 @@ TEST_F(HelpTest, PicturesFitTheWindowAndLinksStayInTheHelp) {
     for (const int width : {1400, 700}) {
         help.Window().resize(width, 600);
         QTest::qWait(20);
-        EXPECT_LE(browser->document()->size().width(), browser->viewport()->width()) << width;
+        EXPECT_EQ(browser->horizontalScrollBar()->maximum(), 0) << width;
     }
     for (const char* outside :
          {"https://www.pollarix.example/", "file:///etc/passwd", "nowhere.html"})
@@ -189,7 +190,8 @@ TEST(HelpKey, F1OpensTheTopicOfTheScreenAndOfTheDialogThatWaits) {
     EXPECT_EQ(page(), "design.html");
     EXPECT_TRUE(window.Help().Window().isVisible());
     window.ShowScreen("Analyse");
-    QTest::keyClick(&window, Qt::Key_F1);
+    window.activateWindow();
+    QTest::keyClick(window.focusWidget() ? window.focusWidget() : &window, Qt::Key_F1);
     EXPECT_EQ(page(), "analysis.html");
     // The keys that change screens are not taken.
     QTest::keyClick(&window, Qt::Key_F2, Qt::ShiftModifier);
