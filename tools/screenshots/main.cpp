@@ -5,6 +5,7 @@
 #include <QAbstractButton>
 #include <QAction>
 #include <QDir>
+#include <QFileInfo>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRadioButton>
@@ -60,8 +61,9 @@ class ObligingDialogs : public Dialogs {
 
 class Photographer {
   public:
-    Photographer(frmMain& window, QString help, QString documents)
-        : window_(window), help_(std::move(help)), documents_(std::move(documents)) {}
+    Photographer(ApplicationState& state, frmMain& window, QString help, QString documents)
+        : state_(state), window_(window), help_(std::move(help)), documents_(std::move(documents)) {
+    }
 
     void Tutorial();
     void Tour();
@@ -131,7 +133,8 @@ class Photographer {
         if (!picture.toImage().save(path, "PNG", 0))
             GiveUp("can't write " + path);
     }
-    static QPixmap Look(QWidget& widget, QRect part = {}) {
+    QPixmap Look(QWidget& widget, QRect part = {}) {
+        ShowReadablePath();
         QTest::qWait(Settle);
         return part.isNull() ? widget.grab() : widget.grab(part);
     }
@@ -144,8 +147,10 @@ class Photographer {
         Resize(HelpSize);
     }
     // A path that means something to a reader stands in the place of the temporary one.
-    void ShowReadablePath(const QString& name) {
-        Find<QLabel>("StatusBar").setText("/home/maria/surveys/" + name);
+    void ShowReadablePath() {
+        auto& path = Find<QLabel>("StatusBar");
+        if (!path.text().isEmpty())
+            path.setText("/home/maria/surveys/" + QFileInfo(path.text()).fileName());
     }
     // As who wants to read the whole date drags the columns' edges.
     void WidenDates() {
@@ -162,8 +167,9 @@ class Photographer {
             .intersected(window_.rect());
     }
 
-    void AnswerPages(const std::vector<int>& answers, bool photograph);
+    void AnswerPages(const std::vector<int>& answers, const char* words, bool photograph = false);
 
+    ApplicationState& state_;
     frmMain& window_;
     QString help_;
     QString documents_;
@@ -171,9 +177,10 @@ class Photographer {
 
 // Goes through the pages of the tutorial's survey: the response of question 1, how often the person
 // eats there; with 3, "Never", the jump leads to the last page.
-void Photographer::AnswerPages(const std::vector<int>& answers, bool photograph) {
+void Photographer::AnswerPages(const std::vector<int>& answers, const char* words,
+                               bool photograph) {
     InDialog([&] { Press("cmdCreateResponse"); },
-             [&, answers, photograph](QWidget& entry) {
+             [&, answers](QWidget& entry) {
                  const auto next = [&] { Press("cmdDCAnswersNext", &entry); };
                  const auto choose = [&](int place, auto* kind) {
                      using Button = std::remove_pointer_t<decltype(kind)>;
@@ -196,9 +203,7 @@ void Photographer::AnswerPages(const std::vector<int>& answers, bool photograph)
                      }
                      next();
                  }
-                 QTest::keyClicks(&Find<QWidget>("txtDCSimpleResponse", &entry),
-                                  answers[0] == 3 ? "Open in the evening."
-                                                  : "More dishes without meat, please.");
+                 QTest::keyClicks(&Find<QWidget>("txtDCSimpleResponse", &entry), words);
                  next();
              });
 }
@@ -241,12 +246,15 @@ void Photographer::Tutorial() {
              });
     Menu("mnuFileSave");
     Menu("mnuViewDataCollection");
-    AnswerPages({1, 1, 1, 2}, true);
-    AnswerPages({3}, false);
-    for (const auto& answers :
-         {std::vector{2, 1, 2, 2}, std::vector{1, 3, 1, 4}, std::vector{2, 1, 2, 3}})
-        AnswerPages(answers, false);
-    ShowReadablePath("cafeteria.plxs");
+    AnswerPages({1, 1, 1, 2}, "More dishes without meat, please.", true);
+    AnswerPages({3}, "Open in the evening.");
+    AnswerPages({2, 1, 2, 2}, "The queue at noon is long.");
+    AnswerPages({1, 3, 1, 4}, "Nothing. I like it as it is.");
+    AnswerPages({2, 1, 2, 3}, "Fresh fruit every day.");
+    // The same day at every run, so that pictures change only when the program does.
+    state_.SurveyConnection.Run(
+        "UPDATE respondent SET submitteddate = '2024-06-03 12:1' || id || ':40'");
+    Menu("mnuViewDataCollection");
     WidenDates();
     ForHelp("tutorial-respondents", window_);
     Menu("mnuViewAnalyse");
@@ -258,7 +266,6 @@ void Photographer::Tutorial() {
 void Photographer::Tour() {
     Resize(HelpSize);
     Menu("mnuFileOpen");
-    ShowReadablePath("museum-visit.plxs");
     ClickQuestion("4.");
     ForHelp("design", window_);
     ForDocuments("design-1024x768", {1024, 768});
@@ -318,7 +325,7 @@ void MakePictures(const QString& help, const QString& documents) {
         });
         frmMain window(state);
         StartUp(state, window, {});
-        Photographer photographer(window, help, documents);
+        Photographer photographer(state, window, help, documents);
         work(photographer);
     };
     withWindow([](Photographer& photographer) { photographer.Tutorial(); });
