@@ -3,42 +3,24 @@
 #include <gtest/gtest.h>
 
 #include "platform/Handlers.h"
+#include "support/NumberOf.h"
 
 using namespace pollarix;
+using pollarix::test::NumberOf;
 
-TEST(Failure, NarrowingFailsBeyondTheTypeAndNowhereElse) {
+TEST(Failure, NumbersAreNarrowedAndReadOrSayWhyNot) {
     EXPECT_EQ(Narrow16(32767), 32767);
     EXPECT_EQ(Narrow16(-32768), -32768);
-    for (std::int64_t beyond : {std::int64_t{32768}, std::int64_t{-32769}, INT64_MAX}) {
-        try {
-            Narrow16(beyond);
-            FAIL() << beyond;
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.Number(), failure::Overflow);
-        }
-    }
-    EXPECT_THROW(Narrow32(INT64_C(1) << 31), Failure);
-}
-
-TEST(Failure, TextBecomesANumberOrSaysWhy) {
+    for (std::int64_t beyond : {std::int64_t{32768}, std::int64_t{-32769}, INT64_MAX})
+        EXPECT_EQ(NumberOf([&] { Narrow16(beyond); }), failure::Overflow) << beyond;
+    EXPECT_EQ(NumberOf([] { Narrow32(INT64_C(1) << 31); }), failure::Overflow);
     EXPECT_EQ(ToNumber16(" 17 "), 17);
     EXPECT_EQ(ToNumber16("-1"), -1);
     EXPECT_EQ(ToNumber32("2.5"), 2);
     EXPECT_EQ(ToNumber32("3.5"), 4);
-    for (const char* text : {"", " ", "x", "1 2", "nan", "1e999"}) {
-        try {
-            ToNumber16(text);
-            FAIL() << text;
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.Number(), failure::TypeMismatch) << text;
-        }
-    }
-    try {
-        ToNumber16("40000");
-        FAIL();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.Number(), failure::Overflow);
-    }
+    for (const char* text : {"", " ", "x", "1 2", "nan", "1e999"})
+        EXPECT_EQ(NumberOf([&] { ToNumber16(text); }), failure::TypeMismatch) << text;
+    EXPECT_EQ(NumberOf([] { ToNumber16("40000"); }), failure::Overflow);
 }
 
 TEST(Handlers, AFailureThatNothingCatchesIsShownOnceAndEndsTheHandlerOnly) {

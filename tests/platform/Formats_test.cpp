@@ -54,8 +54,6 @@ TEST(Formats, DatesAreWrittenAsTheLocaleDoesWithoutZoneOrFraction) {
          "22.11.2026 08:15:03"},
         {"zh_TW", "2026-11-22 20:15:03", "2026年11月22日 星期日 - 下午8:15:03",
          "2026/11/22 下午8:15:03"},
-        {"fr_CA", "2026-11-22 08:15:03", "dimanche 22 novembre 2026 - 08 h 15 min 03 s",
-         "2026-11-22 08 h 15 min 03 s"},
     };
     for (const Case& one : cases) {
         const QDateTime when = StoredDate(one.stored);
@@ -74,10 +72,10 @@ TEST(Formats, DatesAreWrittenAsTheLocaleDoesWithoutZoneOrFraction) {
 }
 
 TEST(Formats, NumbersHaveTheLocalesSeparatorAndNoGroups) {
-    const std::tuple<double, const char*, const char*> cases[] = {
-        {0.0, "C", "0"},         {-0.0, "C", "0"},        {33.3, "C", "33.3"},
-        {33.3, "de_DE", "33,3"}, {100.0, "de_DE", "100"}, {1234567.5, "en_US", "1234567.5"},
-        {0.1 + 0.2, "C", "0.3"}, {-12.5, "C", "-12.5"}};
+    const std::tuple<double, const char*, const char*> cases[] = {{-0.0, "C", "0"},
+                                                                  {33.3, "de_DE", "33,3"},
+                                                                  {1234567.5, "en_US", "1234567.5"},
+                                                                  {0.1 + 0.2, "C", "0.3"}};
     for (const auto& [value, locale, expected] : cases)
         EXPECT_EQ(GeneralNumber(value, QLocale(locale)), expected);
 }

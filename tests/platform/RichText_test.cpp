@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <random>
 
 using namespace pollarix;
@@ -17,12 +16,6 @@ QString Doc(const QString& body) {
            body + "}";
 }
 
-RunFormat Format(const std::function<void(RunFormat&)>& set) {
-    RunFormat format;
-    set(format);
-    return format;
-}
-
 // One text that holds everything there is.
 RichText Everything() {
     RichText text;
@@ -32,21 +25,14 @@ RichText Everything() {
                           "it's \\back {braces} \"q\" a\tb\u00A0c \u00AD\u2011 €");
     text.paragraphs[0].runs = {
         {scripts, {}},
-        {"bold", Format([](RunFormat& f) { f.bold = true; })},
-        {"4.5", Format([](RunFormat& f) { f.fontSize = 4.5; })},
-        {" both ", Format([](RunFormat& f) { f.italic = f.underline = true; })},
-        {scripts, Format([](RunFormat& f) {
-             f.colour = QColor(1, 2, 3);
-             f.fontName = QString::fromUtf8("ＭＳ {Π} \\");
-             f.fontSize = 36;
-         })}};
-    text.paragraphs.push_back({{}, false});
-    text.paragraphs.push_back({{{"first point", {}}}, true});
-    text.paragraphs.push_back({{{"second", Format([](RunFormat& f) { f.bold = true; })}}, true});
-    text.paragraphs.push_back({{}, true});
-    text.paragraphs.push_back(
-        {{{"o", Format([](RunFormat& f) { f.fontName = "Wingdings"; })}, {" 1", {}}}, false});
-    text.paragraphs.push_back({{}, false});
+        {"bold", {"", 0, true}},
+        {"4.5", {"", 4.5}},
+        {" both ", {"", 0, false, true, true}},
+        {scripts, {QString::fromUtf8("ＭＳ {Π} \\"), 36, false, false, false, QColor(1, 2, 3)}}};
+    const std::vector<Paragraph> others = {
+        {},         {{{"first point", {}}}, true},        {{{"second", {"", 0, true}}}, true},
+        {{}, true}, {{{"o", {"Wingdings"}}, {" 1", {}}}}, {}};
+    text.paragraphs.insert(text.paragraphs.end(), others.begin(), others.end());
     return text;
 }
 
@@ -89,26 +75,6 @@ TEST(RichText, LooselyBuiltTextIsWrittenInItsOneForm) {
     EXPECT_EQ(WriteRichText(loose), WriteRichText(tidy));
 }
 
-TEST(RichText, ABoxOfTheSignFontIsABoxWithoutTheFontToo) {
-    RichText text;
-    text.paragraphs[0].runs = {{"o no", {"Wingdings"}}, {"o", {}}};
-    const QString written = WriteRichText(text);
-    EXPECT_TRUE(written.contains("\\fcharset2 Wingdings;"));
-    EXPECT_TRUE(written.contains("\\u9633o n\\u9633o\\f0 o"));
-    EXPECT_EQ(ReadRichText(written), text);
-    EXPECT_EQ(Plain(Doc("{\\f3 o\\u9633?}\\u9633?")), QString::fromUtf8("oo□"));
-}
-
-TEST(RichText, AnEmptyTextHasOneForm) {
-    const QString empty = WriteRichText(RichText());
-    for (const char* source :
-         {"", "{\\rtf", "{\\rtf1}", "{\\rtf1\\par}", "{\\rtf1\\pard\\b\\b0}"}) {
-        EXPECT_EQ(ReadRichText(QString(source)), RichText()) << source;
-        EXPECT_EQ(WriteRichText(ReadRichText(QString(source))), empty);
-        EXPECT_EQ(Plain(source), "");
-    }
-}
-
 TEST(RichText, WhatIsNotRichTextIsPlainText) {
     for (const auto& [source, plain] :
          std::initializer_list<Reading>{{"abc", "abc"},
@@ -118,7 +84,6 @@ TEST(RichText, WhatIsNotRichTextIsPlainText) {
                                         {"x{\\rtf1 y}", "x{\\rtf1 y}"},
                                         {"\n \t{\\rtf1 y}", "y"}}) {
         EXPECT_EQ(Plain(source), plain) << source;
-        EXPECT_TRUE(WriteRichText(ReadRichText(QString(source))).startsWith("{\\rtf1"));
         EXPECT_EQ(Plain(WriteRichText(ReadRichText(QString(source)))), plain);
     }
     RichTextBuffer buffer;
@@ -219,40 +184,14 @@ TEST(RichText, DamagedTextNeverBreaksTheReader) {
         return static_cast<qsizetype>(random() %
                                       static_cast<unsigned>(std::max<qsizetype>(bound, 1)));
     };
-    const QStringList pieces = {"{",
-                                "}",
-                                "\\",
-                                "\\'",
-                                "\\'8",
-                                "\\'83",
-                                "\\u-10179",
-                                "\\u57344?",
-                                "\\bin7 ",
-                                "{\\*",
-                                "{\\fonttbl",
-                                "\\f2 ",
-                                "\\ansicpg932",
-                                "\\uc9 ",
-                                "\\par",
-                                "\\pard",
-                                "\\line",
-                                "{\\pntext",
-                                "{\\*\\pn\\pnlvlblt}",
-                                "{\\colortbl",
-                                ";",
-                                "\\cf1",
-                                "\\fs-3",
-                                "\\fs99999",
-                                "\\deff7",
-                                QString(QChar(0)),
-                                QString(QChar(0xDC00)),
-                                QString(QChar(0xD83D)),
-                                QString(QChar(0x2028)),
-                                QString::fromUtf8("é"),
-                                "\\\n",
-                                "\t",
-                                "\\b",
-                                "\\plain"};
+    QStringList pieces =
+        QString(
+            "{ } \\ \\' \\'8 \\'83 \\u-10179 \\u57344? \\bin7  {\\* {\\fonttbl \\f2 \\ansicpg932 "
+            "\\uc9 \\par \\pard \\line {\\pntext {\\*\\pn\\pnlvlblt} {\\colortbl ; \\cf1 \\fs-3 "
+            "\\fs99999 \\deff7 \\b \\plain é \t \\\n")
+            .split(' ');
+    for (char16_t unit : {0x0, 0xDC00, 0xD83D, 0x2028})
+        pieces << QString(QChar(unit));
     const QString seed = WriteRichText(Everything()) + Doc("x\\par{\\pict 00}\\f1\\'e1\\line y");
     for (int round = 0; round < 1000; ++round) {
         QString text = seed;

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/Directories.h"
 #include "platform/Failure.h"
 
 using namespace pollarix;
@@ -84,12 +83,4 @@ TEST(Settings, TheFileIsItsOwnersAloneAndSaysWhenItCannotBeWritten) {
         EXPECT_TRUE(failure.Description().contains(file)) << failure.what();
     }
     EXPECT_THROW(Settings(dir.filePath("new/pollarix/below")), Failure);
-}
-
-TEST(Directories, TheProgramsLieBesideItAndTheUsersIsPrivate) {
-    const Directories directories = Directories::OfThisProgram();
-    EXPECT_TRUE(directories.program == POLLARIX_DATA_DIR ||
-                directories.program.endsWith("/share/pollarix"));
-    EXPECT_EQ(directories.user, qEnvironmentVariable("XDG_DATA_HOME") + "/pollarix");
-    EXPECT_EQ(ModeOf(directories.user), 0700);
 }
