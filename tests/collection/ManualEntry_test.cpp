@@ -198,90 +198,6 @@ TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
               QStringList({"1|1|2||46", "1|1|1||48", "1|3|4||46", "1|4|1||NULL", "1|5|5||47"}));
 }
 
-TEST_F(ManualEntry, RadioButtonsFollowTheKeys) {
-    OpenBlank();
-    Add(kind::Check, "Which?", {"x", "y"});
-    for (const char* text : {"Who?", "When?"})
-        Add(kind::Radio, text, {"a", "b", "c"});
-    Add(kind::Text, "Thank you", {});
-    document.DoSave();
-    ShowScreen();
-    Enter(AddOne, [&](EntryPage page) {
-        EXPECT_EQ(page.FocusedControl(), "chkDCCheck(0)");
-        page.Key(Qt::Key_Return);
-        EXPECT_EQ(page.FocusedControl(), "optDCRadio(0)"); // the box that had it is gone
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
-        page.Key(Qt::Key_Down); // moves the choice only where there is one
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
-        page.Key(Qt::Key_Space);
-        page.Key(Qt::Key_Down);
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({2}));
-        page.Key(Qt::Key_Return);
-        EXPECT_EQ(page.Question(), "3. When?");
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>());
-        page.Key(Qt::Key_Space);
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({0}));
-        page.Key(Qt::Key_Tab); // past the other buttons to the footer
-        EXPECT_EQ(page.FocusedControl(), "cmdDCAnswersPrevious");
-        page.Key(Qt::Key_Return); // the button one is on, not Next
-        EXPECT_EQ(page.Question(), "2. Who?");
-        EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({2}));
-        page.Next();
-        page.Next();
-        EXPECT_EQ(page.Question(), "Thank you");
-        page.Key(Qt::Key_Return);
-    });
-    EXPECT_EQ(Answers(), QStringList({"1|2|5||NULL", "1|3|6||NULL"}));
-}
-
-TEST_F(ManualEntry, AScaleWithoutPointsFailsAndTheWindowGoesOn) {
-    OpenBlank();
-    Add(kind::Matrix, "Empty", {"a"}, 99);
-    Add(kind::OpenEnded, "Then", {});
-    document.DoSave();
-    ShowScreen();
-    Enter(AddOne, [&](EntryPage page) {
-        EXPECT_EQ(failures, std::vector<int>({failure::InvalidArgument}));
-        EXPECT_EQ(page.Question(), "1. Empty");
-        EXPECT_TRUE(page.Matrix().isHidden());
-        page.Key(Qt::Key_Tab);
-        page.Next();
-        page.Type("Fine");
-        page.Previous();
-        EXPECT_EQ(failures.size(), 2u);
-        page.Next();
-        page.Next();
-    });
-    EXPECT_EQ(Answers(), QStringList("1|2|1|Fine|NULL"));
-    EXPECT_EQ(Column(1), QStringList("Fine"));
-    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
-}
-
-TEST_F(ManualEntry, PagesWithoutAnswersStoreNothingAndTakeOldAnswersAway) {
-    OpenBlank();
-    Add(kind::Check, "No boxes", {});
-    Add(kind::Radio, "No buttons", {});
-    Add(kind::Matrix, "No rows", {}, 11);
-    Add(kind::Text, "Text", {});
-    document.DoSave();
-    ShowScreen();
-    Enter(AddOne, [&](EntryPage page) {
-        for (int question = 1; question <= 4; ++question)
-            RunSql(path, {"INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID) "
-                          "SELECT 1, id, 1 FROM question WHERE id NOT IN "
-                          "(SELECT QuestionID FROM respondent_responses)"});
-        EXPECT_TRUE(page.Answer("chkDCCheck", 0).isHidden());
-        page.Key(Qt::Key_Return); // Next has the focus where nothing else can
-        EXPECT_TRUE(page.Answer("optDCRadio", 0).isHidden());
-        page.Key(Qt::Key_Return);
-        EXPECT_TRUE(page.Matrix().isHidden());
-        page.Next();
-        page.Next();
-    });
-    EXPECT_EQ(Answers(), QStringList());
-    EXPECT_EQ(failures, std::vector<int>());
-}
-
 TEST_F(ManualEntry, ASurveyWithoutQuestionsIsCompletedAtOnce) {
     OpenBlank();
     ShowScreen();
@@ -293,19 +209,4 @@ TEST_F(ManualEntry, ASurveyWithoutQuestionsIsCompletedAtOnce) {
               QStringList({"Error cmdDCAnswersNext_Click", "Survey completed."}));
     EXPECT_EQ(List().Rows(), 2);
     EXPECT_EQ(Column(1), QStringList("No Answer"));
-}
-
-TEST_F(ManualEntry, TypedTextComesBackAsItWas) {
-    OpenBlank();
-    Add(kind::OpenEnded, "What?", {});
-    document.DoSave();
-    const QString text =
-        QString::fromUtf8("Ça va\u00a0? 'It''s' \"ok\"; 好 \U0001F600\r\n\r\n end ");
-    state.SurveyConnection.Run("INSERT INTO respondent (source) VALUES ('Web')");
-    state.SurveyConnection.Run("INSERT INTO respondent_responses (RespondentID, QuestionID, "
-                               "ResponseID, SimpleResponse) VALUES (1, 1, 1, ?)",
-                               {text});
-    ShowScreen();
-    Enter(EditOne, [&](EntryPage page) { page.Next(); });
-    EXPECT_EQ(Answers(), QStringList("1|1|1|" + text + "|NULL"));
 }

@@ -1,6 +1,5 @@
 // The list of respondents: what it shows, what is selected, and when it reads.
 #include "CollectionScreen.h"
-#include "support/NumberOf.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -70,11 +69,6 @@ TEST_F(RespondentList, TheSampleQuestionIsKeptByPosition) {
     screen->RespondentList().RefreshRespondentList(1, 0);
     EXPECT_FALSE(Sample().isVisible());
     EXPECT_EQ(Column(1).count("No Answer"), 4);
-
-    RunSql(path, {"INSERT INTO question (qtype, pos) VALUES (0, 9)"});
-    screen->RespondentList().RefreshRespondentList(1, 0);
-    EXPECT_TRUE(Sample().isVisible());
-    EXPECT_EQ(Sample().Text(), ". ");
 }
 
 TEST_F(RespondentList, NothingSelectedNothingDone) {
@@ -120,34 +114,4 @@ TEST_F(RespondentList, AHiddenListReadsWhenItIsShown) {
     screen->show();
     EXPECT_TRUE(QTest::qWaitFor([&] { return List().Rows() == 4; }));
     EXPECT_EQ(List().RowData(List().Row()), 2);
-
-    screen->hide();
-    RunSql(path, {"ALTER TABLE respondent RENAME TO elsewhere"});
-    EXPECT_NE(NumberOf([&] { list.RefreshRespondentList(1, 0); }), 0);
-    screen->show();
-    QTest::qWait(10);
-    EXPECT_EQ(List().Rows(), 1);
-    EXPECT_EQ(failures, std::vector<int>());
-
-    state.SurveyConnection.Close();
-    EXPECT_EQ(NumberOf([&] { list.RefreshRespondentList(1, 0); }), failure::NoObject);
-}
-
-TEST_F(RespondentList, TheSampleColumnTakesWhatIsLeft) {
-    OpenBlank();
-    const auto layOut = [&](int width) {
-        screen->resize(width, 620);
-        screen->LayOut(width, 730);
-        return List().ColWidth(1);
-    };
-    ShowScreen();
-    EXPECT_EQ(List().ColWidth(0), 3500);
-    EXPECT_EQ(List().ColWidth(2), 1600);
-    const int wide = layOut(1900);
-    EXPECT_EQ(wide, (1900 - 33) * 15 - 3500 - 1600 - 400);
-    EXPECT_EQ(layOut(1000), wide - 900 * 15);
-    List().SetColWidth(1, 20000); // the user's own
-    EXPECT_EQ(layOut(1900), 20000 + (1900 - 33) * 15 - 3500 - 1600 - 20000 - 400);
-    List().SetColWidth(1, 26000);
-    EXPECT_EQ(layOut(1000), 26000);
 }

@@ -90,20 +90,10 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
         QStringList rows;
         int failure = 0;
     } const cases[] = {
-        {"nothing", "", none},
         {"LF only", Block(good).replace("\r\n", "\n"), none},
         {"no CR LF at the end", Block(good).chopped(2), taken},
         {"no end of the record", Block(QByteArray(good).replace("</r>", "")) + Block(good), taken},
-        {"outside a block", good + "</userresponse>\r\n" + Block(good), taken},
-        {"tags outside a record", Block("<QType>x</QType>\r\n<Response>9</Response>\r\n" + good),
-         taken},
         {"other case", Block(QByteArray(good).replace("QType", "qtype")), none},
-        {"no kind", Block(Record("5", "", "").replace("<QType></QType>", "")), none},
-        {"no question", Block(Record("", "1", Values({"51"}))), none},
-        {"no id", Block(QByteArray(good).replace(">99<", "><")), none},
-        {"value over two lines",
-         Block(QByteArray(good).replace("51<", "51\r\n<") + good),
-         {"1|Web", "1|5|51||NULL"}},
         {"the last value wins",
          Block("<r><QuestionNo>4</QuestionNo><QType>0</QType>\r\n<DatabaseID>1</DatabaseID>\r\n"
                "<QuestionNo>5</QuestionNo>\r\n<QType>1</QType>\r\n<Response>51</Response></r>\r\n"),
@@ -113,13 +103,8 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
         {"a block in a block goes on with its respondent",
          "<userresponse>\r\n" + good + Block(good),
          {"1|Web", "1|5|51||NULL", "1|5|51||NULL"}},
-        {"same answers",
-         Block(good) + Block(good),
-         {"1|Web", "2|Web", "1|5|51||NULL", "2|5|51||NULL"}},
         // Failures: what came before stays.
-        {"kind in words", Block(good + Record("5", "two", "")), taken, failure::TypeMismatch},
         {"empty kind", Block(good + Record("5", "", "")), taken, failure::TypeMismatch},
-        {"kind too large", Block(good + Record("5", "9999999999", "")), taken, failure::Overflow},
         {"matrix without a comma",
          Block(good + Record("8", "3", Values({"7,41", "7"}))),
          {"1|Web", "1|5|51||NULL", "1|8|41||7"},
@@ -134,7 +119,7 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
             << what;
         EXPECT_EQ(Taken(), rows) << what;
     }
-    for (const char* number : {"x", "", "5 6", "5.5", "0x5"}) {
+    for (const char* number : {"x", "", "5.5"}) {
         EXPECT_NE(Import(Block(good) + Block(Record("5", "1", Values({"51", number})))), 0);
         EXPECT_EQ(Taken(), QStringList({"1|Web", "2|Web", "1|5|51||NULL", "2|5|51||NULL"}))
             << number;
@@ -152,22 +137,12 @@ TEST_F(Results, AnyBytesImportWhatIsWholeOrEndInOneOfTheKnownFailures) {
     for (int i = 0; i < 4; ++i)
         good += Block(Record("5", "0", "<text>text</text>") + Record("6", "1", Values({"61"})) +
                       Record("8", "3", Values({"301,81", "302,82"})));
-    const QByteArray pieces[] = {"<r>",
-                                 "</r>",
-                                 "<userresponse>",
-                                 "</userresponse>",
-                                 "<QType>",
-                                 "</QType>",
-                                 "<Response>",
-                                 "</Response>",
-                                 "\r\n",
-                                 "\n",
-                                 "<",
-                                 ",",
-                                 "9",
-                                 "\xff",
-                                 QByteArray(1, 0),
-                                 QByteArray(5000, '<')};
+    QByteArrayList pieces = QByteArray("<r> </r> <userresponse> </userresponse> <QType> </QType> "
+                                       "<Response> </Response> < , 9 \xff")
+                                .split(' ');
+    pieces << "\r\n"
+           << "\n"
+           << QByteArray(1, 0) << QByteArray(5000, '<');
     for (int round = 0; round < 300; ++round) {
         QByteArray bytes = good;
         for (auto count = 1 + random() % 6; count > 0; --count) {
@@ -175,7 +150,7 @@ TEST_F(Results, AnyBytesImportWhatIsWholeOrEndInOneOfTheKnownFailures) {
             if (random() % 2)
                 bytes.remove(at, static_cast<qsizetype>(random() % 40));
             else
-                bytes.insert(at, pieces[random() % std::size(pieces)]);
+                bytes.insert(at, pieces[qsizetype(random() % 16)]);
         }
         const int number = Import(bytes);
         const bool isKnown = number == 0 || number == failure::InvalidArgument ||

@@ -28,13 +28,6 @@
 
 namespace pollarix::test {
 
-// No server can make a session fail to open.
-class TestInternet : public Internet {
-  public:
-    bool hasSession = true;
-    std::int32_t InternetOpen() override { return hasSession ? Internet::InternetOpen() : 0; }
-};
-
 class WebWizard : public testing::Test {
   protected:
     using Step = std::function<void(QDialog& page)>;
@@ -96,7 +89,7 @@ class WebWizard : public testing::Test {
     FakeViews views;
     QString path;
     SurveyServer server;
-    TestInternet internet;
+    Internet internet;
     wininet net{internet};
     modWebServer client{net, program.state.directories};
     WebServices services{program.state, views, net, client};
