@@ -173,16 +173,5 @@ TEST_F(Scales, AQuestionKeepsItsScaleOnlyWithSubQuestions) {
     EXPECT_EQ(Q(3).ResponseMatrixGroupID, 1);
 }
 
-TEST_F(Scales, FewerScalesThanBeforeAreAFailureOfTheOpening) {
-    SurveyOf({Matrix});
-    state.SurveyConnection.Run("DELETE FROM responsematrixgroup WHERE id > 4");
-    combo.SetListIndex(combo.ListCount() - 1);
-    Reopen();
-    const QString text = dialogs.TakeTexts().join("");
-    EXPECT_TRUE(text.startsWith("Unable to open ") && text.endsWith(". 5")) << text.toStdString();
-    Reopen(); // the box holds the new list now
-    EXPECT_EQ(combo.ListCount(), 3);
-}
-
 } // namespace
 } // namespace pollarix::test

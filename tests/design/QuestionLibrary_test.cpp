@@ -31,16 +31,6 @@ class QuestionLibrary : public DesignScreen {
     }
 };
 
-TEST_F(QuestionLibrary, ShowsCategoriesAndTextsInOrder) {
-    const auto& tree = Get<TreeView>("tvTreeLibrary");
-    QString shown;
-    for (int i = 1; i <= tree.Count(); ++i)
-        shown += tree.Item(i).Key() + tree.Item(i).Text() + '|';
-    EXPECT_EQ(shown, "S_ParentLibrary|CAT_2A|CAT_1b|Q_2any other?|Q_1What's <up>?|"
-                     "CAT_3b|Q_4|Q_3{\\rtf1 {\\b Bold}\\par two}|");
-    EXPECT_TRUE(tree.Find("S_Parent")->isExpanded() && !tree.Find("CAT_1")->isExpanded());
-}
-
 TEST_F(QuestionLibrary, FillsTheEmptyQuestionOrAddsANewOne) {
     Add(Check);
     EXPECT_FALSE(Marks([&] { AddFromLibrary("Q_1"); })) << "filling marks nothing";

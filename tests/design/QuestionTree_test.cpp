@@ -44,25 +44,6 @@ TEST_F(QuestionTree, NodeTextsAfterEachWriterOfThem) {
     EXPECT_EQ(Nodes(), "1. |2. \r\nb||Thanks\r\nfor all");
 }
 
-TEST_F(QuestionTree, AnEmptyLabelAlternatesAtEachReindexing) {
-    SurveyOf({Text, OpenEnded, OpenEnded});
-    ClickNode(1);
-    WriteText("");
-    document_.DoSave();
-    ClickNode(2);
-    document_.DoSave();
-    EXPECT_EQ(Nodes(), "|1. Q2|2. Q3");
-    Press("cmdDown");
-    EXPECT_EQ(Nodes(), NoText + "|1. Q3|2. Q2");
-    Press("cmdUp");
-    EXPECT_EQ(Nodes(), "|1. Q2|2. Q3");
-    // Up gives both nodes a text before, Down doesn't.
-    Press("cmdUp");
-    EXPECT_EQ(Nodes(), "1. Q2||2. Q3");
-    Press("cmdDown");
-    EXPECT_EQ(Nodes(), NoText + "|1. Q2|2. Q3");
-}
-
 TEST_F(QuestionTree, MovesKeepTreeAndModelInOneOrder) {
     SurveyOf({OpenEnded, Check, Text, Radio});
     EXPECT_EQ(Nodes(), "1. Q1|2. Q2|Q3|3. Q4");
@@ -142,40 +123,6 @@ TEST_F(QuestionTree, WorkingOnInADeletedQuestionsPanelIsSafe) {
         EXPECT_EQ(Survey().QCount, 2);
         EXPECT_TRUE(Model().contains("Q3"));
     }
-    NewSurvey(); // no question at all
-    for (const char* button : {"cmdUp", "cmdDown", "cmdDelete", "cmdCheckAdd", "cmdMatrixAdd"})
-        Get<QAbstractButton>(button).click();
-    design_->txtQ_LostFocus();
-    document_.DoSave();
-    EXPECT_EQ(Survey().QCount, 0);
-}
-
-TEST_F(QuestionTree, AQuestionIsAddedLastShownAndCarriesAScale) {
-    SurveyOf({Text, OpenEnded});
-    Get<ComboBox>("cmbMatrixResponses").SetListIndex(3); // scale 5
-    for (const std::int32_t qType : {OpenEnded, Check, Radio, Matrix, Text}) {
-        EXPECT_TRUE(Marks([&] { Add(qType); }));
-        const clsQ& q = Q(Survey().QCount);
-        EXPECT_EQ(q.qType, qType);
-        EXPECT_EQ(SelectedKey(), q.Key);
-        EXPECT_EQ(q.ResponseMatrixGroupID, qType == Matrix ? 5 : 2);
-    }
-    EXPECT_EQ(Model(), "Q1|1Q2|2|3|4|5|");
-}
-
-TEST_F(QuestionTree, AClickShowsTheQuestionAndHidesThePanelForTheRoot) {
-    SurveyOf({OpenEnded, OpenEnded, Check});
-    ClickNode(1);
-    const auto& txtQ = Get<RichTextBox>("txtQ");
-    EXPECT_TRUE(txtQ.hasFocus());
-    EXPECT_EQ(txtQ.SelLength(), 2) << "the whole text is selected";
-    EXPECT_FALSE(Marks([&] { ClickNode(2); })) << "the same kind";
-    EXPECT_TRUE(Marks([&] { ClickNode(3); })) << "another kind puts its option on";
-    EXPECT_TRUE(Get<QWidget>("txtCheckResponse").hasFocus());
-    ClickNode(0);
-    EXPECT_FALSE(design_->picQPropertiesVisible());
-    Key("tvTreeView", Qt::Key_Down);
-    EXPECT_EQ(txtQ.Text(), "Q1") << "an arrow key is a click";
 }
 
 } // namespace

@@ -2,7 +2,6 @@
 // control has a name to be read out, the Tab key goes as the eye does, and no letter calls two
 // controls.
 #include <QAbstractButton>
-#include <QAbstractItemView>
 #include <QAccessible>
 #include <QAction>
 #include <QApplication>
@@ -11,18 +10,14 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QRegularExpression>
-#include <QScrollBar>
 #include <QTabBar>
 #include <QTest>
-#include <QTextEdit>
 
 #include <gtest/gtest.h>
 
 #include "collection/frmManualResponse.h"
 #include "design/frmMatrixAdd.h"
 #include "platform/ListBox.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
 #include "shell/Attendant.h"
 #include "shell/HelpWindow.h"
 #include "shell/frmMain.h"
@@ -154,11 +149,8 @@ TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
     window.show();
     window.AddBlankOpenEndedQuestion();
     Check(window);
-    user.tasks["frmMatrixDefine"] = [](QWidget& dialog) { Check(dialog); };
-    user.tasks["frmLogic"] = user.tasks["frmMatrixDefine"];
-    user.tasks["frmTip"] = user.tasks["frmMatrixDefine"];
-    user.tasks["frmAbout"] = user.tasks["frmMatrixDefine"];
-    user.tasks["frmSplash"] = user.tasks["frmMatrixDefine"];
+    for (const char* dialog : {"frmMatrixDefine", "frmLogic", "frmTip", "frmAbout", "frmSplash"})
+        user.tasks[dialog] = Check;
     user.seen.clear();
     const auto press = [&](const char* name) {
         QTest::mouseClick(window.findChild<QAbstractButton*>(name), Qt::LeftButton);
