@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScreen>
 #include <QSplitter>
 #include <QStyle>
 #include <QTabBar>
@@ -66,7 +67,7 @@ HelpWindow::HelpWindow(QHelpEngine& engine) : engine_(engine) {
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
     BuildToolbar();
-    resize(1000, 700);
+    resize(QSize(1000, 700).boundedTo(screen()->availableSize()));
 
     // Whoever calls up a tab wants to use it, but for who is walking along the tabs with the arrow
     // keys.

@@ -231,6 +231,8 @@ void Photographer::Tutorial() {
     scales.SetListIndex(scales.findText("Very satisfied", Qt::MatchStartsWith));
     ForHelp("tutorial-matrix", window_, Around("picQProperties"));
     ForHelp("matrix", window_, Around("picMatrix"));
+    InDialog([&] { Press("cmdMatrixDefine"); },
+             [&](QWidget& scales) { ForHelp("scales", scales); });
 
     Menu("mnuDesignAddOpenEndedQuestion");
     TypeQuestion("What should we change?");
@@ -292,6 +294,10 @@ void Photographer::Tour() {
                  entry.resize(560, 320);
                  ForHelp("entering", entry);
              });
+
+    for (const auto& [item, picture] : {std::pair("mnuDataPublishWeb", "publishing"),
+                                        std::pair("mnuDataCollectWeb", "collecting")})
+        InDialog([&] { Menu(item); }, [&](QWidget& page) { ForHelp(picture, page); });
 
     Menu("mnuViewAnalyse");
     auto& summary = Find<Grid>("gSummaryReport");
