@@ -21,6 +21,7 @@ struct FileDialogRequest {
     QString fileName; // preset name, path or directory, "" for none
     QString filter;
     bool promptOverwrite = false; // save dialogs only
+    int filterIndex = 0;          // preset entry of the filter, from 0
 };
 
 struct FileDialogResult {
@@ -37,7 +38,8 @@ class Dialogs {
                              MsgButtons buttons = MsgButtons::Ok) = 0;
 
     // The user's choice; throws Failure 32755 when cancelled. A save dialog adds the suffix of the
-    // chosen filter entry to a name typed without one, before it asks about overwriting.
+    // chosen filter entry to a name typed without one, before it asks about overwriting, and takes
+    // no name in a directory that does not exist.
     virtual FileDialogResult ShowOpen(const FileDialogRequest& request) = 0;
     virtual FileDialogResult ShowSave(const FileDialogRequest& request) = 0;
 

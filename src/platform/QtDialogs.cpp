@@ -165,15 +165,20 @@ FileDialogResult QtDialogs::ShowOpen(const FileDialogRequest& request) {
 FileDialogResult QtDialogs::ShowSave(const FileDialogRequest& request) {
     FileDialogRequest again = request;
     for (;;) {
-        FileDialogResult result = RunFileDialog(again, true);
-        // Asked here and not by the dialog, since some desktops' dialogs ask before the suffix is
-        // added and so miss the file that would be lost.
-        if (!request.promptOverwrite || !QFileInfo::exists(result.fileName) ||
-            Ask(QString("%1 already exists.\nDo you want to replace it?").arg(result.fileName),
-                QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No,
-                QMessageBox::No) == QMessageBox::Yes)
+        const FileDialogResult result = RunFileDialog(again, true);
+        const QString directory = QFileInfo(result.fileName).absolutePath();
+        // Looked at here and not by the dialog, since some desktops' dialogs do it before the
+        // suffix is added and so miss the file that would be lost.
+        if (!QFileInfo(directory).isDir())
+            Ask(QString("%1\nThis directory does not exist. Please check the path.").arg(directory),
+                QMessageBox::Warning, QMessageBox::Ok, QMessageBox::Ok, QMessageBox::Ok);
+        else if (!request.promptOverwrite || !QFileInfo::exists(result.fileName) ||
+                 Ask(QString("%1 already exists.\nDo you want to replace it?").arg(result.fileName),
+                     QMessageBox::Question, QMessageBox::Yes | QMessageBox::No, QMessageBox::No,
+                     QMessageBox::No) == QMessageBox::Yes)
             return result;
         again.fileName = result.fileName;
+        again.filterIndex = result.filterIndex;
     }
 }
 
@@ -192,6 +197,8 @@ FileDialogResult QtDialogs::RunFileDialog(const FileDialogRequest& request, bool
     dialog->setOption(QFileDialog::DontConfirmOverwrite);
     if (!filters.isEmpty())
         dialog->setNameFilters(filters);
+    if (request.filterIndex > 0 && request.filterIndex < filters.size())
+        dialog->selectNameFilter(filters[request.filterIndex]);
 
     const QFileInfo preset(request.fileName);
     const bool isDirectory = preset.isAbsolute() && preset.isDir();
@@ -218,7 +225,9 @@ FileDialogResult QtDialogs::RunFileDialog(const FileDialogRequest& request, bool
         if (!suffix.isEmpty())
             result.fileName += '.' + suffix;
     }
-    lastDirectory_ = QFileInfo(result.fileName).absolutePath();
+    const QFileInfo chosen(result.fileName);
+    if (chosen.dir().exists())
+        lastDirectory_ = chosen.absolutePath();
     return result;
 }
 

@@ -37,17 +37,39 @@ void PressNext(Qt::Key key) {
     OnNext<QMessageBox>([key](QMessageBox* box) { QTest::keyClick(box, key); });
 }
 
-// Types a name into the next file dialog and confirms it.
-void TypeNext(const QString& name, int filter = 0) {
-    OnNext<QFileDialog>([=](QFileDialog* dialog) {
+// Types a name into a file dialog and confirms it.
+void Type(QDialog* shown, const QString& name, int filter = -1) {
+    auto* const dialog = qobject_cast<QFileDialog*>(shown);
+    ASSERT_TRUE(dialog);
+    if (filter >= 0)
         dialog->selectNameFilter(dialog->nameFilters().at(filter));
-        auto* const edit = dialog->findChild<QLineEdit*>("fileNameEdit");
-        edit->setText(name);
-        QTest::keyClick(edit, Qt::Key_Return);
-        if (dialog->isVisible()) {
-            ADD_FAILURE() << "the dialog does not take " << name.toStdString();
-            dialog->reject();
+    auto* const edit = dialog->findChild<QLineEdit*>("fileNameEdit");
+    ASSERT_TRUE(QTest::qWaitForWindowActive(dialog));
+    edit->setFocus(); // else a file that is selected stays so
+    edit->setText(name);
+    QTest::keyClick(edit, Qt::Key_Return);
+    if (dialog->isVisible()) {
+        ADD_FAILURE() << "the dialog does not take " << name.toStdString();
+        dialog->reject();
+    }
+}
+
+void TypeNext(const QString& name, int filter = 0) {
+    OnNext<QFileDialog>([=](QFileDialog* dialog) { Type(dialog, name, filter); });
+}
+
+// Runs an action on each of the dialogs that show one after the other.
+void OnEach(QList<std::function<void(QDialog*)>> actions, QPointer<QDialog> last = {}) {
+    QTimer::singleShot(5, qApp, [=]() mutable {
+        auto* const dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+        if (!dialog || dialog == last) {
+            OnEach(actions, last);
+            return;
         }
+        const auto action = actions.takeFirst();
+        if (!actions.isEmpty())
+            OnEach(actions, dialog);
+        action(dialog);
     });
 }
 
@@ -123,20 +145,24 @@ TEST(QtDialogs, ASavedNameGetsItsSuffixBeforeOverwritingIsAsked) {
         EXPECT_EQ(result.filterIndex, filter);
     }
 
-    // The dialog remembers where it was; "no" to the question goes back to it.
-    Make(dir.filePath("survey.plxs"));
+    // The dialog remembers where it was. It comes again, with the type chosen in it, for a
+    // directory that is not there and for a file that is not to be lost.
+    Make(dir.filePath("old.csv"));
     request.fileName.clear();
-    TypeNext("survey");
-    QTimer::singleShot(0, qApp, [] {
-        QTimer::singleShot(0, qApp, [] {
-            auto* const box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            ASSERT_TRUE(box);
-            EXPECT_TRUE(box->text().contains("survey.plxs already exists"));
-            TypeNext("other");
+    const auto expectBox = [](const QString& text) {
+        return [text](QDialog* box) {
+            EXPECT_TRUE(qobject_cast<QMessageBox*>(box)->text().contains(text));
             QTest::keyClick(box, Qt::Key_Return); // "No" is the default
-        });
-    });
-    EXPECT_EQ(dialogs.ShowSave(request).fileName, dir.filePath("other.plxs"));
+        };
+    };
+    OnEach({[](QDialog* dialog) { Type(dialog, "missing/old", 1); },
+            expectBox("missing\nThis directory does not exist"),
+            [](QDialog* dialog) { Type(dialog, "old"); }, expectBox("old.csv already exists"),
+            [](QDialog* dialog) {
+                EXPECT_EQ(dialog->findChild<QLineEdit*>("fileNameEdit")->text(), "old.csv");
+                Type(dialog, "new");
+            }});
+    EXPECT_EQ(dialogs.ShowSave(request).fileName, dir.filePath("new.csv"));
 }
 
 TEST(QtDialogs, OpenGivesAnExistingFileAndCancelIsAFailure) {
