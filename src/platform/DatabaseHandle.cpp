@@ -76,10 +76,10 @@ Connection::Handle::Handle(const QString& openPath, Mode mode)
     : path(openPath) {
     RequireReadableFile(openPath);
     const QByteArray absolute = QFile::encodeName(QFileInfo(openPath).absoluteFilePath());
+    // The program has one thread, so that there is nothing to lock between threads.
+    const int access = mode == Mode::ReadOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE;
     try {
-        database.emplace(absolute.constData(),
-                         mode == Mode::ReadOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE,
-                         BusyTimeoutMs);
+        database.emplace(absolute.constData(), access | SQLite::OPEN_NOMUTEX, BusyTimeoutMs);
         Configure(mode);
     } catch (const SQLite::Exception& failure) {
         throw FailureOf(failure);
