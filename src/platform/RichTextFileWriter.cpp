@@ -81,6 +81,7 @@ void RichTextFileWriter::Append(QStringView text) {
                 state_->Flush();
         },
         [&] {
+            encoder.ApplyFormat(); // it says how high an empty line is
             encoder.EndParagraph();
             encoder.BeginParagraph(false);
         });

@@ -22,6 +22,8 @@ class Encoder {
     void EndParagraph();
     // For the text that follows; normalised.
     void SetFormat(const RunFormat& format) { wanted_ = format; }
+    // Writes the format's codes now, where Text would have written them with the next text.
+    void ApplyFormat();
     // Units that may stand in a run, see TextUnits.h.
     void Text(QStringView text);
 
@@ -42,7 +44,6 @@ class Encoder {
     static QByteArray Tail() { return "}"; }
 
   private:
-    void ApplyFormat();
     void Number(const char* word, int value);
     void Switch(const char* word, bool& current, bool wanted);
 

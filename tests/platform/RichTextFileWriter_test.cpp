@@ -1,54 +1,17 @@
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
 #include "platform/RichText.h"
 
 using namespace pollarix;
 
-namespace {
-
-QByteArray BytesOf(const QString& path) {
-    QFile file(path);
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll();
-}
-
-void PutBytes(const QString& path, const QByteArray& bytes) {
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-RichText Saved(const QString& path) {
-    return ReadRichText(QString::fromLatin1(BytesOf(path)));
-}
-
-} // namespace
-
-class RichTextFile : public testing::Test {
-  protected:
-    QTemporaryDir directory;
-    QString path = directory.filePath("Report.rtf");
-
-    // The writing of a file fails and names it.
-    void ExpectRefused(const QString& target) {
-        try {
-            RichTextFileWriter writer(target);
-            writer.Append(u"x");
-            writer.Save();
-            FAIL() << target.toStdString();
-        } catch (const Failure& failure) {
-            EXPECT_EQ(failure.Number(), failure::PathOrFileAccess);
-            EXPECT_TRUE(failure.Description().startsWith(target + ": "));
-        }
-    }
-};
-
-TEST_F(RichTextFile, FormatsHoldForWhatIsAppendedAfterThem) {
+// That the file at the path is replaced only by a whole one, the tests of the commands that write
+// with it see.
+TEST(RichTextFileWriter, FormatsHoldForWhatIsAppendedAfterThem) {
+    const QTemporaryDir directory;
+    const QString path = directory.filePath("Report.rtf");
     RichTextFileWriter writer(path);
     writer.Append(u"\r\n");
     writer.SetSelBold(true);
@@ -58,7 +21,7 @@ TEST_F(RichTextFile, FormatsHoldForWhatIsAppendedAfterThem) {
     writer.Append(u"\xDE00\n");
     writer.SetSelBold(false);
     writer.SetSelFontSize(10);
-    writer.Append(u"\tplain");
+    writer.Append(u"\r\n\tplain");
     const QString font = writer.SelFontName();
     writer.SetSelFontName("Wingdings");
     writer.Append(u"\to");
@@ -67,42 +30,18 @@ TEST_F(RichTextFile, FormatsHoldForWhatIsAppendedAfterThem) {
     for (int number = 0; number < 100; ++number) // more than the head has room for
         writer.SetSelFontName("Font " + QString::number(number));
     writer.SetSelFontName("Font 2");
-    writer.Append(u"end");
+    const QString end = "end" + QString(1 << 20, 'x'); // many blocks
+    writer.Append(end);
     writer.Save();
 
     const RunFormat head{"", 11, true};
     RichText expected;
-    expected.paragraphs = {{},
-                           {{{QString::fromUtf8("1. Ωmega"), head}}},
-                           {{{QString::fromUtf8("😀"), head}}},
-                           {{{"\tplain", {}}, {"\to", {"Wingdings"}}}},
-                           {{{"end", {"Font 2"}}}}};
-    EXPECT_EQ(Saved(path), expected);
-}
-
-TEST_F(RichTextFile, TheOldFileStaysUntilTheNewOneIsWhole) {
-    PutBytes(path, "old");
-    {
-        RichTextFileWriter writer(path);
-        writer.Append(QString(1 << 20, 'x'));
-        EXPECT_EQ(BytesOf(path), "old");
-    }
-    EXPECT_EQ(BytesOf(path), "old");
-    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
-
-    RichTextFileWriter writer(path);
-    writer.Append(QString(1 << 20, 'x'));
-    writer.Save();
-    EXPECT_EQ(Saved(path).PlainText(), QString(1 << 20, 'x'));
-    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
-}
-
-TEST_F(RichTextFile, ATargetThatCanNotBeWrittenSaysWhichAndLeavesNothing) {
-    ExpectRefused(directory.filePath("missing/Report.rtf"));
-    ExpectRefused(directory.path());
-    PutBytes(path, "old");
-    QFile::setPermissions(path, QFileDevice::ReadOwner);
-    ExpectRefused(path);
-    EXPECT_EQ(BytesOf(path), "old");
-    EXPECT_EQ(QDir(directory.path()).entryList(QDir::Files | QDir::Hidden).size(), 1);
+    expected.paragraphs = {
+        {}, {{{QString::fromUtf8("1. Ωmega"), head}}},   {{{QString::fromUtf8("😀"), head}}},
+        {}, {{{"\tplain", {}}, {"\to", {"Wingdings"}}}}, {{{end, {"Font 2"}}}}};
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    EXPECT_EQ(ReadRichText(QString::fromLatin1(bytes)), expected);
+    EXPECT_TRUE(bytes.contains("\\fs20\\b0\\par")); // the empty line is not a large one
 }
