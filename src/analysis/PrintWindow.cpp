@@ -28,6 +28,7 @@ void PrintAtCorner(QPrinter& printer, const QPixmap& picture) {
     QPainter painter;
     if (!painter.begin(&printer))
         return;
+    painter.setRenderHint(QPainter::LosslessImageRendering); // else texts get smudged edges
     const QSizeF inches = picture.deviceIndependentSize() / PixelsPerInch;
     painter.drawPixmap(QRectF(0, 0, inches.width() * printer.logicalDpiX(),
                               inches.height() * printer.logicalDpiY()),

@@ -13,6 +13,41 @@
 namespace pollarix::test {
 namespace {
 
+// Where the one picture of a printed file stands on its page, in points from the lower left corner:
+// what the drawing instructions before it come to.
+QRectF PictureOn(const QString& path) {
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    const QByteArray bytes = file.readAll();
+    QByteArray drawing;
+    for (qsizetype at = 0; !drawing.contains(" Do\n") && at >= 0;) {
+        at = bytes.indexOf("\nstream\n", at + 1);
+        drawing = qUncompress(QByteArray("\0\1\0\0", 4) + bytes.mid(at + 8));
+    }
+    QTransform place;
+    QList<QTransform> kept;
+    QList<double> numbers;
+    for (const QByteArray& word : drawing.simplified().split(' ')) {
+        if (word == "q")
+            kept << place;
+        else if (word == "Q")
+            place = kept.takeLast();
+        else if (word == "cm")
+            place =
+                QTransform(numbers[0], numbers[1], numbers[2], numbers[3], numbers[4], numbers[5]) *
+                place;
+        else if (word == "Do")
+            return place.mapRect(QRectF(0, 0, 1, 1));
+        bool isNumber = false;
+        const double number = word.toDouble(&isNumber);
+        if (isNumber)
+            numbers << number;
+        else
+            numbers.clear();
+    }
+    return {};
+}
+
 class PrintWindowTest : public testing::Test {
   protected:
     PrintWindowTest() {
@@ -38,12 +73,16 @@ TEST_F(PrintWindowTest, PicturesTheWindowOnClipboardAndPage) {
     print_.DoPrint(); // a printer that can't print is passed over
     EXPECT_EQ(Pictured(), QSize(300, 200));
 
+    // At the page's corner, whatever margins were chosen; 96 pixels are one inch.
+    dialogs_.onPrinter = [&](QPrinter& printer) {
+        printer.setOutputFileName(path);
+        printer.setPageSize(QPageSize(QPageSize::A4));
+        printer.setPageMargins(QMarginsF(2, 1, 2, 1), QPageLayout::Inch);
+    };
     path = directory_.filePath("page.pdf");
     print_.DoPrint();
     EXPECT_EQ(QApplication::clipboard()->image().pixelColor(150, 100), QColor("#c02040"));
-    QFile page(path);
-    ASSERT_TRUE(page.open(QIODevice::ReadOnly));
-    EXPECT_TRUE(page.readAll().startsWith("%PDF"));
+    EXPECT_EQ(PictureOn(path), QRectF(0, 842 - 150, 225, 150));
     EXPECT_TRUE(dialogs_.TakeTexts().isEmpty());
 }
 
