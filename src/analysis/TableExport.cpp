@@ -51,7 +51,7 @@ class HeadLine {
     void Add(const QString& title) {
         QString unique = title.simplified();
         for (int number = 2; titles_.contains(unique); ++number)
-            unique = QString("%1 (%2)").arg(title.simplified()).arg(number);
+            unique = title.simplified() + QString(" (%1)").arg(number);
         if (!titles_.isEmpty())
             line_ += ',';
         titles_.insert(unique);

@@ -53,12 +53,12 @@ TEST_F(SurveyExportTest, TheTableHasTheSameColumnsInEveryRow) {
         "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, SimpleResponse) "
         "VALUES (3, 14, 5, ''), (3, 14, 4, ''), (3, 11, 1, NULL), (3, 16, 1, '\"'), (3, 15, 1, "
         "'');\n"
-        "UPDATE response SET name = 'Leek' WHERE id = 1;\n"
+        "UPDATE response SET name = 'Leek%2' WHERE id IN (1, 3);\n"
         "UPDATE question SET question = 'Two' || char(13, 10) || 'lines' WHERE id = 16");
     const std::vector<QStringList> expected = {
         {"Respondent id", "Submitted", "Source", "1. What do you think of us?",
-         "2. Which soups, if any?: Pea, \"green\"", "2. Which soups, if any?: Leek",
-         "2. Which soups, if any?: Leek (2)", "3. The best one ☺?", "4. Rate us: Service",
+         "2. Which soups, if any?: Pea, \"green\"", "2. Which soups, if any?: Leek%2",
+         "2. Which soups, if any?: Leek%2 (2)", "3. The best one ☺?", "4. Rate us: Service",
          "4. Rate us: Price", "4. Rate us: Taste", "Two lines"},
         {"2", "2024-03-04 00:00:00", "Web", "", "0", "0", "0", "", "", "", "", ""},
         {"1", "2024-03-05 14:30:15", "Manual Entry", "Fine, \"really\"\r\nŽluťoučký €", "1", "0",
