@@ -1,7 +1,7 @@
 #include "analysis/SaveCommand.h"
 
 #include "analysis/LongWork.h"
-#include "platform/Failure.h"
+#include "platform/Handlers.h"
 
 namespace pollarix {
 
@@ -15,7 +15,8 @@ void RunSaveCommand(Dialogs& dialogs, const LongWork& work, const FileDialogRequ
         FileName = chosen.fileName;
         if (!FileName.isEmpty())
             action(chosen);
-    } catch (const Failure& failure) {
+    } catch (const std::exception&) {
+        const Failure failure = CaughtFailure();
         if (failure.Number() == failure::DialogCancelled)
             return;
         dialogs.MsgBox("Unable to write to file " + FileName + ' ' + failure.Description() + ' ' +

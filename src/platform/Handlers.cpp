@@ -37,12 +37,20 @@ void RunHandler(const std::function<void()>& handler) noexcept {
         return;
     try {
         handler();
+    } catch (const std::exception&) {
+        Report(CaughtFailure());
+    }
+}
+
+Failure CaughtFailure() {
+    try {
+        throw;
     } catch (const Failure& failure) {
-        Report(failure);
+        return failure;
     } catch (const std::bad_alloc&) {
-        Report(Failure(7, "Out of memory"));
+        return Failure(7, "Out of memory");
     } catch (const std::exception& other) {
-        Report(Failure(51, QString::fromLocal8Bit(other.what())));
+        return Failure(51, QString::fromLocal8Bit(other.what()));
     }
 }
 

@@ -13,6 +13,9 @@ namespace pollarix {
 // is called directly instead, so that its failure reaches that code.
 void RunHandler(const std::function<void()>& handler) noexcept;
 
+// For handlers that catch all failures: what a `catch (const std::exception&)` has caught.
+Failure CaughtFailure();
+
 // Shows a failure nothing caught. The program sets it once to a message box; tests to a recorder.
 // An empty reporter writes to stderr.
 using FailureReporter = std::function<void(const Failure&)>;

@@ -128,6 +128,8 @@ TEST_P(SaveCommand, AFailureInTheMiddleKeepsTheOldFile) {
         Sql("UPDATE respondent SET submitteddate = 'never' WHERE id = 3000");
     ExpectRefusalToReplace(OldFile("d"), table ? "\"never\" is not a date 13 Pollarix"
                                                : "Invalid use of Null 94 Pollarix");
+    progress_.meanwhile = [] { throw std::bad_alloc(); };
+    ExpectRefusalToReplace(OldFile("d"), "Out of memory 7 Pollarix");
     EXPECT_FALSE(work_.IsRunning());
     EXPECT_FALSE(QGuiApplication::overrideCursor());
 }
