@@ -4,6 +4,7 @@
 
 #include "platform/Handlers.h"
 #include "platform/HourGlass.h"
+#include "platform/InputLock.h"
 
 namespace pollarix {
 
@@ -21,11 +22,14 @@ void LongWork::Do(const QString& what, const std::function<void(const ProgressSt
     struct Running {
         explicit Running(LongWork& owner_) : owner(owner_) { owner.running_ = true; }
         ~Running() {
+            // What was pressed since the last repaint would start something else after the work.
+            DoEvents();
             owner.display_.ClearProgress();
             owner.running_ = false;
         }
         LongWork& owner;
         HourGlass hourGlass;
+        InputLock inputLock;
     } const running(*this);
 
     sinceBreath_.invalidate(); // the first step repaints what the file dialog covered
@@ -39,7 +43,7 @@ void LongWork::Do(const QString& what, const std::function<void(const ProgressSt
 
 void LongWork::Breathe(const QString& text) {
     display_.ShowProgress(text);
-    DoPaintEvents();
+    DoEvents();
     sinceBreath_.start();
 }
 

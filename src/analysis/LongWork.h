@@ -1,5 +1,5 @@
 // The one piece of long work that a window does at a time: hourglass, progress, and repainting
-// while what the user presses waits. Knows nothing of the work itself.
+// while what the user presses is lost. Knows nothing of the work itself.
 #pragma once
 
 #include <QElapsedTimer>
@@ -19,7 +19,8 @@ class LongWork {
   public:
     explicit LongWork(ProgressDisplay& display) : display_(display) {}
 
-    // True while the work runs, also in the middle of a repaint. A survey must not be closed then.
+    // True while the work runs, also in the middle of a repaint. Nothing else may be started then
+    // and no survey closed: a timer, or a menu that the desktop shows, still could.
     bool IsRunning() const { return running_; }
 
     // Runs the work; does nothing while another one runs. `what` begins the progress text, such as

@@ -24,8 +24,8 @@ void SetFailureReporter(FailureReporter reporter);
 // Lets the interface handle its pending events once: paints, timers, keys and clicks.
 void DoEvents();
 
-// The same, but keys, clicks and shortcuts wait: for long work whose window has to repaint while
-// what the user presses must not start the same work again or close the survey under it.
+// The same, but keys, clicks and shortcuts wait until after the handler. Where they must be lost
+// instead, DoEvents under an InputLock.
 void DoPaintEvents();
 
 } // namespace pollarix

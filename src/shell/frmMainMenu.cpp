@@ -1,5 +1,6 @@
 // Menus and toolbars of the main window: what they read and where they lead.
 #include <QAction>
+#include <QApplication>
 #include <QFrame>
 #include <QMenu>
 #include <QMenuBar>
@@ -46,8 +47,14 @@ void frmMain::AddMenu(const char* name, const QString& caption, const std::vecto
         action->setShortcut(entry.shortcut);
         if (entry.handler)
             connect(action, &QAction::triggered, this,
-                    [handler = entry.handler] { RunHandler(handler); });
+                    [this, handler = entry.handler] { RunCommand(handler); });
     }
+}
+
+// A menu that the desktop shows in its own panel can be used at any time.
+void frmMain::RunCommand(const std::function<void()>& command) {
+    if (!work_.IsRunning() && !QApplication::activeModalWidget())
+        RunHandler(command);
 }
 
 void frmMain::BuildMenus() {
@@ -60,7 +67,7 @@ void frmMain::BuildMenus() {
         action->setObjectName(name);
     }
     connect(findChild<QAction*>("mnuTextWriteXML"), &QAction::triggered, this,
-            [this] { RunHandler([this] { mnuTextWriteXML_Click(); }); });
+            [this] { RunCommand([this] { mnuTextWriteXML_Click(); }); });
 
     AddMenu(
         "mnuFile", "&File",
@@ -197,7 +204,7 @@ void frmMain::BuildToolbars() {
         button->setToolTip(key);
         connect(button, &QAction::triggered, this, [this, key] {
             ShowChecks(); // before as well: the click may lead to a question first
-            RunHandler([&] { Toolbar_ButtonClick(key); });
+            RunCommand([&] { Toolbar_ButtonClick(key); });
             ShowChecks();
         });
         return button;

@@ -3,6 +3,11 @@
 #include <QDir>
 #include <QFileInfo>
 #include <QGuiApplication>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <QTimer>
 
 #include <sys/mount.h>
 #include <sys/stat.h>
@@ -15,6 +20,7 @@
 #include "analysis/DetailedReport.h"
 #include "analysis/PaperSurvey.h"
 #include "analysis/SurveyExport.h"
+#include "platform/Handlers.h"
 
 namespace pollarix::test {
 namespace {
@@ -148,6 +154,28 @@ TEST_P(SaveCommand, CannotBeStartedAgainWhileItRuns) {
     EXPECT_FALSE(QGuiApplication::overrideCursor());
     EXPECT_EQ(progress_.cleared, 1);
     EXPECT_TRUE(progress_.shown.join("|").contains(" of "));
+}
+
+TEST_F(AnsweredSurvey, WhatIsPressedDuringLongWorkIsLost) {
+    QLineEdit edit;
+    edit.show();
+    bool answered = false;
+    progress_.meanwhile = [&] {
+        QTest::keyClick(&edit, 'a');
+        QMessageBox box; // a failure that is shown, say
+        QTimer::singleShot(0, &box, [&] { QTest::keyClick(&box, Qt::Key_Return); });
+        QTimer::singleShot(5000, &box, &QDialog::reject);
+        answered = box.exec() == QMessageBox::Ok;
+    };
+    work_.Do("work", [&](const ProgressStep& step) {
+        step(0, 1);
+        QCoreApplication::postEvent(
+            &edit, new QKeyEvent(QEvent::KeyPress, Qt::Key_B, Qt::NoModifier, "b"));
+    });
+    DoEvents();
+    QTest::keyClick(&edit, 'c');
+    EXPECT_EQ(edit.text(), "c");
+    EXPECT_TRUE(answered);
 }
 
 INSTANTIATE_TEST_SUITE_P(, SaveCommand, testing::ValuesIn(Commands),
