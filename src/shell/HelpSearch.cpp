@@ -5,10 +5,13 @@
 #include <QRegularExpression>
 #include <QSet>
 #include <QTextDocumentFragment>
+#include <QTimer>
 
 namespace pollarix {
 
 namespace {
+
+constexpr int ProbePause = 50; // milliseconds
 
 // Each word in quotes: to the index, anything else than letters and digits is a sign of its own.
 QStringList WordsOf(const QString& typed) {
@@ -31,13 +34,16 @@ QStringList WordsOf(const QString& typed) {
 
 HelpSearch::HelpSearch(QHelpEngineCore& engine, QObject* parent)
     : QObject(parent), engine_(new QHelpSearchEngine(&engine, this)) {
-    connect(engine_, &QHelpSearchEngine::indexingFinished, this, [this] {
-        indexed_ = true;
-        if (waiting_)
-            Start();
-    });
+    connect(engine_, &QHelpSearchEngine::indexingFinished, this, &HelpSearch::Probe);
     connect(engine_, &QHelpSearchEngine::searchingFinished, this, [this] { Take(); });
     engine_->reindexDocumentation();
+}
+
+// The search library says that it has finished a little before anything is found. So a word that is
+// everywhere is looked for until it is there.
+void HelpSearch::Probe() {
+    if (!indexed_)
+        engine_->search("\"the\"");
 }
 
 void HelpSearch::Search(const QString& words) {
@@ -59,6 +65,14 @@ void HelpSearch::Start() {
 }
 
 void HelpSearch::Take() {
+    if (!indexed_) {
+        indexed_ = engine_->searchResultCount() > 0 || --probes_ == 0;
+        if (!indexed_)
+            QTimer::singleShot(ProbePause, this, &HelpSearch::Probe);
+        else if (waiting_)
+            Start();
+        return;
+    }
     if (!waiting_)
         return;
     if (engine_->searchResultCount() == 0 && !anyWord_ && words_.size() > 1) {

@@ -33,12 +33,14 @@ class HelpSearch : public QObject {
     std::function<void(const std::vector<FoundTopic>&)> Found;
 
   private:
+    void Probe();
     void Start();
     void Take();
 
     QHelpSearchEngine* engine_;
     QStringList words_;
-    bool indexed_ = false;
+    bool indexed_ = false; // the help can be searched
+    int probes_ = 100;     // left, until that is taken for granted
     bool waiting_ = false; // a search is wanted or under way
     bool anyWord_ = false; // the second try: some of the words
 };
