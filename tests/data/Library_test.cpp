@@ -4,11 +4,13 @@
 
 #include <string>
 
+#include "support/Places.h"
+
 namespace pollarix::test {
 namespace {
 
 SQLite::Database Library() {
-    return SQLite::Database(POLLARIX_DATA_DIR "/Library.mdb", SQLite::OPEN_READONLY);
+    return SQLite::Database(DataFile("Library.mdb").toStdString(), SQLite::OPEN_READONLY);
 }
 
 TEST(Library, HoldsEnoughQuestionsInEachCategory) {

@@ -3,6 +3,8 @@
 #include <SQLiteCpp/SQLiteCpp.h>
 #include <gtest/gtest.h>
 
+#include "support/Places.h"
+
 namespace pollarix::test {
 namespace {
 
@@ -10,7 +12,8 @@ class Sample : public testing::Test {
   protected:
     std::int64_t Number(const char* sql) { return survey_.execAndGet(sql).getInt64(); }
 
-    SQLite::Database survey_{POLLARIX_DATA_DIR "/samples/museum-visit.plxs", SQLite::OPEN_READONLY};
+    SQLite::Database survey_{DataFile("samples/museum-visit.plxs").toStdString(),
+                             SQLite::OPEN_READONLY};
 };
 
 TEST_F(Sample, HasEveryKindOfQuestionAndJumps) {

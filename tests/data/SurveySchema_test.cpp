@@ -10,6 +10,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/Places.h"
+
 namespace pollarix::test {
 namespace {
 
@@ -17,7 +19,7 @@ class SurveySchema : public testing::Test {
   protected:
     void SetUp() override {
         const QString copy = directory_.filePath("survey.plxs");
-        ASSERT_TRUE(QFile::copy(POLLARIX_DATA_DIR "/blank.mdb", copy));
+        ASSERT_TRUE(QFile::copy(DataFile("blank.mdb"), copy));
         QFile::setPermissions(copy, QFile::ReadOwner | QFile::WriteOwner);
         survey_ = SQLite::Database(copy.toStdString(), SQLite::OPEN_READWRITE);
         // The program opens survey files this way, the defaults of columns have to work in it.

@@ -4,11 +4,13 @@
 #include <QFile>
 #include <QSet>
 
+#include "support/Places.h"
+
 namespace pollarix::test {
 namespace {
 
 TEST(Tips, EachLineIsAWholeTipThatFitsItsWindow) {
-    QFile file(POLLARIX_DATA_DIR "/TipOfTheDay.txt");
+    QFile file(DataFile("TipOfTheDay.txt"));
     ASSERT_TRUE(file.open(QFile::ReadOnly));
     const QByteArray bytes = file.readAll();
     ASSERT_TRUE(bytes.endsWith('\n'));

@@ -22,6 +22,7 @@
 #include "shell/HelpWindow.h"
 #include "shell/frmMain.h"
 #include "support/FakeViews.h"
+#include "support/Places.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 #include "web/WebServices.h"
@@ -181,7 +182,7 @@ TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
 
 TEST_F(AccessibilityTest, TheHelpOnEachOfItsTabs) {
     HelpFile help;
-    help.SetPath(QString(POLLARIX_DATA_DIR) + "/bhelp.qch");
+    help.SetPath(DataFile("bhelp.qch"));
     help.ShowTopic(1);
     Check(help.Window());
     help.ShowIndex();

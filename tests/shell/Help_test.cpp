@@ -19,6 +19,7 @@
 #include "shell/frmMain.h"
 #include "shell/frmTip.h"
 #include "support/NumberOf.h"
+#include "support/Places.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 
@@ -31,7 +32,7 @@ class HelpTest : public testing::Test {
   protected:
     HelpFile help;
 
-    HelpTest() { help.SetPath(QString(POLLARIX_DATA_DIR) + "/bhelp.qch"); }
+    HelpTest() { help.SetPath(DataFile("bhelp.qch")); }
 
     QString Page() { return help.Window().Address().fileName(); }
     template <typename Control> Control* Find(const char* name) {

@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include "document/ApplicationState.h"
+#include "support/Places.h"
 #include "support/QueuedDialogs.h"
 
 namespace pollarix::test {
@@ -16,14 +17,14 @@ struct TestState {
     QTemporaryDir directory;
     Settings settings{directory.path() + "/settings"};
     QueuedDialogs dialogs;
-    ApplicationState state{Directories{POLLARIX_DATA_DIR, directory.path()}, settings, dialogs};
+    ApplicationState state{Directories{DataDirectory(), directory.path()}, settings, dialogs};
 
     QString Path(const QString& name) const { return directory.path() + '/' + name; }
 
     // A new survey file without questions.
     QString BlankSurvey(const QString& name) const {
         const QString path = Path(name);
-        EXPECT_TRUE(QFile::copy(QString(POLLARIX_DATA_DIR) + "/blank.mdb", path));
+        EXPECT_TRUE(QFile::copy(DataFile("blank.mdb"), path));
         QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
         return path;
     }

@@ -8,6 +8,7 @@
 #include "platform/RichText.h"
 #include "platform/Windows1252.h"
 #include "support/NumberOf.h"
+#include "support/Places.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -51,7 +52,7 @@ TEST_F(SurveyXml, ASurveyOfEveryKindIsWrittenAsTheServerReadsIt) {
     check.OpenEnded_NoOfRows = -2;
 
     DoSaveXML(program.state, views);
-    QFile byHand(POLLARIX_SOURCE_DIR "/tests/web/every-kind.txt"); // with LF alone
+    QFile byHand(SourceFile("tests/web/every-kind.txt")); // with LF alone
     ASSERT_TRUE(byHand.open(QIODevice::ReadOnly));
     EXPECT_EQ(Written(), byHand.readAll().replace("\n", "\r\n"));
 }
