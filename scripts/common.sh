@@ -54,10 +54,7 @@ run_tests() {
     # Qt wants a private directory for the run time, and mutters into the output without one.
     XDG_RUNTIME_DIR=$(mktemp -d)
     export XDG_RUNTIME_DIR
-    # Up to three tries for what fails: the help's search library may abort when its index is taken away
-    # while it is being searched. Each try is shown.
-    ctest --test-dir "build/$preset" --output-on-failure --no-tests=error --repeat until-pass:3 \
-        --parallel "$(nproc)" "$@" \
+    ctest --test-dir "build/$preset" --output-on-failure --no-tests=error --parallel "$(nproc)" "$@" \
         </dev/null 2>&1 || result=$?
     rm -rf "$XDG_RUNTIME_DIR"
     unset XDG_RUNTIME_DIR

@@ -1,48 +1,48 @@
 // Full-text search in the help file. Takes words as people type them and finds the topics that
-// have them all, else those that have some.
+// have them all, else those that have some. The help is small enough to be kept in memory.
 #pragma once
 
-#include <QObject>
+#include <QHash>
+#include <QString>
 #include <QStringList>
 #include <QUrl>
 
-#include <functional>
 #include <vector>
 
 class QHelpEngineCore;
-class QHelpSearchEngine;
 
 namespace pollarix {
 
 struct FoundTopic {
     QString title;
-    QString extract; // some words around the first place found, plain text
+    QString extract; // some words around the first place found
     QUrl address;
+    double weight = 0; // the more, the better it fits
 };
 
-class HelpSearch : public QObject {
-    Q_OBJECT
+class HelpSearch {
   public:
-    HelpSearch(QHelpEngineCore& engine, QObject* parent);
+    explicit HelpSearch(QHelpEngineCore& engine) : engine_(engine) {}
 
-    // Starts a search; it ends with Found, at once or later. Words that are too common to find
-    // anything by are left out; without any word nothing is found.
-    void Search(const QString& words);
-
-    // What was found, the best first. Raised once for each search that wasn't overtaken by another.
-    std::function<void(const std::vector<FoundTopic>&)> Found;
+    // The best topics first. A word also finds its other forms, and longer words that begin with
+    // it. Words that are too common to find anything by are left out; without any word nothing is
+    // found. The first search reads the help.
+    std::vector<FoundTopic> Search(const QString& typed);
 
   private:
-    void Probe();
-    void Start();
-    void Take();
+    struct Page {
+        QString title;
+        QUrl address;
+        QString text;
+        QHash<QString, double> stems; // and how much the page is about each
+    };
 
-    QHelpSearchEngine* engine_;
-    QStringList words_;
-    bool indexed_ = false; // the help can be searched
-    int probes_ = 100;     // left, until that is taken for granted
-    bool waiting_ = false; // a search is wanted or under way
-    bool anyWord_ = false; // the second try: some of the words
+    void ReadPages();
+    static double WeightOf(const QString& stem, const Page& page);
+    static QString ExtractOf(const QStringList& stems, const Page& page);
+
+    QHelpEngineCore& engine_;
+    std::vector<Page> pages_;
 };
 
 } // namespace pollarix

@@ -22,7 +22,6 @@
 #include <QWindow>
 
 #include "shell/HelpBrowser.h"
-#include "shell/HelpSearch.h"
 
 namespace pollarix {
 
@@ -38,14 +37,13 @@ QString FoundText(qsizetype count) {
 
 } // namespace
 
-HelpWindow::HelpWindow(QHelpEngine& engine) : engine_(engine) {
+HelpWindow::HelpWindow(QHelpEngine& engine) : engine_(engine), search_(engine) {
     setObjectName("HelpWindow");
     setWindowTitle("Pollarix Help");
     setWindowIcon(QIcon(":/icons/help.svg"));
     // The program ends with its main window, whether or not somebody is reading.
     setAttribute(Qt::WA_QuitOnClose, false);
 
-    search_ = new HelpSearch(engine, this);
     browser_ = new HelpBrowser(engine, this);
     browser_->setObjectName("Browser");
     browser_->setAccessibleName("Topic");
@@ -166,25 +164,26 @@ QWidget* HelpWindow::BuildSearch() {
     column->addWidget(lblFound_);
     column->addWidget(lstFound_, 1);
 
-    const auto search = [this] { search_->Search(txtSearch_->text()); };
-    connect(cmdSearch, &QPushButton::clicked, this, search);
-    connect(txtSearch_, &QLineEdit::returnPressed, this, search);
+    connect(cmdSearch, &QPushButton::clicked, this, &HelpWindow::Search);
+    connect(txtSearch_, &QLineEdit::returnPressed, this, &HelpWindow::Search);
     const auto open = [this](const QListWidgetItem* item) {
         Open(item->data(Qt::UserRole).toUrl());
     };
     connect(lstFound_, &QListWidget::itemClicked, this, open);
     connect(lstFound_, &QListWidget::itemActivated, this, open);
-    search_->Found = [this](const std::vector<FoundTopic>& topics) {
-        lstFound_->clear();
-        for (const FoundTopic& topic : topics) {
-            auto* const item = new QListWidgetItem(topic.title + '\n' + topic.extract, lstFound_);
-            item->setData(Qt::UserRole, topic.address);
-            item->setData(Qt::AccessibleTextRole, topic.title);
-        }
-        lstFound_->setCurrentRow(0);
-        lblFound_->setText(FoundText(static_cast<qsizetype>(topics.size())));
-    };
     return page;
+}
+
+void HelpWindow::Search() {
+    const std::vector<FoundTopic> topics = search_.Search(txtSearch_->text());
+    lstFound_->clear();
+    for (const FoundTopic& topic : topics) {
+        auto* const item = new QListWidgetItem(topic.title + '\n' + topic.extract, lstFound_);
+        item->setData(Qt::UserRole, topic.address);
+        item->setData(Qt::AccessibleTextRole, topic.title);
+    }
+    lstFound_->setCurrentRow(0);
+    lblFound_->setText(FoundText(static_cast<qsizetype>(topics.size())));
 }
 
 QWidget* HelpWindow::InputOf(int tab) const {

@@ -5,6 +5,8 @@
 #include <QMainWindow>
 #include <QUrl>
 
+#include "shell/HelpSearch.h"
+
 class QHelpContentWidget;
 class QHelpEngine;
 class QHelpIndexWidget;
@@ -16,7 +18,6 @@ class QTabWidget;
 namespace pollarix {
 
 class HelpBrowser;
-class HelpSearch;
 
 class HelpWindow : public QMainWindow {
     Q_OBJECT
@@ -40,6 +41,7 @@ class HelpWindow : public QMainWindow {
     QWidget* BuildContents();
     QWidget* BuildIndex();
     QWidget* BuildSearch();
+    void Search();
     QWidget* InputOf(int tab) const; // where one types or chooses in a tab
     void Open(const QUrl& address);
     void ShowPlaceInContents();
@@ -47,7 +49,7 @@ class HelpWindow : public QMainWindow {
     void StandAboveDialogs();
 
     QHelpEngine& engine_;
-    HelpSearch* search_;
+    HelpSearch search_;
     HelpBrowser* browser_;
     QTabWidget* tabs_;
     QHelpContentWidget* contents_;

@@ -42,11 +42,8 @@ class HelpTest : public testing::Test {
     QStringList Search(const QString& words) {
         auto* const box = Find<QLineEdit>("txtSearch");
         auto* const list = Find<QListWidget>("lstFound");
-        auto* const count = Find<QLabel>("lblFound");
-        count->clear();
         box->setText(words);
         QTest::keyClick(box, Qt::Key_Return);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !count->text().isEmpty(); }, 10000));
         QStringList pages;
         for (int i = 0; i < list->count(); ++i)
             pages << list->item(i)->data(Qt::UserRole).toUrl().fileName();
@@ -85,28 +82,42 @@ TEST_F(HelpTest, WhatANewcomerWouldTryIsFound) {
     EXPECT_TRUE(Find<QLineEdit>("txtSearch")->hasFocus() || !help.Window().isActiveWindow());
     EXPECT_EQ(Page(), "contents.html"); // beside an empty search
     const std::pair<const char*, const char*> tries[] = {
-        {"how do I delete a question", "question-list.html"},
         {"graph", "graph.html"},
-        {"send link by email", "publishing.html"},
-        {"skip a question", "jumps.html"},
-        {"spreadsheet", "export.html"},
-        {"password", "servers.html"},
         {"print", "printing.html"},
+        {"PAPER", "paper.html"},
+        {"copy question", "question-list.html"},
+        {"how do I delete a question", "question-list.html"},
+        {"skip", "jumps.html"},
+        {"password", "servers.html"},
+        {"excel", "export.html"},
+        {"statistics", "export.html"},
+        {"scale", "scales.html"},
         {"rating", "matrix.html"},
-        {"new scale", "scales.html"},
+        {"delete answers", "collection.html"},
+        {"percent", "percentages.html"},
+        {"send link by email", "publishing.html"},
+        {"checkbox", "question-types.html"},
         {"multiple choice", "question-types.html"},
+        {"crash", "files.html"},
         {"shortcuts keyboard", "keyboard.html"},
+        {"mandatory", "question-types.html"},
+        {"image of the graph", "graph.html"},
+        // Other forms than those in the pages.
+        {"copied", "question-text.html"},
+        {"libraries", "library.html"},
+        {"skipped", "jumps.html"},
+        {"ticking boxes", "question-types.html"},
     };
     for (const auto& [words, page] : tries) {
-        const QStringList found = Search(words).mid(0, 4);
+        const QStringList found = Search(words).mid(0, 3);
         EXPECT_TRUE(found.contains(page)) << words << ": " << found.join(' ').toStdString();
     }
     // Words that together are on no page find the pages of either.
     EXPECT_TRUE(Search("pie wizardry").contains("graph.html"));
-    // What the index would take for its own signs.
-    for (const char* odd : {"\"", "a OR", "NEAR(", "-", "*", "title:x", "what is the"})
-        EXPECT_TRUE(Search(odd).size() >= 0) << odd;
-    EXPECT_EQ(Search("xylophone"), QStringList());
+    for (const char* nothing : {"", "\"", "what is the?", "*", "xylophone", "Größe", "\u4e2d"}) {
+        EXPECT_EQ(Search(nothing), QStringList()) << nothing;
+        EXPECT_EQ(Find<QLabel>("lblFound")->text(), "No topic found.");
+    }
 
     // A find opens by the keyboard.
     Search("pie chart");
