@@ -227,14 +227,14 @@ void SurveyDocument::DoClose() {
     views_.tvTreeView_NodeClick(RootKey);
 }
 
-bool SurveyDocument::mnuFileSave_Click() {
+void SurveyDocument::mnuFileSave_Click() {
     if (EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive))
-        return mnuFileSaveAs_Click();
-    DoSave();
-    return true;
+        mnuFileSaveAs_Click();
+    else
+        DoSave();
 }
 
-bool SurveyDocument::mnuFileSaveAs_Click() {
+void SurveyDocument::mnuFileSaveAs_Click() {
     const QString old = state_.CurrentFilename;
     QString chosen = EndsInTmp(old, Qt::CaseSensitive) ? QString() : old;
     try {
@@ -245,7 +245,7 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
         request.promptOverwrite = true;
         chosen = state_.dialogs.ShowSave(request).fileName;
         if (chosen.isEmpty())
-            return true;
+            return;
         state_.SurveyConnection.Close();
         state_.CurrentFilename.clear();
         CopyFileOver(old, chosen);
@@ -254,17 +254,15 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
         DoSave();
         DoClose();
         DoOpen(chosen, true, 1);
-        return true;
     } catch (const Failure& failure) {
         if (failure.Number() == failure::DialogCancelled)
-            return true;
+            return;
         state_.dialogs.MsgBox("Unable to write to file " + chosen + " " + failure.Description() +
                                   " " + QString::number(failure.Number()) + " " + failure.Source(),
                               MsgIcon::Critical);
         // Model and tree stay as they are.
         state_.CurrentFilename = old;
         ReopenAfterFailedCopy(old);
-        return false;
     }
 }
 
@@ -289,8 +287,9 @@ bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
     switch (state_.dialogs.MsgBox(SaveQuestion, MsgIcon::Question, MsgButtons::YesNoCancel)) {
     case MsgAnswer::Yes:
         if (EndsInTmp(state_.CurrentFilename, caseOfTmp))
-            return mnuFileSaveAs_Click();
-        DoSave();
+            mnuFileSaveAs_Click();
+        else
+            DoSave();
         return true;
     case MsgAnswer::No:
         return true;

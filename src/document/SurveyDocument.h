@@ -27,20 +27,19 @@ class SurveyDocument {
     // Empties the tree and detaches the file. The model keeps its questions until the next opening.
     void DoClose();
 
-    // Both give false when the survey could not be written, which a message has told by then; a
-    // cancelled dialog gives true. They throw what DoSave throws, and what opening the old file
-    // again throws.
-    bool mnuFileSave_Click();
-    bool mnuFileSaveAs_Click();
+    // A Save As that is cancelled or fails at the copy ends without a failure; the latter has shown
+    // a message. They throw what DoSave throws, and what opening the old file again throws.
+    void mnuFileSave_Click();
+    void mnuFileSaveAs_Click();
 
     // The test for unsaved changes. A survey of one question whose editor is empty is never
     // changed, whatever the flag says: that is the untouched new survey.
     bool IsFileChanged() const;
 
-    // The question before a survey is left: saves if the user says so. False when the user cancels
-    // what was asked for, or the survey could not be written: then it must not be left either. A
-    // Save As that was cancelled does not stop it. `caseOfTmp` tells how the name's end is compared
-    // with ".tmp".
+    // The question before a survey is left: saves if the user says so. False only when the user
+    // cancels the question. A Save As that was cancelled, or that showed its message, does not stop
+    // what was asked for: required behaviour. Throws what DoSave throws. `caseOfTmp` tells how the
+    // name's end is compared with ".tmp".
     bool AskToSave(Qt::CaseSensitivity caseOfTmp);
 
   private:
