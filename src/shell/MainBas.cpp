@@ -47,15 +47,13 @@ int Run(QtDialogs& dialogs) {
 } // namespace
 
 void StartUp(ApplicationState& state, frmMain& window, const QString& commandLine) {
-    RunHandler([&] { window.Form_Load(commandLine); });
+    window.Form_Load(commandLine);
     window.show();
-    // A file named on the command line gains the blank question at its end as well.
-    RunHandler([&] { window.AddBlankOpenEndedQuestion(); });
     RunHandler([&] {
+        // A file named on the command line gains the blank question at its end as well.
+        window.AddBlankOpenEndedQuestion();
         if (ShowTipsAtStartup(state))
             frmTip(state, &window).exec();
-    });
-    RunHandler([&] {
         const QString firstRun =
             state.settings.GetSetting(SettingsApplication, "Config", "FirstRun", "True");
         state.settings.SaveSetting(SettingsApplication, "Config", "FirstRun", "False");

@@ -17,7 +17,7 @@ int Main(int& argc, char** argv);
 // The steps of the main procedure on a main window that was just made: shows it, with the survey
 // that the command line names or a new one, then the tip of the day, then asks who starts the
 // program for the first time whether to open the tutorial. Throws nothing: a step that fails is
-// reported, and the next one is taken.
+// reported and ends the procedure, and the window stays.
 void StartUp(ApplicationState& state, frmMain& window, const QString& commandLine);
 
 // What the box says of a run-time failure that no handler caught. One of the database names the

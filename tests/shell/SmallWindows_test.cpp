@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Handlers.h"
 #include "shell/Attendant.h"
 #include "shell/HelpWindow.h"
 #include "shell/MainBas.h"
@@ -157,8 +158,16 @@ TEST(StartUp, TheFirstStartAsksAndTheSecondDoesNot) {
     EXPECT_EQ(start(), "");
     EXPECT_EQ(program.dialogs.TakeTexts(), QStringList());
 
-    // A refused tutorial is not offered again, and tips that were turned off stay away.
+    // A step that fails is the last one: the first start is still to come.
     program.settings.SaveSetting("Quillmark", "Config", "FirstRun", "True");
+    program.settings.SaveSetting(TipsApplication(), "Options", "Current Tip", "soon");
+    QList<int> failures;
+    SetFailureReporter([&](const Failure& failure) { failures << failure.Number(); });
+    EXPECT_EQ(start(), "");
+    SetFailureReporter({});
+    EXPECT_EQ(failures, QList<int>{failure::TypeMismatch});
+
+    // A refused tutorial is not offered again, and tips that were turned off stay away.
     program.settings.SaveSetting(TipsApplication(), "Options", "Show Tips at Startup", "0");
     program.dialogs.answers = {MsgAnswer::No};
     EXPECT_EQ(start(), "");
