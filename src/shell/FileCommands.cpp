@@ -1,7 +1,7 @@
 #include "shell/FileCommands.h"
 
-#include "platform/Failure.h"
 #include "platform/Files.h"
+#include "platform/Handlers.h"
 
 namespace pollarix {
 
@@ -27,8 +27,8 @@ void FileCommands::mnuFileOpen_Click() {
             return;
         document_.DoClose();
         document_.DoOpen(name, true, 1);
-    } catch (const Failure& failure) {
-        if (failure.Number() != failure::DialogCancelled)
+    } catch (const std::exception&) {
+        if (CaughtFailure().Number() != failure::DialogCancelled)
             state_.dialogs.MsgBox("Unable to open file.", MsgIcon::Critical);
     }
 }

@@ -128,7 +128,8 @@ void frmMain::Form_Load(const QString& commandLine) {
         picDesign_->LoadLibrary();
         LoadState = 17;
         picDesign_->LoadMatrixResponses();
-    } catch (const Failure& failure) {
+    } catch (const std::exception&) {
+        const Failure failure = CaughtFailure();
         state_.dialogs.MsgBox(
             QString("An error has occured loading please contact support at %1 for assitance. \n")
                     .arg(SupportAddress) +

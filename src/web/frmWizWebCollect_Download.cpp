@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "platform/Files.h"
+#include "platform/Handlers.h"
 #include "platform/HourGlass.h"
 #include "platform/Windows1252.h"
 #include "web/ResultsReader.h"
@@ -22,8 +23,8 @@ void frmWizWebCollect_Download::Timer1_Timer() {
     bool finished = false;
     try {
         finished = Collect();
-    } catch (const std::exception& failure) {
-        description = QString::fromUtf8(failure.what());
+    } catch (const std::exception&) {
+        description = CaughtFailure().Description();
     }
     // After a failure that has been told there is none to describe: the word stands behind a blank.
     if (!finished)
