@@ -93,13 +93,7 @@ DbValue ToNumber(std::string_view bytes) {
 
 class Importer {
   public:
-    explicit Importer(Connection& file)
-        : respondents_(file, "Respondent", {"Source"}),
-          answers_(file, "Respondent_Responses",
-                   {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"}),
-          matrixAnswers_(
-              file, "Respondent_Responses",
-              {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse", "ResponseMatrixID"}) {}
+    explicit Importer(Connection& file) : file_(file) {}
 
     int Count() const { return count_; }
 
@@ -155,22 +149,22 @@ class Importer {
             return;
         // A respondent comes to life with its first whole record, before the kind is looked at.
         if (respondent_ == 0) {
-            respondent_ = respondents_.Add({"Web"});
+            respondent_ = Insert(respondents_, "Respondent", {"Source"}).Add({"Web"});
             ++count_;
         }
         // The server puts the question's id into the tag of its number.
         const DbValue question = ToNumber(record_.questionNo);
         switch (record_.kind) {
         case 0:
-            answers_.Add({question, respondent_, 1, ToText(record_.text)});
+            StoreAnswer(question, 1, ToText(record_.text));
             break;
         case 1:
             for (const std::string_view response : record_.responses)
-                answers_.Add({question, respondent_, ToNumber(response), ""});
+                StoreAnswer(question, ToNumber(response), "");
             break;
         case 2:
             if (!record_.responses.empty())
-                answers_.Add({question, respondent_, ToNumber(record_.responses[0]), ""});
+                StoreAnswer(question, ToNumber(record_.responses[0]), "");
             break;
         case 3:
             for (const std::string_view response : record_.responses)
@@ -181,19 +175,34 @@ class Importer {
         }
     }
 
+    void StoreAnswer(const DbValue& question, const DbValue& response, const DbValue& text) {
+        Insert(answers_, "Respondent_Responses",
+               {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"})
+            .Add({question, respondent_, response, text});
+    }
+
     // The point of the scale comes first, then the sub question; further parts are dropped.
     void StoreMatrix(const DbValue& question, std::string_view value) {
         const std::size_t comma = value.find(',');
         if (comma == std::string_view::npos)
             throw Failure(failure::Subscript);
         const std::string_view second = value.substr(comma + 1);
-        matrixAnswers_.Add({question, respondent_, ToNumber(second.substr(0, second.find(','))), "",
-                            ToNumber(value.substr(0, comma))});
+        Insert(matrixAnswers_, "Respondent_Responses",
+               {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse", "ResponseMatrixID"})
+            .Add({question, respondent_, ToNumber(second.substr(0, second.find(','))), "",
+                  ToNumber(value.substr(0, comma))});
     }
 
-    TableInsert respondents_;
-    TableInsert answers_;
-    TableInsert matrixAnswers_;
+    // Made when its first row comes: a file of another version may lack what no row needs.
+    TableInsert& Insert(std::optional<TableInsert>& insert, const char* table,
+                        std::initializer_list<const char*> columns) {
+        return insert ? *insert : insert.emplace(file_, table, columns);
+    }
+
+    Connection& file_;
+    std::optional<TableInsert> respondents_;
+    std::optional<TableInsert> answers_;
+    std::optional<TableInsert> matrixAnswers_;
     State state_ = State::Outside;
     std::int64_t respondent_ = 0;
     int count_ = 0;

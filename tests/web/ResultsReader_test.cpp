@@ -126,6 +126,12 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     }
     EXPECT_EQ(NumberOf([&] { DoLoadXML(program.state, program.Path("none.txt")); }),
               failure::FileNotFound);
+
+    // A survey of another version takes what its tables have a place for.
+    RunSql(path, {"ALTER TABLE respondent_responses RENAME COLUMN ResponseMatrixID TO OldID"});
+    EXPECT_NE(Import(Block(good + Record("8", "3", Values({"7,41"})))), 0);
+    RunSql(path, {"ALTER TABLE respondent_responses RENAME COLUMN OldID TO ResponseMatrixID"});
+    EXPECT_EQ(Taken(), taken);
 }
 
 TEST_F(Results, AnyBytesImportWhatIsWholeOrEndInOneOfTheKnownFailures) {
