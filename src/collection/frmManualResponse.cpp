@@ -13,10 +13,10 @@
 #include "collection/AnswerList.h"
 #include "collection/MatrixDelegate.h"
 #include "collection/MatrixHead.h"
-#include "collection/RedrawOff.h"
 #include "document/clsQ.h"
 #include "platform/Grid.h"
 #include "platform/Handlers.h"
+#include "platform/RedrawOff.h"
 #include "platform/RichText.h"
 #include "platform/ScreenTitle.h"
 #include "platform/Twips.h"
@@ -311,8 +311,6 @@ void frmManualResponse::ShowRadio(std::int64_t question) {
 void frmManualResponse::ShowMatrix(std::int64_t question) {
     ShowPanel(picDCResponseMatrix_);
     const RedrawOff redrawOff(*gMatrix_);
-    gMatrix_->SetRows(1);
-    gMatrix_->SetCols(1);
     std::int16_t group = -1;
     const bool rows = LoadMatrixRows(question, group);
     const bool points = LoadMatrixPoints(group);
@@ -341,10 +339,13 @@ bool frmManualResponse::LoadMatrixRows(std::int64_t question, std::int16_t& grou
     Recordset row = state_.SurveyConnection.Execute(
         "SELECT id, name, responsematrixgroupid FROM response WHERE questionid = ? ORDER BY pos",
         {question});
-    gMatrix_->setVisible(!row.AtEnd());
-    if (row.AtEnd())
-        return false;
-    group = Narrow16(row.Integer("responsematrixgroupid"));
+    const bool any = !row.AtEnd();
+    // A scale that can't be read leaves the grid as the page before had it.
+    if (any)
+        group = Narrow16(row.Integer("responsematrixgroupid"));
+    gMatrix_->setVisible(any);
+    gMatrix_->SetRows(1);
+    gMatrix_->SetCols(1);
     for (; !row.AtEnd(); row.MoveNext()) {
         const int at = gMatrix_->Rows();
         gMatrix_->SetRows(at + 1);
@@ -352,7 +353,7 @@ bool frmManualResponse::LoadMatrixRows(std::int64_t question, std::int16_t& grou
         gMatrix_->SetRowData(at, row.Integer("id"));
         gMatrix_->SetCellAlignment(at, 0, 7);
     }
-    return true;
+    return any;
 }
 
 bool frmManualResponse::LoadMatrixPoints(std::int16_t group) {

@@ -8,13 +8,13 @@
 
 #include <vector>
 
-#include "collection/RedrawOff.h"
 #include "collection/frmManualResponse.h"
 #include "platform/ComboBox.h"
 #include "platform/Failure.h"
 #include "platform/Formats.h"
 #include "platform/Grid.h"
 #include "platform/Handlers.h"
+#include "platform/RedrawOff.h"
 #include "platform/RichText.h"
 #include "platform/Twips.h"
 
@@ -187,11 +187,13 @@ void picRespondentList::FillExampleQuestions() {
                                        PlainTextOf(row.NullToString("question")));
         cboDCExampleQuestion_->SetItemData(cboDCExampleQuestion_->NewIndex(), row.Integer("id"));
     }
-    const int count = cboDCExampleQuestion_->ListCount();
-    if (count > 0) {
+    const bool any = cboDCExampleQuestion_->ListCount() > 0;
+    lblSample_->setVisible(any);
+    if (any) {
         ExampleQuestionEventsOn = false;
-        // By position and not by question. Another survey may have fewer questions than that.
-        cboDCExampleQuestion_->SetListIndex(remembered < count ? remembered : -1);
+        // By position and not by question. It fails where there are fewer questions now, and leaves
+        // none selected and the events off until the next refresh. Required.
+        cboDCExampleQuestion_->SetListIndex(remembered);
         if (cboDCExampleQuestion_->ListIndex() == -1) {
             cboDCExampleQuestion_->SetListIndex(0);
             cboDCExampleQuestion_->setVisible(true);
@@ -200,15 +202,14 @@ void picRespondentList::FillExampleQuestions() {
     } else {
         cboDCExampleQuestion_->setVisible(false);
     }
-    lblSample_->setVisible(count > 0);
 }
 
 void picRespondentList::RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID) {
-    FillExampleQuestions();
     // Until they are read anew, no respondents are listed: the ones that were may be of another
     // file.
     gRespondents_->SetRows(1);
     waiting_.reset();
+    FillExampleQuestions();
     if (isVisible()) {
         FillList(Row, RespondentID);
         return;

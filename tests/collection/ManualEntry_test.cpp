@@ -129,11 +129,14 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
 }
 
 struct Jump {
+    const char* name;
     int choice; // -1 for none
     int target; // stored in the file for it; 0 leaves what is there
     QString shown;
     QStringList stored;
     std::vector<int> failures;
+
+    friend void PrintTo(const Jump& jump, std::ostream* out) { *out << jump.name; }
 };
 
 class JumpTest : public CollectionScreen, public testing::WithParamInterface<Jump> {};
@@ -157,12 +160,13 @@ TEST_P(JumpTest, FollowsTheChosenAnswer) {
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    All, JumpTest,
-    testing::Values(Jump{-1, 0, "2. Why again?", {}, {}},
-                    Jump{2, 0, "1. Your first visit?", {"1|2|3||NULL"}, {}}, // to itself
-                    Jump{3, 0, "1. Your first visit?", {"1|2|4||NULL"}, {}}, // target gone
-                    Jump{0, 32768, "1. Your first visit?", {}, {failure::Overflow}},
-                    Jump{0, 7, "6. Anything else?", {"1|2|1||NULL"}, {}}));
+    , JumpTest,
+    testing::Values(Jump{"NoChoice", -1, 0, "2. Why again?", {}, {}},
+                    Jump{"ToItself", 2, 0, "1. Your first visit?", {"1|2|3||NULL"}, {}},
+                    Jump{"TargetGone", 3, 0, "1. Your first visit?", {"1|2|4||NULL"}, {}},
+                    Jump{"TooFar", 0, 32768, "1. Your first visit?", {}, {failure::Overflow}},
+                    Jump{"ToTheEnd", 0, 7, "6. Anything else?", {"1|2|1||NULL"}, {}}),
+    [](const auto& info) { return std::string(info.param.name); });
 
 TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
     OpenBlank();
@@ -196,6 +200,28 @@ TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
     });
     EXPECT_EQ(Answers(),
               QStringList({"1|1|2||46", "1|1|1||48", "1|3|4||46", "1|4|1||NULL", "1|5|5||47"}));
+}
+
+TEST_F(ManualEntry, APageThatFailsStandsAsFarAsItGot) {
+    OpenBlank();
+    Add(kind::Matrix, "First", {"a"}, 11);
+    Add(kind::Matrix, "No scale", {"b", "c"}, 11);
+    Add(kind::Matrix, "Scale without points", {"d"}, 1);
+    document.DoSave();
+    RunSql(path, {"UPDATE response SET responseMatrixGroupID = NULL WHERE questionid = 2"});
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        page.Next();
+        EXPECT_EQ(failures, std::vector<int>{failure::InvalidNull});
+        EXPECT_EQ(page.Question(), "2. No scale");
+        EXPECT_EQ(page.Matrix().Rows(), 2); // still that of the page before, and stored again
+        page.Next();
+        EXPECT_EQ(failures, (std::vector<int>{failure::InvalidNull, failure::InvalidArgument}));
+        EXPECT_FALSE(page.Matrix().isVisible());
+        page.Next();
+    });
+    EXPECT_EQ(Answers(), QStringList({"1|1|1||46", "1|2|1||46"}));
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
 }
 
 TEST_F(ManualEntry, ASurveyWithoutQuestionsIsCompletedAtOnce) {
