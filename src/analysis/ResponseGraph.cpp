@@ -1,5 +1,6 @@
 #include "analysis/ResponseGraph.h"
 
+#include "document/clsQ.h"
 #include "platform/Failure.h"
 
 namespace pollarix {
@@ -23,8 +24,9 @@ std::optional<std::vector<ChartRow>> Points(Connection& file, std::int64_t quest
                                             std::int16_t key) {
     DbValue group;
     {
-        const Recordset first = file.Execute(
-            "SELECT id, ResponseMatrixGroupID FROM response WHERE questionid = ?", {question});
+        const Recordset first = file.Execute("SELECT id, ResponseMatrixGroupID FROM response WHERE "
+                                             "questionid = ? ORDER BY id",
+                                             {question});
         if (first.AtEnd())
             return std::nullopt;
         if (!first.IsNull(1))
@@ -66,31 +68,28 @@ ChartType ChartTypeOfStyle(int ListIndex) {
     return static_cast<ChartType>(ListIndex);
 }
 
-ResponseGraph ReadGraph(Connection& file, std::int64_t RowData, std::int16_t Key) {
-    ResponseGraph graph;
-    std::int64_t question = 0;
-    {
-        const Recordset response =
-            file.Execute("SELECT questionid FROM response WHERE id = ?", {RowData});
-        if (response.AtEnd()) {
-            graph.hidden = true;
-            return graph;
-        }
-        question = response.Integer(0);
+GraphQuestion QuestionOfGraph(Connection& file, std::int64_t RowData) {
+    GraphQuestion question;
+    const Recordset response =
+        file.Execute("SELECT questionid FROM response WHERE id = ?", {RowData});
+    if (response.AtEnd()) {
+        question.shows = false;
+        return question;
     }
-    std::int64_t qtype = 0;
-    {
-        const Recordset kind = file.Execute("SELECT qtype FROM question WHERE id = ?", {question});
-        if (!kind.AtEnd()) {
-            qtype = kind.Integer(0);
-            graph.hidden = qtype == 0 || qtype == 4;
-        }
+    question.id = response.Integer(0);
+    const Recordset row = file.Execute("SELECT qtype FROM question WHERE id = ?", {*question.id});
+    if (!row.AtEnd()) {
+        question.qtype = row.Integer(0);
+        question.shows = question.qtype != kind::OpenEnded && question.qtype != kind::Text;
     }
-    if (qtype == 3)
-        graph.table = Points(file, question, Key);
-    else
-        graph.table = Choices(file, question);
-    return graph;
+    return question;
+}
+
+std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, std::int64_t question,
+                                               std::int64_t qtype, std::int16_t Key) {
+    if (qtype == kind::Matrix)
+        return Points(file, question, Key);
+    return Choices(file, question);
 }
 
 } // namespace pollarix

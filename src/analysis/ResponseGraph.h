@@ -10,15 +10,21 @@
 
 namespace pollarix {
 
-struct ResponseGraph {
-    bool hidden = false; // chart and button are hidden, whatever the table holds
-    // None: the chart keeps what it showed.
-    std::optional<std::vector<ChartRow>> table;
+struct GraphQuestion {
+    std::optional<std::int64_t> id; // none: there is nothing to draw
+    std::int64_t qtype = 0;
+    // Whether chart and button are shown; none leaves them as they are.
+    std::optional<bool> shows;
 };
 
-// RowData of the row, and its entry of SummaryKeys (-1 for none). The entry decides which sub
-// question of a matrix is drawn; one of another question gives rows without label and value.
-ResponseGraph ReadGraph(Connection& file, std::int64_t RowData, std::int16_t Key);
+// The question that the row with this RowData belongs to.
+GraphQuestion QuestionOfGraph(Connection& file, std::int64_t RowData);
+
+// The chart's table; none leaves what it showed. Key is the row's entry of SummaryKeys (-1 for
+// none). It decides which sub question of a matrix is drawn; one of another question gives rows
+// without label and value.
+std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, std::int64_t question,
+                                               std::int64_t qtype, std::int16_t Key);
 
 // Entry of the style list, from 0, to the chart's own number.
 ChartType ChartTypeOfStyle(int ListIndex);

@@ -129,25 +129,29 @@ void CheckSummary(Connection& file) {
     for (const char* sql : {ChoiceCount, PointCount})
         file.Execute(sql, {nullptr, nullptr});
     const bool nobody = file.Execute("SELECT source FROM respondent LIMIT 1").AtEnd();
-    if (nobody && !file.Execute("SELECT id FROM respondent_responses LIMIT 1").AtEnd())
-        ReadSummary(file, 1, 0); // divides by nobody for each answer that counts
+    if (nobody && !file.Execute("SELECT id FROM respondent_responses LIMIT 1").AtEnd()) {
+        SummaryReport report;
+        ReadSummary(file, 1, 0, report); // divides by nobody for each answer that counts
+    }
 }
 
-SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID) {
-    SummaryReport report;
-    report.row = Row;
-    report.totals.all = file.Count("SELECT count(*) FROM respondent");
-    report.totals.manualEntry =
-        file.Count("SELECT count(*) FROM respondent WHERE source='Manual Entry'");
-    report.totals.webBased = file.Count("SELECT count(*) FROM respondent WHERE source='Web Based'");
-    report.totals.imported = file.Count("SELECT count(*) FROM respondent WHERE source='Imported'");
+SummaryTotals ReadTotals(Connection& file) {
+    SummaryTotals totals;
+    totals.all = file.Count("SELECT count(*) FROM respondent");
+    totals.manualEntry = file.Count("SELECT count(*) FROM respondent WHERE source='Manual Entry'");
+    totals.webBased = file.Count("SELECT count(*) FROM respondent WHERE source='Web Based'");
+    totals.imported = file.Count("SELECT count(*) FROM respondent WHERE source='Imported'");
+    return totals;
+}
 
+void ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID,
+                 SummaryReport& report) {
+    report.row = Row;
     Builder builder(file, report, ResponseID);
     for (Recordset question = file.Execute(Questions); !question.AtEnd(); question.MoveNext())
         builder.AddQuestion(question);
     if (report.row >= static_cast<std::int64_t>(report.rows.size()))
         report.row = static_cast<std::int64_t>(report.rows.size()) - 1;
-    return report;
 }
 
 } // namespace pollarix

@@ -43,9 +43,13 @@ struct SummaryReport {
     void AddEntry(std::int32_t count, std::int64_t key);
 };
 
-// Row is the grid row to select, overridden by the row of the response with ResponseID. Throws
-// Overflow for a response.id of a matrix beyond 16 bits, and what the database throws.
-SummaryReport ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID);
+SummaryTotals ReadTotals(Connection& file);
+
+// Adds rows and entries to a new report that has its totals. Row is the grid row to select,
+// overridden by the row of the response with ResponseID. Throws Overflow for a response.id of a
+// matrix beyond 16 bits, and what the database throws; the report then ends where that happened.
+void ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID,
+                 SummaryReport& report);
 
 // Throws what ReadSummary would throw for a file that lacks tables or columns, or that holds
 // answers of nobody, without counting.

@@ -12,6 +12,7 @@
 #include "platform/Failure.h"
 #include "platform/Grid.h"
 #include "platform/Handlers.h"
+#include "platform/RedrawOff.h"
 #include "platform/ScreenTitle.h"
 #include "platform/Twips.h"
 
@@ -131,22 +132,33 @@ void picAnalyse::RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t
         CheckSummary(state_.SurveyConnection);
         return;
     }
-    // What a failure leaves must not look like the counts of this survey.
     summary_ = {};
-    gSummaryReport_->SetRows(1);
-    summary_ = ReadSummary(state_.SurveyConnection, Row, ResponseID);
+    summary_.totals = ReadTotals(state_.SurveyConnection);
+    ShowTotals();
+    const RedrawOff redrawOff(*gSummaryReport_);
+    try {
+        ReadSummary(state_.SurveyConnection, Row, ResponseID, summary_);
+    } catch (...) {
+        if (summary_.rows.size() > 1) // else the rows of before stand
+            FillGrid();
+        throw;
+    }
     FillGrid();
+    gSummaryReport_->SetRow(static_cast<int>(summary_.row));
+    gSummaryReport_->SetCol(0);
+    gSummaryReport_->SetColSel(1);
 }
 
-void picAnalyse::FillGrid() {
+void picAnalyse::ShowTotals() {
     const SummaryTotals& totals = summary_.totals;
     lblTotalRespondents_->setText(QString::number(totals.all));
     lblTotalManualEntry_->setText(QString::number(totals.manualEntry));
     lblTotalWebBased_->setText(QString::number(totals.webBased));
     lblTotalImported_->setText(QString::number(totals.imported));
+}
 
+void picAnalyse::FillGrid() {
     Grid& grid = *gSummaryReport_;
-    grid.SetRedraw(false);
     const int rows = static_cast<int>(summary_.rows.size());
     grid.SetRows(rows);
     for (int row = 1; row < rows; ++row) {
@@ -162,10 +174,6 @@ void picAnalyse::FillGrid() {
         widest = qMax(widest, grid.fontMetrics().horizontalAdvance(grid.TextMatrix(row, 0)));
     if (ToTwips(widest + CellPadding) > grid.ColWidth(0))
         grid.SetColWidth(0, ToTwips(widest + CellPadding));
-    grid.SetRow(static_cast<int>(summary_.row));
-    grid.SetCol(0);
-    grid.SetColSel(1);
-    grid.SetRedraw(true);
 }
 
 void picAnalyse::mnuAnalyseTotRespondents_Click() {
@@ -183,15 +191,20 @@ void picAnalyse::RefreshGraph() {
             throw Failure(failure::Subscript);
         key = summary_.SummaryKeys[row];
     }
-    const ResponseGraph graph =
-        ReadGraph(state_.SurveyConnection, gSummaryReport_->RowData(row), key);
-    ShowGraph(!graph.hidden);
-    if (!graph.table)
+    Connection& file = state_.SurveyConnection;
+    const GraphQuestion question = QuestionOfGraph(file, gSummaryReport_->RowData(row));
+    if (question.shows)
+        ShowGraph(*question.shows);
+    if (!question.id)
+        return;
+    const std::optional<std::vector<ChartRow>> table =
+        ReadGraph(file, *question.id, question.qtype, key);
+    if (!table)
         return;
     // After a start-up that failed no style is selected: the chart keeps its own.
     if (cboGraphStyle_->ListIndex() != -1)
         c_->SetChartType(ChartTypeOfStyle(cboGraphStyle_->ListIndex()));
-    c_->SetChartData(*graph.table);
+    c_->SetChartData(*table);
 }
 
 void picAnalyse::ShowGraph(bool on) {

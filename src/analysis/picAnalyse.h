@@ -32,7 +32,8 @@ class picAnalyse : public QWidget {
     // Rebuilds grid and totals. Row is the grid row to select, overridden by that of the response
     // with ResponseID. On the hidden screen nothing is counted, only what would fail is told: the
     // screen is shown by a refresh alone, so nobody sees the grid before the next one. Does not
-    // redraw the graph. Throws what ReadSummary throws; the grid then shows no question.
+    // redraw the graph. Throws what ReadTotals and ReadSummary throw; the screen then shows what
+    // was read until then, and behind it nothing or, without totals or rows, what it showed before.
     void RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID);
 
     void mnuAnalyseTotRespondents_Click();
@@ -44,6 +45,7 @@ class picAnalyse : public QWidget {
 
   private:
     void BuildTotals();
+    void ShowTotals();
     void FillGrid();
     void LeaveRoomForButton();
     void RefreshGraph();

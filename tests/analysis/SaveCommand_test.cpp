@@ -32,6 +32,8 @@ struct Command {
     const char* begin;    // of the file
     const char* question; // once it is written
     void (*start)(ApplicationState&, LongWork&);
+
+    friend void PrintTo(const Command& command, std::ostream* out) { *out << command.name; }
 };
 
 const auto Export = [](ApplicationState& state, LongWork& work) {

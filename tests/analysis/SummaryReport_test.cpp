@@ -28,6 +28,13 @@ class SummaryReportTest : public testing::Test {
         file.Open(path);
     }
 
+    SummaryReport Summary(std::int64_t Row = 1, std::int64_t ResponseID = 0) {
+        SummaryReport report;
+        report.totals = ReadTotals(file);
+        ReadSummary(file, Row, ResponseID, report);
+        return report;
+    }
+
     QStringList Rows(const SummaryReport& report) {
         QStringList rows;
         for (std::size_t row = 1; row < report.rows.size(); ++row)
@@ -37,11 +44,12 @@ class SummaryReportTest : public testing::Test {
     }
 
     QStringList Table(std::int64_t rowData, std::int16_t key) {
-        const ResponseGraph graph = ReadGraph(file, rowData, key);
-        QStringList rows;
-        rows << (graph.hidden ? "hidden" : "shown");
-        if (graph.table)
-            for (const ChartRow& row : *graph.table)
+        const GraphQuestion question = QuestionOfGraph(file, rowData);
+        QStringList rows(!question.shows ? "as it was" : *question.shows ? "shown" : "hidden");
+        if (!question.id)
+            return rows;
+        if (const auto table = ReadGraph(file, *question.id, question.qtype, key))
+            for (const ChartRow& row : *table)
                 rows << row.label + '=' + QString::number(row.value);
         return rows;
     }
@@ -81,12 +89,12 @@ TEST_F(SummaryReportTest, QuestionsComeInTheOrderOfTheirNumbersText) {
           "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, SimpleResponse) "
           "VALUES (1, 1, 1, 'x'), (2, 1, 1, ''), (1, 2, 32, ''), (2, 2, 32, ''), (2, 2, 31, ''), "
           "(1, 3, 1, ''), (3, 99, 31, '')"});
-    const SummaryReport report = ReadSummary(file, 99, 31);
+    const SummaryReport report = Summary(99, 31);
     EXPECT_EQ(Rows(report),
               QStringList({"|. no number|-1", "33.3%|     yes|1", "|10. ten\r\nmore|-1",
                            "66.7%|     first|32", "33.3%|     second|31", "n/a|2. two|-1"}));
     EXPECT_EQ(report.row, 5); // the row of response 31 holds over the row asked for
-    EXPECT_EQ(ReadSummary(file, 99, 0).row, 6);
+    EXPECT_EQ(Summary(99).row, 6);
     EXPECT_EQ(report.totals.all, 3);
     EXPECT_EQ(report.totals.manualEntry, 1); // without regard to case
     EXPECT_EQ(report.totals.imported, 1);
@@ -110,7 +118,7 @@ TEST_F(SummaryReportTest, AMatrixLosesItsLastRowAndItsEntriesRunAhead) {
           "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, SimpleResponse, "
           "ResponseMatrixID) VALUES (1, 1, 11, '', 201), (2, 77, 11, '', 201), (1, 1, 12, '', "
           "203), (1, 2, 21, '', 203), (2, 3, 31, '', NULL)"});
-    const SummaryReport report = ReadSummary(file, 1, 12);
+    const SummaryReport report = Summary(1, 12);
     EXPECT_EQ(Rows(report),
               QStringList({"|1. first|-1", "|     a|11", "100%|          good|11",
                            "0.0%|          fair|11", "0.0%|          bad|11", "|     b|12",
@@ -141,20 +149,18 @@ TEST_F(SummaryReportTest, EmptyMatricesAndScalesLeaveWhatTheyLeave) {
           "(1, 'no rows', '1', 3, 1), (2, 'no points', '2', 3, 2), (3, 'last', '3', 0, 3)",
           "INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) VALUES "
           "(21, 2, 'c', 1, 1), (22, 2, 'd', 2, 1)"});
-    const SummaryReport report = ReadSummary(file, 1, 0);
+    const SummaryReport report = Summary();
     // The matrix without sub questions loses its own row; a scale without points leaves a blank
     // row.
     EXPECT_EQ(Rows(report), QStringList({"|2. no points|-1", "|     c|21", "||0", "|     d|22",
                                          "n/a|3. last|-1"}));
     EXPECT_EQ(Table(21, 21), QStringList("shown"));
 
-    const SummaryReport empty = [&] {
-        Connection other;
-        other.Open(program.BlankSurvey("empty.plxs"));
-        return ReadSummary(other, 1, 0);
-    }();
-    EXPECT_EQ(empty.rows.size(), 1u);
-    EXPECT_EQ(empty.row, 0);
+    RunSql(program.Path("survey.plxs"), {"DELETE FROM question"});
+    EXPECT_EQ(Summary().rows.size(), 1u);
+    EXPECT_EQ(Summary().row, 0);
+    // An answer whose question is gone draws, but neither shows nor hides the graph.
+    EXPECT_EQ(Table(21, -1), QStringList({"as it was", " c=0", " d=0"}));
 }
 
 TEST_F(SummaryReportTest, WhatCannotBeReportedIsToldWithoutCounting) {
@@ -172,10 +178,15 @@ TEST_F(SummaryReportTest, WhatCannotBeReportedIsToldWithoutCounting) {
     EXPECT_EQ(failing("ALTER TABLE responsematrix RENAME COLUMN pos TO place"), 1);
 }
 
-TEST_F(SummaryReportTest, ASubQuestionBeyond16BitsIsAnOverflow) {
+TEST_F(SummaryReportTest, ASubQuestionBeyond16BitsEndsItWhereItStands) {
+    // The scale of a graph is that of the response that was made first, not of the upper one.
     Fill({Scale,
           "INSERT INTO question (id, question, questionno, qtype, pos) VALUES (1, 'm', '1', 3, 1)",
           "INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) VALUES "
-          "(40000, 1, 'a', 1, 100)"});
-    EXPECT_EQ(NumberOf([&] { ReadSummary(file, 1, 0); }), failure::Overflow);
+          "(1, 1, 'a', 2, 100), (40000, 1, 'b', 3, 100), (2, 1, 'c', 1, 1)"});
+    SummaryReport report;
+    EXPECT_EQ(NumberOf([&] { ReadSummary(file, 1, 0, report); }), failure::Overflow);
+    EXPECT_EQ(Rows(report).mid(0, 2), QStringList({"|1. m|-1", "|     c|2"}));
+    EXPECT_EQ(Rows(report).last(), "0.0%|          bad|1");
+    EXPECT_EQ(Table(2, 2), QStringList({"shown", "=0", "=0", "=0"}));
 }

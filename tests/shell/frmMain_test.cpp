@@ -318,6 +318,16 @@ TEST_F(MainWindowTest, TheAnalyzeScreenCountsAndDraws) {
     EXPECT_EQ(grid->TextMatrix(3, 0), "0.0%");
     dialogs.TakeTexts();
     EXPECT_TRUE(failures.empty());
+
+    // A failure leaves what was counted until then.
+    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Imported')",
+                  "ALTER TABLE response RENAME COLUMN pos TO place"});
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(failures.size(), 1u);
+    EXPECT_EQ(Find<QLabel>("lblTotalImported")->text(), "1");
+    EXPECT_EQ(grid->Rows(), 2);
+    click(1);
+    EXPECT_TRUE(chart->isHidden());
 }
 
 TEST_F(MainWindowTest, NothingElseStartsWhileLongWorkRuns) {
