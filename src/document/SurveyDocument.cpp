@@ -1,5 +1,7 @@
 #include "document/SurveyDocument.h"
 
+#include <QHash>
+
 #include "platform/Failure.h"
 #include "platform/Files.h"
 #include "platform/Formats.h"
@@ -110,6 +112,7 @@ void SurveyDocument::ReadQuestions(int SelectIndex, QString& selectKey) {
 
 void SurveyDocument::ReadResponses() {
     clsSurvey& survey = state_.CurrentSurvey;
+    QHash<std::int16_t, QString> keyOf; // many responses jump to few questions
     for (std::int16_t i = 1; i <= survey.QCount; ++i) {
         const std::shared_ptr<clsQ> q = survey.GetQIndex(i);
         if (!HasResponses(q->qType))
@@ -127,7 +130,10 @@ void SurveyDocument::ReadResponses() {
             QString jumpKey;
             if (!row.IsNull("LogicJumpToQuestionID")) {
                 jumpID = Narrow16(row.Integer("LogicJumpToQuestionID"));
-                jumpKey = survey.GetKeyFromDatabaseID(jumpID);
+                auto known = keyOf.find(jumpID);
+                if (known == keyOf.end())
+                    known = keyOf.insert(jumpID, survey.GetKeyFromDatabaseID(jumpID));
+                jumpKey = *known;
             }
             q->AddResponse(row.NullToString("name"), Narrow32(row.Integer("id")), jumpID, jumpKey);
         }

@@ -29,7 +29,7 @@ constexpr bool HasResponses(std::int32_t qType) {
 class clsQ {
   public:
     std::int16_t DatabaseID = 0; // question.id; -1 while there is no row
-    QString Key;                 // 32 hexadecimal digits, new at every load
+    QString Key; // 32 hexadecimal digits, new at every load; clsSurvey alone writes it
     std::int32_t qType = 0;
     QString Question;   // rich text, as the editor gives it
     QString QuestionNo; // decimal, "" for none

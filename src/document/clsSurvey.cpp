@@ -19,6 +19,10 @@ void clsSurvey::Append(std::shared_ptr<clsQ> q) {
     const std::int16_t count = Narrow16(QCount + 1);
     questions_.resize(count + 1);
     questions_[count] = std::move(q);
+    if (positions_.size() == QCount)
+        positions_.insert(questions_[count]->Key, count);
+    else
+        positions_.clear();
     QCount = count;
 }
 
@@ -50,6 +54,9 @@ QString clsSurvey::AddQ(const QString& Question, std::int32_t qType, std::int16_
 }
 
 QString clsSurvey::AddQ2(const std::shared_ptr<clsQ>& newQ) {
+    // It may stand in the list already; its old key then names nothing any more.
+    if (!newQ->Key.isEmpty())
+        positions_.clear();
     newQ->Key = CreateGUIDKey("{}-");
     Append(newQ);
     return newQ->Key;
@@ -64,6 +71,7 @@ void clsSurvey::DeleteQ(const QString& Key) {
         if (found)
             questions_[i] = questions_[i + 1];
     }
+    positions_.clear();
     // The shrink is not conditional: a key that is not in the list costs the last question.
     --QCount;
     questions_.resize(QCount + 1);
@@ -89,15 +97,17 @@ std::shared_ptr<clsQ> clsSurvey::GetQ(const QString& Key) const {
 void clsSurvey::SwapQ(const QString& Key1, const QString& Key2) {
     const std::int16_t i = GetQIndexFromKey(Key1);
     const std::int16_t j = GetQIndexFromKey(Key2);
-    if (i != -1 && j != -1)
-        std::swap(questions_[i], questions_[j]);
+    if (i == -1 || j == -1)
+        return;
+    std::swap(questions_[i], questions_[j]);
+    positions_.clear();
 }
 
 std::int16_t clsSurvey::GetQIndexFromKey(const QString& Key) const {
-    for (std::int16_t i = 1; i <= QCount; ++i)
-        if (questions_[i]->Key == Key)
-            return i;
-    return -1;
+    if (positions_.isEmpty())
+        for (std::int16_t i = QCount; i >= 1; --i)
+            positions_.insert(questions_[i]->Key, i); // the first of two stays
+    return positions_.value(Key, -1);
 }
 
 QString clsSurvey::GetQuestionNoFromKey(const QString& Key) const {
@@ -124,8 +134,11 @@ std::shared_ptr<clsQ> clsSurvey::GetQIndex(std::int16_t Index) const {
 }
 
 void clsSurvey::SetQ(const QString& Key, const std::shared_ptr<clsQ>& q) {
-    if (const std::int16_t i = GetQIndexFromKey(Key); i != -1)
-        questions_[i] = q;
+    const std::int16_t i = GetQIndexFromKey(Key);
+    if (i == -1 || questions_[i] == q)
+        return;
+    questions_[i] = q;
+    positions_.clear();
 }
 
 std::shared_ptr<clsQ> clsSurvey::Required(const QString& Key) const {
@@ -145,6 +158,7 @@ void clsSurvey::UpdateQuestionType(const QString& Key, std::int32_t QuestionType
 
 void clsSurvey::ClearAll() {
     questions_.clear();
+    positions_.clear();
     QCount = 0;
 }
 

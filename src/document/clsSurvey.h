@@ -2,6 +2,7 @@
 // saving it is the truth about questions and responses; respondents and answers are never here.
 #pragma once
 
+#include <QHash>
 #include <QString>
 
 #include <cstdint>
@@ -64,6 +65,10 @@ class clsSurvey {
 
     // Empty while the list has no bounds; else element 0 is never used.
     std::vector<std::shared_ptr<clsQ>> questions_;
+
+    // Where each key stands first in the list, so that a lookup in a long survey costs no walk.
+    // Empty after a change that moved questions, and made again by the next lookup.
+    mutable QHash<QString, std::int16_t> positions_;
 };
 
 } // namespace pollarix

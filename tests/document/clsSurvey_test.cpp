@@ -95,6 +95,43 @@ TEST(clsSurvey, RemovalAlwaysShrinks) {
     EXPECT_EQ(q.ResponsesCount, 2);
 }
 
+// Each key's position, looked up by it after each change, is the first place where it stands.
+TEST(clsSurvey, KeysAreFoundWhereTheyStandAfterEachChange) {
+    clsSurvey survey;
+    const auto check = [&](const char* change) {
+        for (std::int16_t i = survey.QCount; i >= 1; --i) {
+            const QString key = survey.GetQIndex(i)->Key;
+            std::int16_t first = 1;
+            while (survey.GetQIndex(first)->Key != key)
+                ++first;
+            EXPECT_EQ(survey.GetQIndexFromKey(key), first) << change << i;
+        }
+    };
+    QStringList keys;
+    for (int i = 0; i < 6; ++i)
+        keys << survey.AddQ(QString::number(i), 1, -1, 2);
+    check("added ");
+    survey.SwapQ(keys[0], keys[4]);
+    check("swapped ");
+    survey.DeleteQ(keys[1]);
+    EXPECT_EQ(survey.GetQ(keys[1]), nullptr);
+    check("deleted ");
+    const auto other = std::make_shared<clsQ>();
+    other->Key = CreateGUIDKey("{}-");
+    survey.SetQ(keys[2], other);
+    EXPECT_EQ(survey.GetQ(keys[2]), nullptr);
+    check("replaced ");
+    const QString old = other->Key;
+    survey.AddQ2(other); // now it stands there twice
+    EXPECT_EQ(survey.GetQ(old), nullptr);
+    check("added twice ");
+    survey.DeleteQ(other->Key);
+    survey.AddQ("", 1, -1, 2);
+    check("deleted once ");
+    survey.ClearAll();
+    EXPECT_EQ(survey.GetQ(keys[5]), nullptr);
+}
+
 TEST(clsSurvey, TheStoredObjectItselfIsHandedOut) {
     clsSurvey survey;
     const QString key = survey.AddQ("", 2, -1, 2);
