@@ -28,7 +28,7 @@ constexpr const char* Styles[] = {"3D Bar",         "2D Bar",         "3D Line",
 constexpr int GraphLeft = ToPixels(3150);
 constexpr int GraphTop = ToPixels(2430);
 constexpr int Margin = ToPixels(120);
-constexpr int LabelHeight = 18;
+constexpr int SmallestText = 6; // points
 constexpr int CellPadding = 12;
 
 } // namespace
@@ -87,6 +87,7 @@ void picAnalyse::BuildTotals() {
     fraTotals_ = new QGroupBox("Totals", picSummaryReport_);
     fraTotals_->setObjectName("fraTotals");
     auto* form = new QFormLayout(fraTotals_);
+    form->setRowWrapPolicy(QFormLayout::WrapLongRows); // for a large font the column is narrow
     const auto total = [&](const char* name, const QString& caption) {
         auto* value = new QLabel("0", fraTotals_);
         value->setObjectName(name);
@@ -257,6 +258,22 @@ void picAnalyse::LeaveRoomForButton() {
     c_->setContentsMargins(0, 0, 0, qMax(0, covered));
 }
 
+// The strip is no higher than its title: in a large font the text in it is written smaller.
+void picAnalyse::FitInstructions() {
+    const int left = qMax(ToPixels(1400), picTitleAnalyse_->sizeHint().width() + Margin);
+    const int textWidth = width() - left - ToPixels(150);
+    if (textWidth <= 0)
+        return;
+    lblInstructions_->setGeometry(left, 0, textWidth, ScreenTitleHeight);
+    QFont text = font();
+    lblInstructions_->setFont(text);
+    while (lblInstructions_->heightForWidth(textWidth) > ScreenTitleHeight &&
+           text.pointSizeF() > SmallestText) {
+        text.setPointSizeF(text.pointSizeF() - 0.5);
+        lblInstructions_->setFont(text);
+    }
+}
+
 void picAnalyse::LayOut(int windowWidth, int windowHeight) {
     const auto place = [](QWidget* control, int left, int top, int width, int height) {
         // Too small for a value: the control stays as it was.
@@ -273,24 +290,25 @@ void picAnalyse::LayOut(int windowWidth, int windowHeight) {
     LeaveRoomForButton();
 
     place(picTitleAnalyse_, 0, 0, width(), ScreenTitleHeight);
-    const int textLeft = ToPixels(1400);
-    place(lblInstructions_, textLeft, 0, width() - textLeft - ToPixels(150), ScreenTitleHeight);
+    FitInstructions();
     place(picSummaryReport_, 0, 0, width(), height());
 
     // Totals and style in the left column, the grid in the right one, above the graph if it shows.
     const int top = ScreenTitleHeight + 2;
-    const int gridTop = top + LabelHeight;
-    place(lblSummary_, GraphLeft, top, 300, LabelHeight);
-    const int gridBottom = c_->isHidden() ? height() - Margin : GraphTop - LabelHeight - 2;
+    const QSize heading = lblGraph_->sizeHint();
+    const int gridTop = top + heading.height();
+    place(lblSummary_, GraphLeft, top, heading.width(), heading.height());
+    const int gridBottom = c_->isHidden() ? height() - Margin : GraphTop - heading.height() - 2;
     place(gSummaryReport_, GraphLeft, gridTop,
           picSummaryReport_->width() - GraphLeft - ToPixels(200), gridBottom - gridTop);
     gSummaryReport_->scrollTo(gSummaryReport_->currentIndex());
-    place(lblGraph_, GraphLeft, GraphTop - LabelHeight, 400, LabelHeight);
+    place(lblGraph_, GraphLeft, GraphTop - heading.height(), heading.width(), heading.height());
     const int columnWidth = GraphLeft - 2 * Margin;
-    place(fraTotals_, Margin, top + 4, columnWidth, fraTotals_->sizeHint().height());
+    place(fraTotals_, Margin, top + 4, columnWidth,
+          fraTotals_->layout()->totalHeightForWidth(columnWidth));
     const int styleTop = fraTotals_->geometry().bottom() + 2 * Margin;
-    place(lblLabels_, Margin, styleTop, columnWidth, LabelHeight);
-    place(cboGraphStyle_, Margin, styleTop + LabelHeight + 2, columnWidth,
+    place(lblLabels_, Margin, styleTop, columnWidth, heading.height());
+    place(cboGraphStyle_, Margin, styleTop + heading.height() + 2, columnWidth,
           cboGraphStyle_->sizeHint().height());
 }
 

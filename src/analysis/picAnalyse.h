@@ -48,6 +48,7 @@ class picAnalyse : public QWidget {
     void ShowTotals();
     void FillGrid();
     void LeaveRoomForButton();
+    void FitInstructions();
     void RefreshGraph();
     void ShowGraph(bool on);
     void cmdExpand_Click();

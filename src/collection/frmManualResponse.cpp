@@ -159,12 +159,13 @@ void frmManualResponse::Form_Load() {
     RespondentAnswers_ShowQuestion();
 }
 
-// The question has the height that its text needs, but leaves most of the window to the answers.
+// The question has the height that its text needs, but leaves most of the window to the answers. An
+// instruction text has none.
 void frmManualResponse::FitQuestion() {
     const QMargins margins = layout()->contentsMargins();
     const int width = this->width() - margins.left() - margins.right();
     const int wanted = qMax(0, lblDCQuestion_->heightForWidth(width));
-    const int most = height() * 2 / 5;
+    const int most = height() * (entry_.CurrentQType == kind::Text ? 10 : 6) / 15;
     scrollDCQuestion_->setFixedHeight(qMin(wanted, most));
     scrollDCQuestion_->setFocusPolicy(wanted > most ? Qt::TabFocus : Qt::NoFocus);
 }
@@ -207,8 +208,8 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
         text.prepend(number + ". ");
     lblDCQuestion_->setText(text);
     scrollDCQuestion_->verticalScrollBar()->setValue(0);
-    FitQuestion();
     entry_.CurrentQType = qtype;
+    FitQuestion();
 
     // The control that the user was in goes with the page before.
     const bool focusGoes =

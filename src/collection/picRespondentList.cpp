@@ -158,22 +158,31 @@ void picRespondentList::LayOut(int windowWidth, int windowHeight, int visibleHei
     cboDCExampleQuestion_->setGeometry(Margin + labelWidth + Gap, 0,
                                        qMax(200, qMin(640, width() / 2)), comboHeight);
 
-    const int gridTop = comboHeight + Gap;
-    const int gridWidth = windowWidth - ToPixels(500);
-    // What is taken off leaves room for the buttons below, but in a large font not enough.
-    const QSize button = cmdCreateResponse_->sizeHint();
-    const int gridHeight = qMin(windowHeight - gridTop - ToPixels(3500),
-                                visibleHeight - gridTop - button.height() - 2 * Gap);
-    if (gridWidth > 0 && gridHeight > 0)
-        gRespondents_->setGeometry(Margin, gridTop, gridWidth, gridHeight);
-    FitSample();
-
+    // In a large font the buttons take two lines and more.
     int left = Margin;
-    const int top = gRespondents_->geometry().bottom() + 1 + Gap;
+    int top = 0;
+    int line = 0;
     for (QPushButton* placed : {cmdCreateResponse_, cmdEditResponse_, cmdDeleteResponse_}) {
+        line = placed->sizeHint().height() + Gap;
+        if (left > Margin && left + placed->sizeHint().width() > width()) {
+            left = Margin;
+            top += line;
+        }
         placed->setGeometry(QRect({left, top}, placed->sizeHint()));
         left += placed->width() + Gap;
     }
+
+    const int gridTop = comboHeight + Gap;
+    const int gridWidth = windowWidth - ToPixels(500);
+    // What is taken off leaves room for the buttons below, but in a large font not enough.
+    const int gridHeight =
+        qMin(windowHeight - gridTop - ToPixels(3500), visibleHeight - gridTop - top - line - Gap);
+    if (gridWidth > 0 && gridHeight > 0)
+        gRespondents_->setGeometry(Margin, gridTop, gridWidth, gridHeight);
+    FitSample();
+    const int below = gRespondents_->geometry().bottom() + 1 + Gap;
+    for (QPushButton* placed : {cmdCreateResponse_, cmdEditResponse_, cmdDeleteResponse_})
+        placed->move(placed->x(), placed->y() + below);
 }
 
 void picRespondentList::FillExampleQuestions() {
