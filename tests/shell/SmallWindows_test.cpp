@@ -46,45 +46,39 @@ QString TextOf(const frmTip& window) {
     return window.findChild<QLabel*>("lblTipText")->text();
 }
 
-struct TipCase {
-    const char* name;
-    QByteArray file;
-    QString current; // "" for not stored
-    QString shown;
-    QString stored;
-    int failure = 0;
-};
-
-class TipFile : public testing::TestWithParam<TipCase> {};
-
-TEST_P(TipFile, ShowsTheTipAfterTheStoredOne) {
-    TipProgram program;
-    program.Write(GetParam().file);
-    if (!GetParam().current.isEmpty())
-        program.Set("Current Tip", GetParam().current);
-    if (GetParam().failure != 0) {
-        EXPECT_EQ(NumberOf([&] { frmTip window(program.state, nullptr); }), GetParam().failure);
-        return;
+TEST(frmTip, ShowsTheTipAfterTheStoredOne) {
+    struct {
+        QByteArray file;
+        QString current; // "" for not stored
+        QString shown;
+        QString stored;
+        int failure = 0;
+    } const cases[] = {
+        {"one\ntwo\n", "", "two", "2"},
+        {"one\ntwo\n", "2", "one", "1"},
+        {"one\ntwo", "57", "one", "1"}, // a file that got shorter
+        {"", "5", "", "1"},
+        {"one\n\nthree\n", "1", "", "2"},
+        {"one\r\ntwo\r\n", "1", "two", "2"},
+        {"<b>one</b>\n", "1", "<b>one</b>", "1"},
+        {"eins\n\xCE\xB4\xCF\x8D\xCE\xBF\n", "1", "δύο", "2"},
+        {"one\n", "soon", "", "soon", failure::TypeMismatch},
+        {"one\n", "-3", "", "-2", failure::Subscript}, // stored before it is shown
+        {"one\n", "32767", "", "32767", failure::Overflow},
+    };
+    for (const auto& [file, current, shown, stored, failure] : cases) {
+        TipProgram program;
+        program.Write(file);
+        if (!current.isEmpty())
+            program.Set("Current Tip", current);
+        EXPECT_EQ(NumberOf([&] {
+                      const frmTip window(program.state, nullptr);
+                      EXPECT_EQ(TextOf(window), shown);
+                  }),
+                  failure);
+        EXPECT_EQ(program.Get("Current Tip"), stored) << file.toStdString();
     }
-    const frmTip window(program.state, nullptr);
-    EXPECT_EQ(TextOf(window), GetParam().shown);
-    EXPECT_EQ(program.Get("Current Tip"), GetParam().stored);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Edges, TipFile,
-    testing::Values(TipCase{"FirstStartShowsTheSecond", "one\ntwo\n", "", "two", "2"},
-                    TipCase{"AfterTheLastComesTheFirst", "one\ntwo\n", "2", "one", "1"},
-                    TipCase{"AFileThatGotShorter", "one\ntwo", "57", "one", "1"},
-                    TipCase{"NoTips", "", "5", "", "1"},
-                    TipCase{"AnEmptyLineIsAnEmptyTip", "one\n\nthree\n", "1", "", "2"},
-                    TipCase{"LineEndsOfAnotherSystem", "one\r\ntwo\r\n", "1", "two", "2"},
-                    TipCase{"MarkupIsText", "<b>one</b>\n", "1", "<b>one</b>", "1"},
-                    TipCase{"AnyScript", "eins\n\xCE\xB4\xCF\x8D\xCE\xBF\n", "1", "δύο", "2"},
-                    TipCase{"NoNumber", "one\n", "soon", "", "", failure::TypeMismatch},
-                    TipCase{"BelowTheFirst", "one\n", "-3", "", "", failure::Subscript},
-                    TipCase{"BeyondItsRange", "one\n", "32767", "", "", failure::Overflow}),
-    [](const auto& tested) { return std::string(tested.param.name); });
 
 TEST(frmTip, AMissingFileIsNoFailure) {
     TipProgram program;

@@ -14,7 +14,7 @@ using namespace pollarix::test;
 
 namespace {
 
-enum class Ftp { Works, WrongPassword, None, NoIncoming, Full };
+enum class Ftp { Works, NoSession, WrongPassword, None, NoIncoming, Full };
 
 // What differs from a first publish that goes well.
 struct PublishCase {
@@ -44,7 +44,6 @@ const QStringList Asked = {"GetWebUserID&param1=anna&param2=Sesame-93",
                            "MoveNewSurvey&param1=17-8.xml&param2=8&param3=True&param4=17"};
 const QString Exists = "This survey already exists. Do you want to update it?";
 const QString NoLogin = "Unable to login. Error <b>No</b>";
-const QStringList Cancelled = {"Cancelled survey update.", "Failed."};
 const QString WrongPassword =
     "FTP Connection error Request to connect and login to an FTP server could not be completed "
     "because the supplied password is incorrect. ";
@@ -53,6 +52,10 @@ const QString NoConnection = "FTP Connection error The attempt to connect to the
 ServerReply Plain(const char* body) {
     return {.body = body};
 }
+QStringList Failed(const QString& why) {
+    return {why, "Failed."};
+}
+const QStringList Cancelled = Failed("Cancelled survey update.");
 
 const PublishCase Cases[] = {
     {"AFirstSurvey", 10, {}, "", "0123"},
@@ -60,40 +63,19 @@ const PublishCase Cases[] = {
      Ftp::Works, "GetSurveyID", ServerReply::Success("8")},
     {"AnUpdateAnsweredNo", 5, Cancelled, Exists, "01", Ftp::Works, "GetSurveyID",
      ServerReply::Success("8")},
-    {"ARefusedLogin",
-     3,
-     {NoLogin, "Failed."},
-     NoLogin,
-     "0",
-     Ftp::Works,
-     "GetWebUserID",
+    {"ARefusedLogin", 3, Failed(NoLogin), NoLogin, "0", Ftp::Works, "GetWebUserID",
      Plain("<b>No</b>")},
     {"AReplyCutShort", 3, {"Failed."}, "", "0", Ftp::Works, "GetWebUserID", Plain("Success<br>17")},
-    {"ARefusedCreation",
-     6,
-     {"Failed."},
-     "Unable to create survey. Error Too many",
-     "012",
-     Ftp::Works,
-     "CreateSurvey",
-     Plain("Too many")},
-    {"AWrongFtpPassword", 6, {WrongPassword, "Failed."}, WrongPassword, "012", Ftp::WrongPassword},
-    {"NoFtpServer", 6, {NoConnection, "Failed."}, NoConnection, "012", Ftp::None},
-    {"NoDirectoryIncoming",
-     6,
-     {"Error (FtpSetCurrentDirectory) 12003", "Failed."},
-     "",
-     "012",
+    {"ARefusedCreation", 6, QStringList("Failed."), "Unable to create survey. Error Too many",
+     "012", Ftp::Works, "CreateSurvey", Plain("Too many")},
+    {"NoSessionIsNotTold", 6, Told.mid(7), "", "0123", Ftp::NoSession},
+    {"AWrongFtpPassword", 6, Failed(WrongPassword), WrongPassword, "012", Ftp::WrongPassword},
+    {"NoFtpServer", 6, Failed(NoConnection), NoConnection, "012", Ftp::None},
+    {"NoDirectoryIncoming", 6, Failed("Error (FtpSetCurrentDirectory) 12003"), "", "012",
      Ftp::NoIncoming},
-    {"AFullDiskThere", 6, {"Error (FtpPutFile) 12003", "Failed."}, "", "012", Ftp::Full},
-    {"ARefusedSurvey",
-     8,
-     {"Error - server did not accept new survey. Not today"},
-     "",
-     "0123",
-     Ftp::Works,
-     "MoveNewSurvey",
-     Plain("Not today")},
+    {"AFullDiskThere", 6, Failed("Error (FtpPutFile) 12003"), "", "012", Ftp::Full},
+    {"ARefusedSurvey", 8, QStringList("Error - server did not accept new survey. Not today"), "",
+     "0123", Ftp::Works, "MoveNewSurvey", Plain("Not today")},
 };
 
 class Publish : public WebWizard, public testing::WithParamInterface<PublishCase> {
@@ -144,6 +126,7 @@ TEST_P(Publish, TellsWhatHappensAndAsksTheServerNothingElse) {
                          .largestFile = run.ftp == Ftp::Full ? qint64(20000) : qint64(-1)});
     AddTestServer(run.ftp == Ftp::None ? QString("127.0.0.1:%1").arg(FreePort()) : ftp.Host(),
                   run.ftp == Ftp::WrongPassword ? "Rosebud-41" : FtpServer::Password());
+    internet.hasSessions = run.ftp != Ftp::NoSession;
     server.Answer(run.function, run.reply);
     AnswerTheRest();
     if (run.box == Exists)
@@ -169,12 +152,12 @@ TEST_P(Publish, TellsWhatHappensAndAsksTheServerNothingElse) {
     EXPECT_EQ(Texts(), run.box.isEmpty() ? QStringList() : QStringList(run.box));
     QFile document(program.Path("test.xml"));
     ASSERT_TRUE(document.open(QIODevice::ReadOnly));
-    const bool accepted = calls.contains(Asked[3]);
-    EXPECT_EQ(ftp.File("incoming/17-8.xml") == document.readAll(), accepted);
+    EXPECT_EQ(ftp.File("incoming/17-8.xml") == document.readAll(), messages.contains(Told[6]));
     // An upload that is refused on its way never closes its handles.
-    if (accepted || run.ftp == Ftp::Full || run.ftp == Ftp::NoIncoming) {
-        EXPECT_EQ(net.FtpHandle == 0, accepted);
-        EXPECT_EQ(net.InternetHandle == 0, accepted);
+    const bool asked = calls.contains(Asked[3]);
+    if (asked || run.ftp == Ftp::Full || run.ftp == Ftp::NoIncoming) {
+        EXPECT_EQ(net.FtpHandle == 0, asked);
+        EXPECT_EQ(net.InternetHandle == 0, asked);
     }
     EXPECT_FALSE((run.box + messages.join(' ')).contains(QRegularExpression("Sesame|Rosebud")));
 }

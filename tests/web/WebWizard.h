@@ -89,7 +89,10 @@ class WebWizard : public testing::Test {
     FakeViews views;
     QString path;
     SurveyServer server;
-    Internet internet;
+    struct : Internet {
+        bool hasSessions = true;
+        std::int32_t InternetOpen() override { return hasSessions ? Internet::InternetOpen() : 0; }
+    } internet;
     wininet net{internet};
     modWebServer client{net, program.state.directories};
     WebServices services{program.state, views, net, client};
