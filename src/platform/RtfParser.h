@@ -4,7 +4,6 @@
 #pragma once
 
 #include <algorithm>
-#include <limits>
 #include <utility>
 #include <vector>
 
@@ -34,14 +33,6 @@ struct State {
 };
 
 enum class Destination { Text, FontTable, ColourTable, BulletText, BulletStyle };
-
-inline bool IsLetter(char16_t unit) {
-    return (unit >= 'a' && unit <= 'z') || (unit >= 'A' && unit <= 'Z');
-}
-
-inline bool IsDigit(char16_t unit) {
-    return unit >= '0' && unit <= '9';
-}
 
 inline int HexValue(char16_t unit) {
     if (IsDigit(unit))
@@ -182,7 +173,7 @@ template <class Sink> class Parser {
                     ++at_;
                     continue;
                 }
-                const WordAndValue found = ReadWord();
+                const WordAndValue found = ReadWord(at_, end_);
                 if (found.entry->word == Word::Binary)
                     SkipBinary(found.value);
             }
@@ -191,39 +182,6 @@ template <class Sink> class Parser {
 
     // Control words and symbols.
 
-    struct WordAndValue {
-        const WordEntry* entry;
-        int value;
-        bool hasValue;
-    };
-
-    // At the first letter; ends behind the word's number and the one blank that belongs to it.
-    WordAndValue ReadWord() {
-        char name[32];
-        std::size_t length = 0;
-        for (; at_ != end_ && IsLetter(*at_); ++at_) {
-            if (length < sizeof name)
-                name[length] = static_cast<char>(*at_);
-            ++length;
-        }
-        WordAndValue found{&FindWord({name, length > sizeof name ? 0 : length}), 0, false};
-        const bool negative = at_ != end_ && *at_ == '-';
-        if (negative && (at_ + 1 == end_ || !IsDigit(at_[1])))
-            return found;
-        if (negative)
-            ++at_;
-        std::int64_t value = 0;
-        for (; at_ != end_ && IsDigit(*at_); ++at_) {
-            value =
-                std::min<std::int64_t>(value * 10 + (*at_ - '0'), std::numeric_limits<int>::max());
-            found.hasValue = true;
-        }
-        found.value = static_cast<int>(negative ? -value : value);
-        if (at_ != end_ && *at_ == ' ')
-            ++at_;
-        return found;
-    }
-
     void Control() {
         if (at_ == end_)
             return;
@@ -231,7 +189,7 @@ template <class Sink> class Parser {
         if (IsLetter(unit)) {
             const bool starts = std::exchange(groupStart_, false);
             const bool ignorable = std::exchange(ignorable_, false);
-            Obey(ReadWord(), starts, ignorable);
+            Obey(ReadWord(at_, end_), starts, ignorable);
             return;
         }
         ++at_;

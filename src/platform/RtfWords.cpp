@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <limits>
 
 namespace pollarix::rtf {
 
@@ -118,8 +119,6 @@ static_assert(Sorted.size() < 256);
 
 constexpr WordEntry None;
 
-} // namespace
-
 const WordEntry& FindWord(std::string_view name) {
     if (name.empty() || name[0] < 'a' || name[0] > 'z')
         return None;
@@ -129,6 +128,33 @@ const WordEntry& FindWord(std::string_view name) {
             return Sorted[index];
     }
     return None;
+}
+
+} // namespace
+
+WordAndValue ReadWord(const char16_t*& position, const char16_t* end) {
+    const char16_t* at = position; // a local one is faster
+    char name[32];
+    std::size_t length = 0;
+    for (; at != end && IsLetter(*at); ++at) {
+        if (length < sizeof name)
+            name[length] = static_cast<char>(*at);
+        ++length;
+    }
+    WordAndValue found{&FindWord({name, length > sizeof name ? 0 : length}), 0, false};
+    const bool negative = end - at > 1 && *at == '-' && IsDigit(at[1]);
+    if (negative)
+        ++at;
+    std::int64_t value = 0;
+    for (; at != end && IsDigit(*at); ++at) {
+        value = std::min<std::int64_t>(value * 10 + (*at - '0'), std::numeric_limits<int>::max());
+        found.hasValue = true;
+    }
+    found.value = static_cast<int>(negative ? -value : value);
+    if (at != end && *at == ' ')
+        ++at;
+    position = at;
+    return found;
 }
 
 } // namespace pollarix::rtf

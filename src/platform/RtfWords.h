@@ -1,5 +1,5 @@
-// The control words of RTF that the reader knows, and the finding of one by its letters. What they
-// do is the reader's business. Also the one sign that reader and writers have to agree on.
+// The control words of RTF that the reader knows, and the reading of one. What they do is the
+// reader's business. Also the one sign that reader and writers have to agree on.
 #pragma once
 
 #include <cstdint>
@@ -62,7 +62,22 @@ struct WordEntry {
     char16_t value = 0;
 };
 
-// Unknown for letters that are no known word.
-const WordEntry& FindWord(std::string_view name);
+inline bool IsLetter(char16_t unit) {
+    return (unit >= 'a' && unit <= 'z') || (unit >= 'A' && unit <= 'Z');
+}
+
+inline bool IsDigit(char16_t unit) {
+    return unit >= '0' && unit <= '9';
+}
+
+struct WordAndValue {
+    const WordEntry* entry; // Unknown for letters that are no known word
+    int value;              // its number, 0 for none; the nearest int for one out of range
+    bool hasValue;
+};
+
+// Reads the word that begins at the position, and leaves the position behind its number and the one
+// blank that belongs to it.
+WordAndValue ReadWord(const char16_t*& position, const char16_t* end);
 
 } // namespace pollarix::rtf
