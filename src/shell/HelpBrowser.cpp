@@ -39,7 +39,7 @@ void HelpBrowser::doSetSource(const QUrl& name, QTextDocument::ResourceType type
     const auto page = [](const QUrl& url) { return url.adjusted(QUrl::RemoveFragment); };
     if (page(address) != page(source()))
         pictures_.clear();
-    QTextBrowser::doSetSource(name, type);
+    QTextBrowser::doSetSource(address, type);
 }
 
 QImage HelpBrowser::Fitted(const QImage& picture) const {

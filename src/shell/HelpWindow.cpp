@@ -73,10 +73,12 @@ HelpWindow::HelpWindow(QHelpEngine& engine) : engine_(engine), search_(engine) {
         if (!tabs_->tabBar()->hasFocus())
             InputOf(tab)->setFocus();
     });
-    connect(browser_, &QTextBrowser::sourceChanged, this, [this] { ShowPlaceInContents(); });
+    // The browser says so before it has turned to the page itself.
+    // With the page it tells: its own source() is still the one before.
+    connect(browser_, &QTextBrowser::sourceChanged, this, &HelpWindow::ShowPlaceInContents);
     connect(engine.contentModel(), &QHelpContentModel::contentsCreated, this, [this] {
         contents_->expandToDepth(0);
-        ShowPlaceInContents();
+        ShowPlaceInContents(browser_->source());
     });
 }
 
@@ -202,8 +204,8 @@ void HelpWindow::Open(const QUrl& address) {
     browser_->setSource(address);
 }
 
-void HelpWindow::ShowPlaceInContents() {
-    const QModelIndex place = contents_->indexOf(browser_->source());
+void HelpWindow::ShowPlaceInContents(const QUrl& page) {
+    const QModelIndex place = contents_->indexOf(page);
     if (!place.isValid())
         return;
     contents_->setCurrentIndex(place);

@@ -44,7 +44,7 @@ class HelpWindow : public QMainWindow {
     void Search();
     QWidget* InputOf(int tab) const; // where one types or chooses in a tab
     void Open(const QUrl& address);
-    void ShowPlaceInContents();
+    void ShowPlaceInContents(const QUrl& page);
     void BringToFront();
     void StandAboveDialogs();
 

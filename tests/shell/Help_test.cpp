@@ -1,6 +1,7 @@
 // The help as a person uses it: from the menu, by F1, also in a dialog that waits, and by search.
 #include <QAction>
 #include <QDir>
+#include <QHelpContentWidget>
 #include <QHelpEngine>
 #include <QLabel>
 #include <QLineEdit>
@@ -125,6 +126,28 @@ TEST_F(HelpTest, WhatANewcomerWouldTryIsFound) {
     list->setFocus();
     QTest::keyClick(list, Qt::Key_Return);
     EXPECT_EQ(help.Window().Address(), list->currentItem()->data(Qt::UserRole).toUrl());
+}
+
+TEST_F(HelpTest, TheContentsFollowThePageThatShows) {
+    help.ShowTopic(HelpFile::Contents);
+    auto* const contents = Find<QHelpContentWidget>("Contents");
+    auto* const browser = Find<QTextBrowser>("Browser");
+    const auto place = [&] { return contents->currentIndex().data().toString(); };
+    ASSERT_TRUE(QTest::qWaitFor([&] { return place() == "Pollarix Help"; }));
+    help.ShowTopicOf("frmLogic");
+    EXPECT_EQ(place(), QString("Jumps"));
+    EXPECT_TRUE(contents->visualRect(contents->currentIndex()).isValid()) << "out of sight";
+    browser->setSource(QUrl("question-types.html#text"));
+    EXPECT_EQ(place(), QString("The five kinds of question"));
+    browser->backward();
+    EXPECT_EQ(place(), QString("Jumps"));
+    browser->forward();
+    EXPECT_EQ(place(), QString("The five kinds of question"));
+    Search("spreadsheet");
+    QTest::keyClick(Find<QListWidget>("lstFound"), Qt::Key_Return);
+    EXPECT_EQ(place(), QString("Exporting answers"));
+    help.ShowTopicOf("frmMatrixAdd"); // leads to a place within its page
+    EXPECT_EQ(place(), QString("Answer scales"));
 }
 
 TEST_F(HelpTest, LinksStayInTheHelp) {
