@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks the topics of the help, and lays them out with their project file for the help compiler.
 
-    make-help.py data/help build/help
+    make-help.py data/help build/help src
 
 A topic is one HTML page. Its head says its <title>, the entries of the index (<meta name="keywords">,
 parted by ";") and the numbers, screens and dialogs it is the topic of (<meta name="topic">, parted by
@@ -9,7 +9,8 @@ blanks). Either may end in "@place" to lead to <a name="place"> within the page.
 pages in the order of the contents; a page indented below another belongs to it.
 
 Ends with 1, and says where, when a topic links nowhere, a picture is missing or unused, a page is not
-in the contents, two pages claim the same entry or name, or a page is not well formed.
+in the contents, an entry, name or place is there twice, a screen or dialog is not in the sources of the
+program, or a page is not well formed.
 """
 
 import pathlib
@@ -57,6 +58,8 @@ class Page(HTMLParser):
             self.topics = values["content"].split()
         elif tag == "a":
             if "name" in values:
+                if values["name"] in self.places:
+                    self.problems.append(f"the place {values['name']} is there twice")
                 self.places.add(values["name"])
             if "href" in values:
                 self.links.append(values["href"])
@@ -99,7 +102,7 @@ def target_of(pages, page, link):
     return None
 
 
-def check(directory, pages, contents):
+def check(directory, pages, contents, sources):
     problems = [f"{page.name}: {problem}" for page in pages.values() for problem in page.problems]
     named = [name for _, name in contents]
     for name in sorted(set(named) ^ set(pages)):
@@ -132,8 +135,11 @@ def check(directory, pages, contents):
                 word, _, place = entry.partition("@")
                 if place and place not in page.places:
                     problems.append(f"{page.name}: {entry} leads to no place in the page")
-                if (other := owners.setdefault(word.lower(), page.name)) != page.name:
-                    problems.append(f"{page.name}: {other} has {word!r} as well")
+                if word.lower() in owners:
+                    problems.append(f"{page.name}: {owners[word.lower()]} has {word!r} already")
+                owners[word.lower()] = page.name
+                if kind == "topics" and not word.isdecimal() and f'"{word}"' not in sources:
+                    problems.append(f"{page.name}: the program has no {word}")
     return problems, sorted(used)
 
 
@@ -165,11 +171,12 @@ def project(pages, contents, pictures):
     return "\n".join(lines)
 
 
-def main(source, target):
+def main(source, target, program):
     directory = pathlib.Path(source)
     pages = {path.name: Page(path) for path in sorted(directory.glob("*.html"))}
     contents = read_contents(directory / "contents.txt")
-    problems, pictures = check(directory, pages, contents)
+    sources = "".join(path.read_text(encoding="utf-8") for path in pathlib.Path(program).rglob("*.cpp"))
+    problems, pictures = check(directory, pages, contents, sources)
     for problem in problems:
         print(f"{directory}/{problem}", file=sys.stderr)
     if problems:
