@@ -13,6 +13,9 @@ namespace pollarix {
 
 namespace {
 
+// SQLite's number for a file that may not be written; the higher bits tell more of why.
+constexpr int ReadOnlyDatabase = 8;
+
 // A full path, also of a file that was named from the directory one is in.
 QString CommandLine() {
     const QString path = Application::arguments().mid(1).join(' ');
@@ -68,6 +71,8 @@ QString FailureText(const Failure& failure, const QString& surveyFile) {
         text += "\n" + surveyFile;
         if (!QFileInfo::exists(surveyFile))
             text += "\nThe file is no longer there.";
+        else if ((failure.Number() & 0xff) == ReadOnlyDatabase)
+            text += "\nThis file can only be read. File, Save As... makes a copy to work on.";
     }
     return text +
            QString("\n\nError %1 (%2)\n\nThe program goes on with all that you have entered.")

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/Files.h"
 #include "platform/Handlers.h"
 #include "shell/Attendant.h"
 #include "shell/HelpWindow.h"
@@ -168,6 +169,21 @@ TEST(StartUp, TheFirstStartAsksAndTheSecondDoesNot) {
     EXPECT_EQ(user.seen, QStringList("frmSplash"));
     EXPECT_EQ(program.dialogs.TakeTexts().size(), 1);
     EXPECT_EQ(program.settings.GetSetting("Quillmark", "Config", "FirstRun", ""), "False");
+}
+
+TEST(FailureText, SaysOfASurveyFileWhetherItIsThereAndCanBeWritten) {
+    const TipProgram program;
+    const QString there = program.directory.filePath("there.plxs");
+    WriteWholeFile(there, "survey");
+    const auto saysOf = [](int number, const QString& file) {
+        const QString text = FailureText(Failure(number, "refused", "SQLite"), file);
+        return QString(text.contains("can only be read") ? "read-only" : "") +
+               (text.contains("no longer there") ? "gone" : "");
+    };
+    EXPECT_EQ(saysOf(8, there), "read-only");
+    EXPECT_EQ(saysOf(1544, there), "read-only"); // because of its directory
+    EXPECT_EQ(saysOf(13, there), "");
+    EXPECT_EQ(saysOf(8, there + "x"), "gone");
 }
 
 } // namespace
