@@ -4,7 +4,9 @@
 #   scripts/install-dependencies.sh            for building and running
 #   scripts/install-dependencies.sh --screen   also for running where there is no screen
 #   scripts/install-dependencies.sh --tests    also for testing and for checking the sources
+#   scripts/install-dependencies.sh --package  also for making the Debian package and checking it
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
+#   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
 # Debian 12 and its like: through apt-get, as root or through sudo. Elsewhere it says what is missing.
 set -euo pipefail
@@ -33,7 +35,9 @@ for group in "$@"; do
     case $group in
     --screen) packages+=(xvfb xauth openbox x11vnc) ;;
     --tests) packages+=(vsftpd xvfb xauth clang-format) ;;
+    --package) packages+=(dpkg-dev binutils gzip lintian desktop-file-utils appstream) ;;
     --fresh-machine) packages=(debootstrap) ;;
+    --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
         echo "$0: no such group of packages: $group" >&2
         exit 2
@@ -55,6 +59,8 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         case $group in
         --screen) tools=(Xvfb xauth openbox x11vnc) ;;
         --tests) tools=(vsftpd) ;;
+        --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
+        --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         *) tools=(debootstrap) ;;
         esac
         for tool in "${tools[@]}"; do
