@@ -12,26 +12,11 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.."
 }
 scripts/install-dependencies.sh --fresh-machine
 
-root=${FRESH_MACHINE:-$(mktemp -d)}
-leave() {
-    # Nothing is removed below a mount.
-    if mountpoint -q "$root/proc" && ! umount "$root/proc"; then
-        return
-    fi
-    [ -n "${FRESH_MACHINE-}" ] || rm -rf --one-file-system "$root"
-}
-trap leave EXIT
-
-chmod 755 "$root"
-[ -e "$root/etc/debian_version" ] || debootstrap --variant=minbase bookworm "$root" >"$root.log" || {
-    tail -n 20 "$root.log" >&2
-    exit 1
-}
-rm -f "$root.log"
-mount -t proc proc "$root/proc"
+. scripts/fresh-machine.sh
+trap leave_fresh_machine EXIT
+make_fresh_machine
 
 rm -rf "$root/root/project"
 git clone -q --no-hardlinks . "$root/root/project"
 [ $# -gt 0 ] || set -- ./test.sh
-chroot "$root" /usr/bin/env -i HOME=/root CI=true PATH=/usr/sbin:/usr/bin:/sbin:/bin \
-    bash -c 'cd /root/project && exec "$@"' bash "$@" </dev/null
+on_fresh_machine CI=true bash -c 'cd /root/project && exec "$@"' bash "$@"
