@@ -112,8 +112,8 @@ void ResponsePanel::AddRow(QWidget* label, QWidget* field, QWidget* button) {
 
 void ResponsePanel::Fill(const clsQ& q) {
     list_->Clear();
-    for (std::int16_t i = 1; i <= q.ResponsesCount; ++i) {
-        const std::shared_ptr<clsResponse> r = q.GetResponse(i);
+    for (int i = 1; i <= q.ResponsesCount; ++i) {
+        const std::shared_ptr<clsResponse> r = q.GetResponse(Narrow16(i));
         list_->AddItem(r->Text);
         list_->SetItemData(list_->NewIndex(), r->DatabaseID);
     }

@@ -78,8 +78,8 @@ void frmLogic::Form_Load() {
     cboList_->AddItem("Next Question (Default)");
     cboList_->SetItemData(cboList_->NewIndex(), -1);
     // Every question is a target, the one that is asked about too, and backwards as well.
-    for (std::int16_t i = 1; i <= survey.QCount; ++i) {
-        const std::shared_ptr<clsQ> q = survey.GetQIndex(i);
+    for (int i = 1; i <= survey.QCount; ++i) {
+        const std::shared_ptr<clsQ> q = survey.GetQIndex(Narrow16(i));
         const QString text = PlainTextOf(q->Question);
         cboList_->AddItem(q->qType == kind::Text ? text : q->QuestionNo + ". " + text);
         cboList_->SetItemData(cboList_->NewIndex(), i);

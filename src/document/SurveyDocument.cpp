@@ -113,8 +113,8 @@ void SurveyDocument::ReadQuestions(int SelectIndex, QString& selectKey) {
 void SurveyDocument::ReadResponses() {
     clsSurvey& survey = state_.CurrentSurvey;
     QHash<std::int16_t, QString> keyOf; // many responses jump to few questions
-    for (std::int16_t i = 1; i <= survey.QCount; ++i) {
-        const std::shared_ptr<clsQ> q = survey.GetQIndex(i);
+    for (int i = 1; i <= survey.QCount; ++i) {
+        const std::shared_ptr<clsQ> q = survey.GetQIndex(Narrow16(i));
         if (!HasResponses(q->qType))
             continue;
         bool first = true;
@@ -169,8 +169,8 @@ void SurveyDocument::WriteQuestions() {
     clsSurvey& survey = state_.CurrentSurvey;
     Connection& file = state_.SurveyConnection;
     TableInsert insert(file, "question", {"question", "questionno", "qtype", "pos", "Deleteme"});
-    for (std::int16_t i = 1; i <= survey.QCount; ++i) {
-        clsQ& q = *survey.GetQIndex(i);
+    for (int i = 1; i <= survey.QCount; ++i) {
+        clsQ& q = *survey.GetQIndex(Narrow16(i));
         if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd())
             q.DatabaseID = Narrow16(insert.Add({q.Question, q.QuestionNo, q.qType, i, 0}));
         else
@@ -189,14 +189,14 @@ void SurveyDocument::WriteResponses() {
     // Lives across responses and questions, and only an update sets it: a key that no longer
     // resolves inherits the jump that was worked out last. Required behaviour.
     std::int16_t jumpID = 0;
-    for (std::int16_t i = 1; i <= survey.QCount; ++i) {
-        clsQ& q = *survey.GetQIndex(i);
+    for (int i = 1; i <= survey.QCount; ++i) {
+        clsQ& q = *survey.GetQIndex(Narrow16(i));
         if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd())
             continue;
         if (!HasResponses(q.qType))
             continue;
-        for (std::int16_t j = 1; j <= q.ResponsesCount; ++j) {
-            const std::shared_ptr<clsResponse> r = q.GetResponse(j);
+        for (int j = 1; j <= q.ResponsesCount; ++j) {
+            const std::shared_ptr<clsResponse> r = q.GetResponse(Narrow16(j));
             const bool jumps = !r->LogicJumpToQuestionKey.isEmpty();
             const std::shared_ptr<clsQ> target =
                 jumps ? survey.GetQ(r->LogicJumpToQuestionKey) : nullptr;
@@ -214,7 +214,7 @@ void SurveyDocument::WriteResponses() {
                 insert.Add({q.DatabaseID, r->Text, j, q.ResponseMatrixGroupID,
                             target ? DbValue(target->DatabaseID) : DbValue()});
             }
-            q.UpdateResponse(j, r);
+            q.UpdateResponse(Narrow16(j), r);
         }
     }
 }

@@ -28,7 +28,7 @@ void clsSurvey::Append(std::shared_ptr<clsQ> q) {
 
 void clsSurvey::ReorderQ_QuestionNos() {
     int number = 1;
-    for (std::int16_t i = 1; i <= QCount; ++i)
+    for (int i = 1; i <= QCount; ++i)
         if (questions_[i]->qType != kind::Text)
             questions_[i]->QuestionNo = QString::number(number++);
 }
@@ -44,7 +44,7 @@ QString clsSurvey::AddQ(const QString& Question, std::int32_t qType, std::int16_
     q->DatabaseID = DatabaseID;
     if (qType != kind::Text) {
         int numbered = 0;
-        for (std::int16_t i = 1; i <= QCount; ++i)
+        for (int i = 1; i <= QCount; ++i)
             if (questions_[i]->qType != kind::Text)
                 ++numbered;
         q->QuestionNo = QString::number(numbered + 1);
@@ -66,7 +66,7 @@ void clsSurvey::DeleteQ(const QString& Key) {
     if (QCount < 1)
         throw Failure(failure::Subscript);
     bool found = false;
-    for (std::int16_t i = 1; i < QCount; ++i) {
+    for (int i = 1; i < QCount; ++i) {
         found = found || questions_[i]->Key == Key;
         if (found)
             questions_[i] = questions_[i + 1];
@@ -82,8 +82,8 @@ void clsSurvey::DebugQResponses(std::int16_t i) const {
         const std::shared_ptr<clsQ> q = GetQIndex(i);
         if (!q)
             return;
-        for (std::int16_t j = 1; j <= q->ResponsesCount; ++j)
-            (void)q->GetResponse(j);
+        for (int j = 1; j <= q->ResponsesCount; ++j)
+            (void)q->GetResponse(Narrow16(j));
     } catch (const Failure&) {
         // Ignored on purpose: the walk is for a debugger only.
     }
@@ -121,7 +121,7 @@ std::int32_t clsSurvey::GetQuestionTypeFromKey(const QString& Key) const {
 }
 
 QString clsSurvey::GetKeyFromDatabaseID(std::int16_t DatabaseID) const {
-    for (std::int16_t i = 1; i <= QCount; ++i)
+    for (int i = 1; i <= QCount; ++i)
         if (questions_[i]->DatabaseID == DatabaseID)
             return questions_[i]->Key;
     return {};

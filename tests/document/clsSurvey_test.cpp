@@ -6,8 +6,10 @@
 
 #include "platform/Failure.h"
 #include "platform/ListBox.h"
+#include "support/NumberOf.h"
 
 using namespace pollarix;
+using test::NumberOf;
 
 namespace {
 
@@ -18,23 +20,7 @@ QStringList Numbers(const clsSurvey& survey) {
     return numbers;
 }
 
-int NumberOf(const std::function<void()>& call) {
-    try {
-        call();
-    } catch (const Failure& failure) {
-        return failure.Number();
-    }
-    return 0;
-}
-
 } // namespace
-
-TEST(clsSurvey, KeysAreFresh32DigitTexts) {
-    const QRegularExpression form("^[0-9A-F]{32}$");
-    const QString one = CreateGUIDKey("{}-");
-    EXPECT_TRUE(form.match(one).hasMatch()) << one.toStdString();
-    EXPECT_NE(one, CreateGUIDKey("{}-"));
-}
 
 TEST(clsSurvey, FailedLookupsYieldValues) {
     clsSurvey survey;
@@ -58,6 +44,8 @@ TEST(clsSurvey, NumbersFollowTheListAndSkipInstructionText) {
     const QString check = survey.AddQ("", 1, -1, 2);
     survey.AddQ("", 3, -1, 2);
     EXPECT_EQ(Numbers(survey), QStringList({"1", "", "2", "3"}));
+    EXPECT_TRUE(QRegularExpression("^[0-9A-F]{32}$").match(first).hasMatch());
+    EXPECT_NE(first, text);
     EXPECT_EQ(survey.GetQ(first)->OpenEnded_NoOfRows, 1);
 
     survey.DeleteQ(check);
@@ -132,18 +120,16 @@ TEST(clsSurvey, KeysAreFoundWhereTheyStandAfterEachChange) {
     EXPECT_EQ(survey.GetQ(keys[5]), nullptr);
 }
 
-TEST(clsSurvey, TheStoredObjectItselfIsHandedOut) {
+TEST(clsSurvey, CountsEndWhereSixteenBitsDo) {
     clsSurvey survey;
-    const QString key = survey.AddQ("", 2, -1, 2);
-    survey.GetQ(key)->AddResponse("a", 5, 12, "K");
-    auto other = std::make_shared<clsQ>();
-    const QString second = survey.AddQ2(other);
-    EXPECT_EQ(other->Key, second);
-    EXPECT_EQ(other->QuestionNo, "");
-    survey.GetQIndex(1)->GetResponse(1)->Text = "changed";
-    EXPECT_EQ(survey.GetQ(key)->GetResponse(1)->Text, "changed");
-    survey.DebugQResponses(1);
-    survey.DebugQResponses(99);
+    const auto q = std::make_shared<clsQ>();
+    for (int i = 1; i <= 32767; ++i)
+        survey.AddQ2(q);
+    EXPECT_EQ(NumberOf([&] { survey.AddQ2(q); }), failure::Overflow);
+    EXPECT_EQ(survey.QCount, 32767);
+    survey.ReorderQ_QuestionNos();
+    EXPECT_EQ(q->QuestionNo, "32767");
+    EXPECT_EQ(survey.GetQ("unknown"), nullptr) << "all are looked at, and no more";
 }
 
 TEST(clsSurvey, ResponsesComeFromAListBoxBehindThoseThatAreThere) {
