@@ -12,7 +12,8 @@ PathLabel::PathLabel(QWidget* parent) : QLabel(parent) {
 }
 
 QSize PathLabel::minimumSizeHint() const {
-    return {0, QLabel::minimumSizeHint().height()};
+    // Also while it is empty: the status bar asks only once.
+    return {0, fontMetrics().height()};
 }
 
 QString PathLabel::ShownText() const {

@@ -10,6 +10,8 @@
 #include <QStatusBar>
 #include <QToolBar>
 
+#include <algorithm>
+
 #include "analysis/picAnalyse.h"
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
@@ -84,7 +86,7 @@ void frmMain::BuildPanels() {
     statusBar()->addWidget(statusPath_, 1);
     statusBar()->setSizeGripEnabled(false);
     // The question panel reaches down by as much as the rules take for a status bar.
-    statusBar()->setMinimumHeight(ToPixels(300));
+    statusBar()->setMinimumHeight(std::max(ToPixels(300), statusBar()->sizeHint().height()));
 }
 
 void frmMain::Form_Load(const QString& commandLine) {
