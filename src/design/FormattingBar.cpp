@@ -66,7 +66,7 @@ FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
     cboFontName_->setToolTip("Font");
     cboFontName_->setEditable(false);
     cboFontName_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-    cboFontName_->setMinimumContentsLength(12);
+    cboFontName_->setMinimumContentsLength(4);
     connect(cboFontName_, &QComboBox::textActivated, this,
             [this](const QString& name) { Apply([&] { box_.SetSelFontName(name); }); });
 

@@ -22,7 +22,7 @@ constexpr int Margin = 8;
 constexpr int Gap = 10; // between the columns
 constexpr int NarrowestLeft = 260;
 constexpr int WidestLeft = 560;
-constexpr int LowestLibrary = 150;
+constexpr int LowestLibrary = 120;
 
 // What a question that is no matrix carries, and starts with if it becomes one.
 constexpr std::int16_t FirstScale = 2;

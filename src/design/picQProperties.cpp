@@ -1,17 +1,23 @@
 #include "design/picQProperties.h"
 
-#include <QEvent>
+#include <QApplication>
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
+#include <QMouseEvent>
 #include <QRadioButton>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <functional>
 #include <memory>
+#include <utility>
 
 #include "design/FormattingBar.h"
+#include "design/SelectedQuestion.h"
 #include "design/picCheck.h"
 #include "design/picMatrix.h"
 #include "design/picOpenEnded.h"
@@ -26,6 +32,8 @@ namespace pollarix {
 namespace {
 
 constexpr int Options = 5;
+// In the Tab key's order: by columns, as the eye goes.
+constexpr std::array<int, Options> OptionsAsSeen = {0, 3, 1, 2, 4};
 constexpr std::array Captions = {"&Open Ended", "Multiple choice - &many Responses",
                                  "Multiple choice - &single Response", "Instruction &Text",
                                  "Question &Matrix"};
@@ -42,12 +50,13 @@ QLabel* NewLabel1(int index, const char* caption, QWidget* parent) {
 } // namespace
 
 picQProperties::picQProperties(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
-    : QFrame(parent), state_(state), tvTreeView_(tvTreeView), txtQ_(new RichTextBox(this)),
-      bar_(new FormattingBar(*txtQ_, this)), options_(new QGridLayout),
-      lblResponses_(NewLabel1(4, "Responses:", this)),
-      picOpenEnded_(new pollarix::picOpenEnded(state, tvTreeView, this)),
-      picCheck_(new pollarix::picCheck(state, tvTreeView, this)),
-      picMatrix_(new pollarix::picMatrix(state, tvTreeView, this)) {
+    : QFrame(parent), state_(state), tvTreeView_(tvTreeView), scroll_(new QScrollArea(this)),
+      body_(new QWidget(scroll_)), txtQ_(new RichTextBox(body_)),
+      bar_(new FormattingBar(*txtQ_, body_)), options_(new QGridLayout),
+      lblResponses_(NewLabel1(4, "Responses:", body_)),
+      picOpenEnded_(new pollarix::picOpenEnded(state, tvTreeView, body_)),
+      picCheck_(new pollarix::picCheck(state, tvTreeView, body_)),
+      picMatrix_(new pollarix::picMatrix(state, tvTreeView, body_)) {
     setObjectName("picQProperties");
     setFrameShape(StyledPanel);
     txtQ_->setObjectName("txtQ");
@@ -73,7 +82,7 @@ picQProperties::picQProperties(ApplicationState& state, TreeView& tvTreeView, QW
 
 void picQProperties::BuildOptions() {
     for (int i = 0; i < Options; ++i) {
-        auto* const option = new QRadioButton(Captions[i], this);
+        auto* const option = new QRadioButton(Captions[i], body_);
         option->setObjectName(QString("optQType(%1)").arg(i));
         connect(option, &QRadioButton::toggled, this, [this, i](bool on) {
             if (on)
@@ -86,11 +95,6 @@ void picQProperties::BuildOptions() {
 void picQProperties::LayOutRows() {
     options_->setHorizontalSpacing(20);
     options_->setVerticalSpacing(4);
-    options_->addWidget(optQType_[0], 0, 0);
-    options_->addWidget(optQType_[3], 1, 0);
-    options_->addWidget(optQType_[1], 0, 1);
-    options_->addWidget(optQType_[2], 1, 1);
-    options_->addWidget(optQType_[4], 0, 2);
     options_->setColumnStretch(3, 1);
 
     // All in one place: the panel that is shown comes to the front.
@@ -101,37 +105,69 @@ void picQProperties::LayOutRows() {
         panels->addWidget(panel, 0, 0);
 
     const int side = ToPixels(300) - frameWidth();
-    auto* const rows = new QVBoxLayout(this);
+    auto* const rows = new QVBoxLayout(body_);
     rows->setContentsMargins(side, 10, side, 10);
     rows->setSpacing(6);
-    rows->addWidget(NewLabel1(0, "Question Text:", this));
+    rows->addWidget(NewLabel1(0, "Question Text:", body_));
     rows->addWidget(bar_);
     rows->addWidget(txtQ_, 2);
     rows->addSpacing(4);
-    rows->addWidget(NewLabel1(2, "Question Type:", this));
+    rows->addWidget(NewLabel1(2, "Question Type:", body_));
     rows->addLayout(options_);
     rows->addSpacing(4);
     rows->addWidget(lblResponses_);
     rows->addLayout(panels, 3);
 
-    // As the eye goes: the bar stands above the text, the options by columns.
     setTabOrder(bar_->LastControl(), txtQ_);
     QWidget* last = txtQ_;
-    for (const int i : {0, 3, 1, 2, 4}) {
+    for (const int i : OptionsAsSeen) {
         setTabOrder(last, optQType_[i]);
         last = optQType_[i];
     }
+
+    scroll_->setFrameShape(NoFrame);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    scroll_->setWidgetResizable(true);
+    scroll_->setWidget(body_);
+    auto* const whole = new QVBoxLayout(this);
+    whole->setContentsMargins(0, 0, 0, 0);
+    whole->addWidget(scroll_);
+    // Queued: the panel that takes the focus may have no place yet.
+    connect(qApp, &QApplication::focusChanged, this, &picQProperties::ShowFocus,
+            Qt::QueuedConnection);
 }
 
-// Where three columns of options would be cut off, the third goes below the first.
+void picQProperties::ShowFocus() {
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus && body_->isAncestorOf(focus))
+        scroll_->ensureWidgetVisible(focus, 0, options_->verticalSpacing());
+}
+
 void picQProperties::resizeEvent(QResizeEvent* event) {
     QFrame::resizeEvent(event);
-    const int columns = optQType_[3]->sizeHint().width() + optQType_[1]->sizeHint().width() +
-                        optQType_[4]->sizeHint().width() + 2 * options_->horizontalSpacing();
-    const QMargins margins = layout()->contentsMargins();
-    const bool fits = columns <= contentsRect().width() - margins.left() - margins.right();
-    if (fits != (options_->itemAtPosition(0, 2) != nullptr))
-        options_->addWidget(optQType_[4], fits ? 0 : 2, fits ? 2 : 0);
+    const QMargins margins = body_->layout()->contentsMargins();
+    // As if the scroll bar were there, so that it does not come and go with the columns.
+    ArrangeOptions(contentsRect().width() - scroll_->verticalScrollBar()->sizeHint().width() -
+                   margins.left() - margins.right());
+}
+
+// In three columns; where they would be cut off, in two or in one.
+void picQProperties::ArrangeOptions(int width) {
+    const auto hint = [this](int i) { return optQType_[i]->sizeHint().width(); };
+    const int gap = options_->horizontalSpacing();
+    const int first = std::max(hint(0), hint(3));
+    const int second = gap + std::max(hint(1), hint(2));
+    const int columns = first + second + gap + hint(4) <= width      ? 3
+                        : std::max(first, hint(4)) + second <= width ? 2
+                                                                     : 1;
+    if (std::exchange(optionColumns_, columns) == columns)
+        return;
+    for (int at = 0; at < Options; ++at) {
+        const int rows = columns == 1 ? Options : 2;
+        const bool below = columns == 2 && at == 4;
+        options_->addWidget(optQType_[OptionsAsSeen[at]], below ? 2 : at % rows,
+                            below ? 0 : at / rows);
+    }
 }
 
 void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
@@ -208,11 +244,17 @@ void picQProperties::SelectQType(int Index, TreeNode& Node) {
     if (qType == kind::Matrix) {
         picMatrix_->Fill(*q);
         picMatrix_->SelectScale(q->ResponseMatrixGroupID);
-        picMatrix_->FocusBox();
     } else if (HasResponses(qType)) {
         picCheck_->Fill(*q);
-        picCheck_->FocusBox();
     }
+    FocusBox(qType);
+}
+
+void picQProperties::FocusBox(std::int32_t qType) {
+    if (qType == kind::Matrix)
+        picMatrix_->FocusBox();
+    else if (HasResponses(qType))
+        picCheck_->FocusBox();
 }
 
 void picQProperties::ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden) {

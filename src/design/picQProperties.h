@@ -13,6 +13,7 @@
 class QGridLayout;
 class QLabel;
 class QRadioButton;
+class QScrollArea;
 
 namespace pollarix {
 
@@ -51,17 +52,23 @@ class picQProperties : public QFrame {
   private:
     void BuildOptions();
     void LayOutRows();
+    void ArrangeOptions(int width);
+    void ShowFocus();
     void ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden);
     void SetOption(int Index);
+    void FocusBox(std::int32_t qType);
     bool eventFilter(QObject* watched, QEvent* event) override;
     void ShowContextMenu(const QPoint& position);
 
     ApplicationState& state_;
     TreeView& tvTreeView_;
+    QScrollArea* scroll_; // for windows that are too small for the rows
+    QWidget* body_;
     RichTextBox* txtQ_;
     FormattingBar* bar_;
     std::array<QRadioButton*, 5> optQType_;
     QGridLayout* options_;
+    int optionColumns_ = 0;
     QLabel* lblResponses_; // Label1(4)
     picOpenEnded* picOpenEnded_;
     picCheck* picCheck_;

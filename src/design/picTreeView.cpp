@@ -40,7 +40,11 @@ picTreeView::picTreeView(ApplicationState& state, QWidget* parent)
 
 void picTreeView::LayOutTree() {
     const int top = y() + StripHeight();
-    const int height = this->height() - top + ToPixels(500);
+    int height = this->height() - top + ToPixels(500);
+    // In a window too small for that, what the panel has between strip and buttons: the tree would
+    // else stand where it was, in front of something else.
+    if (height <= 0)
+        height = this->height() - StripHeight() - ButtonRowHeight();
     if (height > 0 && width() > 2)
         tvTreeView_->setGeometry(x() + 1, top, width() - 2, height);
     tvTreeView_->raise();

@@ -1,7 +1,7 @@
 // The question panel: the text commit, the kinds, the number of rows, and what marks the survey.
 #include "design/DesignScreen.h"
 
-#include <QLabel>
+#include <QApplication>
 #include <QRadioButton>
 #include <QTest>
 
@@ -91,6 +91,48 @@ TEST_F(QuestionPanel, EachOptionShowsItsPanelAndStoresItsKind) {
     Key("txtQ", Qt::Key_Right);
     EXPECT_EQ(Nodes(), "Q1") << "the number goes with the next key";
     EXPECT_EQ(Q(1).QuestionNo, "1");
+}
+
+TEST_F(QuestionPanel, NoOfRowsIsStoredOnLeavingAndForgottenBySaving) {
+    Add(OpenEnded);
+    auto& rows = Get<ComboBox>("cmdOpenEndedNoOfRows");
+    EXPECT_EQ(rows.Text(), "1");
+    rows.setFocus();
+    rows.SetListIndex(4);
+    EXPECT_FALSE(Marks([&] { QTest::keyClick(&rows, Qt::Key_Tab); }));
+    EXPECT_EQ(Q(1).OpenEnded_NoOfRows, 5);
+    document_.DoSave();
+    // Entered and left without a choice: there is no number to store, which is told and no more.
+    rows.setFocus();
+    QTest::keyClick(&rows, Qt::Key_Tab);
+    EXPECT_EQ(failures_.size(), 1);
+    failures_.clear();
+    EXPECT_EQ(Q(1).OpenEnded_NoOfRows, 0);
+}
+
+TEST_F(QuestionPanel, NothingIsCutOffOrCoveredInASmallWindow) {
+    SurveyOf({OpenEnded, Radio, Matrix});
+    const QSize small(640, 360); // what a window of 640 x 480 leaves
+    for (const QSize size : {small, QSize(1600, 900)}) {
+        window_.resize(size);
+        QTest::qWait(0);
+        design_->LayOut(24);
+        for (int i = 1; i <= Survey().QCount; ++i) {
+            ClickNode(i);
+            QTest::qWait(0);
+            EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty()) << "scrolled to";
+            QStringList cut;
+            for (const auto* const button : design_->findChildren<QAbstractButton*>()) {
+                const QSize least = button->minimumSizeHint().boundedTo(button->maximumSize());
+                if (button->isVisible() &&
+                    (button->size() != button->size().expandedTo(least) ||
+                     !button->parentWidget()->rect().contains(button->geometry())))
+                    cut << button->objectName();
+            }
+            EXPECT_EQ(cut, QStringList()) << "at " << size.width();
+        }
+        EXPECT_EQ(txtQ.width() < 400, size == small);
+    }
 }
 
 } // namespace

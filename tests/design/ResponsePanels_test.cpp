@@ -63,7 +63,8 @@ TEST_P(ResponsePanels, TheArrowsFollowTheClicksInTheList) {
     })) << "nothing is selected";
 }
 
-INSTANTIATE_TEST_SUITE_P(Alike, ResponsePanels, testing::Values(Choice, SubQuestions));
+INSTANTIATE_TEST_SUITE_P(Of, ResponsePanels, testing::Values(Choice, SubQuestions),
+                         [](const auto& panel) { return panel.param.list; });
 
 // The one where they differ: only the choice list's moves reach the question.
 TEST_P(ResponsePanels, MovesReachTheQuestionOrStayInTheList) {
