@@ -41,6 +41,22 @@ constexpr std::array Captions = {"&Open Ended", "Multiple choice - &many Respons
 constexpr std::array<std::int32_t, Options> KindOfOption = {kind::OpenEnded, kind::Check,
                                                             kind::Radio, kind::Text, kind::Matrix};
 
+// An option that an arrow key leaves gives the focus to the one that it turns on, after that one's
+// click. What the click did with the focus is to be done again then.
+class KindOption : public QRadioButton {
+  public:
+    using QRadioButton::QRadioButton;
+    std::function<void()> LeftByKey;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        const bool wasOn = isChecked();
+        QRadioButton::keyPressEvent(event);
+        if (wasOn && !isChecked())
+            LeftByKey();
+    }
+};
+
 QLabel* NewLabel1(int index, const char* caption, QWidget* parent) {
     QLabel* const label = NewHeading(caption, parent);
     label->setObjectName(QString("Label1(%1)").arg(index));
@@ -82,8 +98,12 @@ picQProperties::picQProperties(ApplicationState& state, TreeView& tvTreeView, QW
 
 void picQProperties::BuildOptions() {
     for (int i = 0; i < Options; ++i) {
-        auto* const option = new QRadioButton(Captions[i], body_);
+        auto* const option = new KindOption(Captions[i], body_);
         option->setObjectName(QString("optQType(%1)").arg(i));
+        option->LeftByKey = [this] {
+            if (const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_))
+                FocusBox(q->qType);
+        };
         connect(option, &QRadioButton::toggled, this, [this, i](bool on) {
             if (on)
                 RunHandler([&] { optQType_Click(i); });
@@ -281,7 +301,7 @@ void picQProperties::txtQ_LostFocus() {
     node->SetText(prefix + (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
 }
 
-// Pasting with the mouse and dropping have no key either; they are committed like a format.
+// Pasting and dropping with the mouse have no key either; they are committed like a format.
 void picQProperties::ShowContextMenu(const QPoint& position) {
     const std::unique_ptr<QMenu> menu(txtQ_->createStandardContextMenu(position));
     menu->exec(txtQ_->mapToGlobal(position));
@@ -289,7 +309,9 @@ void picQProperties::ShowContextMenu(const QPoint& position) {
 }
 
 bool picQProperties::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Drop)
+    if (event->type() == QEvent::Drop ||
+        (event->type() == QEvent::MouseButtonRelease &&
+         static_cast<QMouseEvent*>(event)->button() == Qt::MiddleButton))
         QTimer::singleShot(0, this, [this] { RunHandler([&] { txtQ_LostFocus(); }); });
     return QFrame::eventFilter(watched, event);
 }

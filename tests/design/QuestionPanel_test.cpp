@@ -88,6 +88,12 @@ TEST_F(QuestionPanel, EachOptionShowsItsPanelAndStoresItsKind) {
     Option(0).setFocus();
     Key("optQType(0)", Qt::Key_Down);
     EXPECT_EQ(Q(1).qType, kind::Text) << "an arrow key is a click";
+    Option(2).click();
+    Option(2).setFocus();
+    Key("optQType(2)", Qt::Key_Up);
+    EXPECT_EQ(Q(1).qType, Check);
+    EXPECT_TRUE(Get<QWidget>("txtCheckResponse").hasFocus()) << "after a key as after a click";
+    Option(3).click();
     Key("txtQ", Qt::Key_Right);
     EXPECT_EQ(Nodes(), "Q1") << "the number goes with the next key";
     EXPECT_EQ(Q(1).QuestionNo, "1");
