@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "platform/Handlers.h"
+#include "platform/InputLock.h"
 #include "web/WizardPicture.h"
 
 namespace pollarix {
@@ -17,32 +18,15 @@ namespace {
 constexpr int LastStep = 6;
 constexpr int Margin = 16; // pixels
 
-// Keeps keys, clicks and closing from all windows while there is no modal window to do so.
-class ClosedDoor : public QObject {
+// Loses keys and clicks, and keeps the windows open, while there is no modal window to do so.
+class ClosedDoor : public InputLock {
   public:
-    ClosedDoor() { qApp->installEventFilter(this); }
-
-    bool eventFilter(QObject*, QEvent* event) override {
-        switch (event->type()) {
-        case QEvent::Close:
-        case QEvent::MouseButtonPress:
-        case QEvent::MouseButtonRelease:
-        case QEvent::MouseButtonDblClick:
-        case QEvent::Wheel:
-        case QEvent::ContextMenu:
-        case QEvent::TouchBegin:
-        case QEvent::KeyPress:
-        case QEvent::KeyRelease:
-        case QEvent::ShortcutOverride:
-        case QEvent::Shortcut:
-        case QEvent::Drop:
-            if (QApplication::activeModalWidget())
-                return false;
+    bool eventFilter(QObject* receiver, QEvent* event) override {
+        if (event->type() == QEvent::Close && !QApplication::activeModalWidget()) {
             event->ignore();
             return true;
-        default:
-            return false;
         }
+        return InputLock::eventFilter(receiver, event);
     }
 };
 
