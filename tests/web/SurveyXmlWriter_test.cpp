@@ -2,11 +2,7 @@
 
 #include <QFile>
 
-#include <random>
-
 #include "WebWizard.h"
-#include "platform/RichText.h"
-#include "platform/Windows1252.h"
 #include "support/NumberOf.h"
 #include "support/Places.h"
 
@@ -69,25 +65,4 @@ TEST_F(SurveyXml, AFailureLeavesTheDocumentOfTheRunBefore) {
     RunSql(path, {"ALTER TABLE elsewhere RENAME TO response"});
     DoSaveXML(program.state, views);
     EXPECT_TRUE(Written().endsWith("</q>\r\n"));
-}
-
-TEST_F(SurveyXml, AnyTextIsWrittenAsItsPlainTextInOneByteEach) {
-    std::mt19937 random(61);
-    const QString pieces[] = {"{\\rtf1",  "\\par ",         "}",          "</q>", "\r\n",
-                              "\\u1078?", QString(QChar()), "<r>",        "&",    u"\u0416"_qs,
-                              "\\'e9",    QChar(0xD83D),    "\\bin9999 ", "text"};
-    for (int round = 0; round < 300; ++round) {
-        Survey().ClearAll();
-        QString text = round % 2 ? "{\\rtf1 " : "";
-        for (auto count = random() % 8; count > 0; --count)
-            text += pieces[random() % std::size(pieces)];
-        Add(text, kind::Radio, 1, 1).AddResponse(text, 2, -1, "");
-        DoSaveXML(program.state, views);
-        const QByteArray written = Written();
-        EXPECT_TRUE(written.startsWith(Head +
-                                       "<q>\r\n\t<DatabaseID>1</DatabaseID>\r\n\t<Question>" +
-                                       ToWindows1252(PlainTextOf(text)) + "</Question>\r\n"));
-        EXPECT_TRUE(written.contains("<Name>" + ToWindows1252(text) + "</Name>\r\n"));
-        EXPECT_TRUE(written.endsWith("</r>\r\n</q>\r\n"));
-    }
 }
