@@ -1,8 +1,10 @@
 #include "platform/ComboBox.h"
 
 #include <QAbstractItemView>
+#include <QApplication>
 #include <QHelpEvent>
 #include <QKeyEvent>
+#include <QProxyStyle>
 #include <QScreen>
 #include <QStyleOptionComboBox>
 #include <QToolTip>
@@ -22,6 +24,18 @@ namespace {
 constexpr int NarrowestBox = 6; // characters
 constexpr int RowsOfPopup = 16;
 
+// A list with a scroll bar below the box: some styles would else cover the screen with entries. No
+// style sheet says so, since a box with one keeps its colors when those of the desktop change.
+class ListBelow : public QProxyStyle {
+  public:
+    ListBelow() : QProxyStyle(QApplication::style()->name()) {}
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* more) const override {
+        return hint == SH_ComboBox_Popup ? 0 : QProxyStyle::styleHint(hint, option, widget, more);
+    }
+};
+
 } // namespace
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
@@ -30,8 +44,9 @@ ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
     // Long entries do not push the window's other controls aside.
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(NarrowestBox);
-    // A list with a scroll bar below the box: some styles would else cover the screen with entries.
-    setStyleSheet("QComboBox { combobox-popup: 0; }");
+    auto* const style = new ListBelow;
+    style->setParent(this);
+    setStyle(style);
     setMaxVisibleItems(RowsOfPopup);
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QComboBox::activated, this, [this] {

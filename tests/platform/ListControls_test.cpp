@@ -128,6 +128,18 @@ TEST_F(ListControls, AnEntryIsSelectedByItsNumber) {
     EXPECT_EQ(Clicks(), (Indexes{1, 2, 0}));
 }
 
+TEST_F(ListControls, TheComboBoxFollowsTheColorsOfTheDesktop) {
+    const auto background = [this] {
+        return combo_.grab().toImage().pixelColor(combo_.width() / 2, 4).lightness();
+    };
+    const QPalette before = QApplication::palette();
+    EXPECT_GT(background(), 128);
+    QApplication::setPalette(QPalette(QColor(40, 40, 40)));
+    QTest::qWait(1);
+    EXPECT_LT(background(), 128);
+    QApplication::setPalette(before);
+}
+
 TEST_F(ListControls, LeavingTheComboBoxIsRaisedForAnotherControlButNotForItsOwnList) {
     int lost = 0;
     combo_.LostFocus = [&] {
