@@ -289,6 +289,10 @@ void picAnalyse::LayOut(int windowWidth, int windowHeight) {
           button.height());
     LeaveRoomForButton();
 
+    // The expanded graph doesn't reach to the left edge: a strip of the title would show beside it.
+    const bool titleShows = !expanded || c_->isHidden();
+    picTitleAnalyse_->setVisible(titleShows);
+    lblInstructions_->setVisible(titleShows);
     place(picTitleAnalyse_, 0, 0, width(), ScreenTitleHeight);
     FitInstructions();
     place(picSummaryReport_, 0, 0, width(), height());
