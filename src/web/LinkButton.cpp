@@ -1,8 +1,10 @@
 #include "web/LinkButton.h"
 
+#include <QFontMetricsF>
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
 #include <QUrl>
+#include <QtMath>
 
 #include "platform/OneLineDelegate.h"
 
@@ -38,7 +40,8 @@ LinkButton::LinkButton(const QString& address, QWidget* parent)
 }
 
 QSize LinkButton::sizeHint() const {
-    return {fontMetrics().horizontalAdvance(text()) + 2 * Margin,
+    // Rounded up: half a pixel less, and the address is shortened.
+    return {qCeil(QFontMetricsF(font()).horizontalAdvance(text())) + 2 * Margin,
             fontMetrics().height() + 2 * Margin};
 }
 

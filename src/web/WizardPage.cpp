@@ -42,6 +42,7 @@ WizardPage::WizardPage(WizardRun& run, const char* name, const QString& caption,
     lblMessage_->setObjectName("lblMessage");
     lblMessage_->setTextFormat(Qt::PlainText);
     lblMessage_->setWordWrap(true);
+    lblMessage_->setAlignment(Qt::AlignLeft | Qt::AlignTop); // also where it has the page alone
     lblMessage_->setVisible(!message.isEmpty());
     body_ = new QVBoxLayout;
     body_->setContentsMargins(Margin, Margin, Margin, Margin);
