@@ -142,27 +142,13 @@ TEST_P(SaveCommand, AFailureInTheMiddleKeepsTheOldFile) {
     EXPECT_FALSE(QGuiApplication::overrideCursor());
 }
 
-TEST_P(SaveCommand, CannotBeStartedAgainWhileItRuns) {
-    bool wasRunning = false;
-    progress_.meanwhile = [&] {
-        wasRunning = work_.IsRunning() && QGuiApplication::overrideCursor();
-        GetParam().start(program_.state, work_); // would ask for a second file name
-    };
-    dialogs_.answers.push_back(MsgAnswer::No);
-    StartWith(Path("file"));
-    EXPECT_TRUE(wasRunning);
-    EXPECT_EQ(dialogs_.fileRequests.size(), 1u);
-    EXPECT_FALSE(work_.IsRunning());
-    EXPECT_FALSE(QGuiApplication::overrideCursor());
-    EXPECT_EQ(progress_.cleared, 1);
-    EXPECT_TRUE(progress_.shown.join("|").contains(" of "));
-}
-
 TEST_F(AnsweredSurvey, WhatIsPressedDuringLongWorkIsLost) {
     QLineEdit edit;
     edit.show();
     bool answered = false;
     progress_.meanwhile = [&] {
+        EXPECT_TRUE(work_.IsRunning() && QGuiApplication::overrideCursor());
+        work_.Do("other work", [](const ProgressStep&) { ADD_FAILURE() << "two at a time"; });
         QTest::keyClick(&edit, 'a');
         QMessageBox box; // a failure that is shown, say
         QTimer::singleShot(0, &box, [&] { QTest::keyClick(&box, Qt::Key_Return); });
@@ -178,6 +164,9 @@ TEST_F(AnsweredSurvey, WhatIsPressedDuringLongWorkIsLost) {
     QTest::keyClick(&edit, 'c');
     EXPECT_EQ(edit.text(), "c");
     EXPECT_TRUE(answered);
+    EXPECT_EQ(progress_.shown, QStringList("work 0 of 1"));
+    EXPECT_EQ(progress_.cleared, 1);
+    EXPECT_FALSE(work_.IsRunning() || QGuiApplication::overrideCursor());
 }
 
 INSTANTIATE_TEST_SUITE_P(, SaveCommand, testing::ValuesIn(Commands),
