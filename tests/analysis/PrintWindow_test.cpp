@@ -25,27 +25,14 @@ QRectF PictureOn(const QString& path) {
         drawing = qUncompress(QByteArray("\0\1\0\0", 4) + bytes.mid(at + 8));
     }
     QTransform place;
-    QList<QTransform> kept;
-    QList<double> numbers;
-    for (const QByteArray& word : drawing.simplified().split(' ')) {
-        if (word == "q")
-            kept << place;
-        else if (word == "Q")
-            place = kept.takeLast();
-        else if (word == "cm")
-            place =
-                QTransform(numbers[0], numbers[1], numbers[2], numbers[3], numbers[4], numbers[5]) *
-                place;
-        else if (word == "Do")
-            return place.mapRect(QRectF(0, 0, 1, 1));
-        bool isNumber = false;
-        const double number = word.toDouble(&isNumber);
-        if (isNumber)
-            numbers << number;
-        else
-            numbers.clear();
+    for (const QByteArray& line : drawing.left(drawing.indexOf(" Do\n")).split('\n')) {
+        const QByteArrayList n = line.split(' ');
+        if (n.value(6) == "cm")
+            place = QTransform(n[0].toDouble(), n[1].toDouble(), n[2].toDouble(), n[3].toDouble(),
+                               n[4].toDouble(), n[5].toDouble()) *
+                    place;
     }
-    return {};
+    return place.mapRect(QRectF(0, 0, 1, 1));
 }
 
 class PrintWindowTest : public testing::Test {

@@ -92,17 +92,13 @@ TEST_F(RespondentList, NothingSelectedNothingDone) {
 
     RunSql(path, {"INSERT INTO respondent (source) VALUES ('Web'), ('Web')"});
     screen->RespondentList().RefreshRespondentList(1, 0);
-    dialogs.answers = {MsgAnswer::No, MsgAnswer::Yes, MsgAnswer::Yes};
+    dialogs.answers = {MsgAnswer::No, MsgAnswer::Yes};
     Press("cmdDeleteResponse");
     EXPECT_EQ(List().Rows(), 3);
     Press("cmdDeleteResponse");
     EXPECT_EQ(List().Row(), 1);
-    Press("cmdDeleteResponse");
-    EXPECT_EQ(List().Row(), 0);
 
     // The rows of one survey never act on another.
-    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Web')"});
-    screen->RespondentList().RefreshRespondentList(1, 0);
     state.SurveyConnection.Close();
     dialogs.shown.clear();
     state.SurveyConnection.Open(program.BlankSurvey("other.plxs"));
