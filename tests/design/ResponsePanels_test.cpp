@@ -41,7 +41,7 @@ TEST_P(ResponsePanels, EnterInTheBoxAdds) {
     EXPECT_EQ(Entries(panel.list), Responses(1));
 }
 
-TEST_P(ResponsePanels, TheArrowsFollowTheClicksInTheList) {
+TEST_P(ResponsePanels, ArrowsAndDeleteGoByTheSelectedEntry) {
     AddResponses(panel.box, {"a", "b", "c"});
     const auto arrows = [&] {
         return std::pair(Get<QWidget>(panel.up).isEnabled(), Get<QWidget>(panel.down).isEnabled());
@@ -51,36 +51,29 @@ TEST_P(ResponsePanels, TheArrowsFollowTheClicksInTheList) {
     EXPECT_EQ(arrows(), std::pair(false, true));
     ClickEntry(panel.list, 2);
     EXPECT_EQ(arrows(), std::pair(true, false));
-    Press(panel.up);
+    // The one where they differ: only the choice list's moves reach the question.
+    const bool choice = panel.qType == Radio;
+    EXPECT_EQ(Marks([&] { Press(panel.up); }), choice);
+    EXPECT_EQ(Entries(panel.list), "a|c|b");
+    EXPECT_EQ(Responses(1), choice ? "a|c|b" : "a|b|c");
     EXPECT_EQ(arrows(), std::pair(true, true)) << "a move is a click too";
     EXPECT_EQ(Get<ListBox>(panel.list).ListIndex(), 1) << "the moved entry stays selected";
     Press(panel.remove);
+    EXPECT_EQ(Responses(1), choice ? "a|b" : "a|c") << "another one than from the list";
+    EXPECT_EQ(Entries(panel.list), "a|b");
     EXPECT_EQ(Get<ListBox>(panel.list).ListIndex(), -1);
     EXPECT_EQ(arrows(), std::pair(true, true)) << "as they were until the next click";
     EXPECT_FALSE(Marks([&] {
         for (const char* button : {panel.up, panel.down, panel.remove})
             Press(button);
     })) << "nothing is selected";
-}
-
-INSTANTIATE_TEST_SUITE_P(Of, ResponsePanels, testing::Values(Choice, SubQuestions),
-                         [](const auto& panel) { return panel.param.list; });
-
-// The one where they differ: only the choice list's moves reach the question.
-TEST_P(ResponsePanels, MovesReachTheQuestionOrStayInTheList) {
-    const bool choice = panel.qType == Radio;
-    AddResponses(panel.box, {"a", "b"});
-    ClickEntry(panel.list, 0);
-    EXPECT_EQ(Marks([&] { Press(panel.down); }), choice);
-    EXPECT_EQ(Entries(panel.list), "b|a");
-    EXPECT_EQ(Responses(1), choice ? "b|a" : "a|b");
-    Press(panel.remove);
-    EXPECT_EQ(Entries(panel.list), "b");
-    EXPECT_EQ(Responses(1), choice ? "b" : "a") << "another one than from the list";
     ClickNode(2);
     ClickNode(1);
     EXPECT_EQ(Entries(panel.list), Responses(1)) << "filled anew";
 }
+
+INSTANTIATE_TEST_SUITE_P(Of, ResponsePanels, testing::Values(Choice, SubQuestions),
+                         [](const auto& panel) { return panel.param.list; });
 
 } // namespace
 } // namespace pollarix::test
