@@ -133,6 +133,13 @@ TEST_F(Scales, ANewScaleIsWrittenAtOnceAndOfferedLast) {
         QStringList({"No response text has been entered. Please enter some text to continue.",
                      "No responses have been added. Please add some responses to continue."}));
     EXPECT_EQ(Commits(), commits + 1);
+
+    // The place that was selected is taken again, in a survey with fewer scales as well.
+    combo.SetListIndex(combo.ListCount() - 1);
+    NewSurvey();
+    EXPECT_TRUE(dialogs.TakeTexts().value(0).endsWith(". Invalid argument. 5"));
+    NewSurvey();
+    EXPECT_EQ(combo.ListIndex(), 0);
 }
 
 TEST_F(Scales, AQuestionKeepsItsScaleOnlyWithSubQuestions) {
