@@ -101,27 +101,27 @@ void DesignScreen::AddResponses(const char* box, const QStringList& texts) {
     }
 }
 
-QString DesignScreen::Nodes() const {
+QString DesignScreen::Joined(int first, int last, const std::function<QString(int)>& text) {
     QStringList texts;
-    const QTreeWidgetItem* const root = Get<TreeView>("tvTreeView").topLevelItem(0);
-    for (int i = 0; i < root->childCount(); ++i)
-        texts << root->child(i)->text(0);
+    for (int i = first; i <= last; ++i)
+        texts << text(i);
     return texts.join('|');
+}
+
+QString DesignScreen::Nodes() const {
+    const QTreeWidgetItem* const root = Get<TreeView>("tvTreeView").topLevelItem(0);
+    return Joined(0, root->childCount() - 1, [&](int i) { return root->child(i)->text(0); });
 }
 
 QString DesignScreen::Entries(const char* list) const {
-    QStringList texts;
-    for (int i = 0; i < Get<ListBox>(list).ListCount(); ++i)
-        texts << Get<ListBox>(list).List(i);
-    return texts.join('|');
+    const auto& box = Get<ListBox>(list);
+    return Joined(0, box.ListCount() - 1, [&](int i) { return box.List(i); });
 }
 
 QString DesignScreen::Responses(int question) const {
-    QStringList texts;
     const auto q = state.CurrentSurvey.GetQIndex(std::int16_t(question));
-    for (std::int16_t i = 1; i <= q->ResponsesCount; ++i)
-        texts << q->GetResponse(i)->Text;
-    return texts.join('|');
+    return Joined(1, q->ResponsesCount,
+                  [&](int i) { return q->GetResponse(std::int16_t(i))->Text; });
 }
 
 QString DesignScreen::Rows(const char* sql) {

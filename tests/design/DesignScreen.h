@@ -44,7 +44,9 @@ class DesignScreen : public testing::Test, protected TestState {
     void WriteText(const QString& text);
     void AddResponses(const char* box, const QStringList& texts); // each with Enter
 
-    // Joined with "|": texts below the root, of a list, of a question's responses, and the first
+    // Texts for the numbers from the first to the last, joined with "|".
+    static QString Joined(int first, int last, const std::function<QString(int)>& text);
+    // Joined alike: texts below the root, of a list, of a question's responses, and the first
     // field of each row that the file gives.
     QString Nodes() const;
     QString Entries(const char* list) const;

@@ -25,9 +25,8 @@ class Logic : public DesignScreen {
         ClickEntry("lstCheckResponses", response - 1);
         InDialog<frmLogic>([&, choose, leaveBy](QWidget& dialog) {
             auto& cboList = *dialog.findChild<ComboBox*>("cboList");
-            shown << dialog.findChild<QLabel*>("lblWhen")->text() << cboList.Text();
-            for (int i = 0; i < cboList.ListCount(); ++i)
-                shown << cboList.List(i);
+            shown << dialog.findChild<QLabel*>("lblWhen")->text() << cboList.Text()
+                  << Joined(0, cboList.ListCount() - 1, [&](int i) { return cboList.List(i); });
             if (choose != -1)
                 cboList.SetListIndex(choose);
             dialog.findChild<QAbstractButton*>(leaveBy)->click();
@@ -71,7 +70,7 @@ class Scales : public DesignScreen {
     // "Define..." twice, then the points one by one, then the button. Gives what the first dialog
     // lists afterwards.
     QString MakeScale(const QStringList& points, const char* leaveBy) {
-        QStringList listed;
+        QString listed;
         InDialog<frmMatrixDefine>([&, leaveBy](QWidget& define) {
             auto& lstList = *define.findChild<ListBox*>("lstList");
             lstList.SetListIndex(2); // whichever, a new scale is made
@@ -84,17 +83,13 @@ class Scales : public DesignScreen {
                 add.findChild<QAbstractButton*>(leaveBy)->click();
             });
             define.findChild<QAbstractButton*>("cmdOK")->click();
-            for (int i = 0; i < lstList.ListCount(); ++i)
-                listed << lstList.List(i);
+            listed = Joined(0, lstList.ListCount() - 1, [&](int i) { return lstList.List(i); });
         });
         Press("cmdMatrixDefine");
-        return listed.join('|');
+        return listed;
     }
     QString Combo() {
-        QStringList entries;
-        for (int i = 0; i < combo.ListCount(); ++i)
-            entries << combo.List(i);
-        return entries.join('|');
+        return Joined(0, combo.ListCount() - 1, [&](int i) { return combo.List(i); });
     }
     // SQLite counts a file's commits in its head.
     quint32 Commits() {

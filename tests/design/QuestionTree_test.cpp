@@ -16,10 +16,9 @@ class QuestionTree : public DesignScreen {
   protected:
     // Number and first line of each question in the model.
     QString Model() {
-        QStringList questions;
-        for (int i = 1; i <= Survey().QCount; ++i)
-            questions << Q(i).QuestionNo + PlainTextOf(Q(i).Question).section("\r\n", 0, 0);
-        return questions.join('|');
+        return Joined(1, Survey().QCount, [&](int i) {
+            return Q(i).QuestionNo + PlainTextOf(Q(i).Question).section("\r\n", 0, 0);
+        });
     }
 };
 

@@ -207,8 +207,7 @@ TEST_F(SurveyDocumentTest, AnotherVersionIsAWarningOnly) {
            {"UPDATE version SET version = 1.4",
             "INSERT INTO question (question, questionno, qtype, pos) VALUES ('q', '1', 0, 1)"});
     document.DoOpen(path, true, 1);
-    ASSERT_EQ(dialogs.shown.size(), 1u);
-    EXPECT_EQ(dialogs.shown[0].icon, MsgIcon::Critical);
+    EXPECT_EQ(dialogs.shown.at(0).icon, MsgIcon::Critical);
     EXPECT_EQ(dialogs.TakeTexts(),
               QStringList("Unable to open survey file - expecting version 1.7, "
                           "but found version 1.4"));

@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/Failure.h"
-#include "platform/ListBox.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;
@@ -130,16 +129,4 @@ TEST(clsSurvey, CountsEndWhereSixteenBitsDo) {
     survey.ReorderQ_QuestionNos();
     EXPECT_EQ(q->QuestionNo, "32767");
     EXPECT_EQ(survey.GetQ("unknown"), nullptr) << "all are looked at, and no more";
-}
-
-TEST(clsSurvey, ResponsesComeFromAListBoxBehindThoseThatAreThere) {
-    ListBox list;
-    for (const char* text : {"x", "y", "z"})
-        list.AddItem(text);
-    clsQ q;
-    q.AddResponse("a", 1, 2, "K");
-    q.CreateResponsesFromListBox(list);
-    ASSERT_EQ(q.ResponsesCount, 4);
-    EXPECT_EQ(q.GetResponse(4)->Text, "z");
-    EXPECT_EQ(q.GetResponse(4)->DatabaseID, -1);
 }
