@@ -59,6 +59,8 @@ FtpConnection::FtpConnection(const TransferPatience& patience)
         return;
     curl_easy_setopt(curl, CURLOPT_HEADERFUNCTION, ReceiveReply);
     curl_easy_setopt(curl, CURLOPT_HEADERDATA, this);
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETFUNCTION, OpenSocket);
+    curl_easy_setopt(curl, CURLOPT_OPENSOCKETDATA, this);
     curl_easy_setopt(curl, CURLOPT_CLOSESOCKETFUNCTION, CloseSocket);
     curl_easy_setopt(curl, CURLOPT_CLOSESOCKETDATA, this);
     // The current directory is the server's to keep: names go out as they are.
@@ -88,6 +90,7 @@ std::int32_t FtpConnection::LogIn(const QString& server, const QString& user,
     const std::int32_t code = Perform({});
     if (code == 0)
         curl_easy_getinfo(curl_.get(), CURLINFO_ACTIVESOCKET, &control_);
+    loggedIn_ = code == 0;
     return code;
 }
 
@@ -125,8 +128,6 @@ std::int32_t FtpConnection::PutFile(const QString& localPath, const QString& rem
     return code;
 }
 
-// libcurl would quietly log in anew when the server has closed the connection; here its end is a
-// failure.
 bool FtpConnection::IsAlive() const {
     // Between two commands a server says nothing, unless that it ends.
     pollfd waiting{control_, POLLIN, 0};
@@ -141,6 +142,8 @@ std::int32_t FtpConnection::Perform(const QByteArray& path) {
     const CURLcode result = curl_easy_perform(curl_.get());
     if (result == CURLE_OK)
         return 0;
+    if (ended_)
+        return internet::ConnectionEnded;
     if (result == CURLE_LOGIN_DENIED)
         return passwordAsked_ && replyCode_ != 332 ? internet::WrongPassword
                                                    : internet::LoginFailed;
@@ -151,6 +154,16 @@ size_t FtpConnection::ReceiveReply(char* data, size_t, size_t count, void* self)
     static_cast<FtpConnection*>(self)->AddReplyLine(
         QByteArray(data, static_cast<qsizetype>(count)));
     return count;
+}
+
+// libcurl would quietly log in anew when the server has closed the connection, and an upload would
+// go to another directory; here its end is a failure.
+curl_socket_t FtpConnection::OpenSocket(void* self, curlsocktype, curl_sockaddr* address) {
+    auto* connection = static_cast<FtpConnection*>(self);
+    connection->ended_ = connection->loggedIn_ && connection->control_ == CURL_SOCKET_BAD;
+    return connection->ended_
+               ? CURL_SOCKET_BAD
+               : socket(address->family, address->socktype | SOCK_CLOEXEC, address->protocol);
 }
 
 int FtpConnection::CloseSocket(void* self, curl_socket_t socket) {

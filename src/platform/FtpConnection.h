@@ -31,6 +31,7 @@ class FtpConnection {
 
   private:
     static size_t ReceiveReply(char* data, size_t, size_t count, void* self);
+    static curl_socket_t OpenSocket(void* self, curlsocktype purpose, curl_sockaddr* address);
     static int CloseSocket(void* self, curl_socket_t socket);
     void AddReplyLine(const QByteArray& line);
     void ReadLastWords();
@@ -44,7 +45,9 @@ class FtpConnection {
     bool passwordAsked_ = false;
     bool storing_ = false;
     curl_socket_t control_ = CURL_SOCKET_BAD;
-    CurlHandle curl_; // goes first, while its callbacks still have the rest
+    bool loggedIn_ = false;
+    bool ended_ = false; // and would have been begun anew
+    CurlHandle curl_;    // goes first, while its callbacks still have the rest
 };
 
 } // namespace pollarix
