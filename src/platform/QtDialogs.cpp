@@ -233,12 +233,14 @@ FileDialogResult QtDialogs::RunFileDialog(const FileDialogRequest& request, bool
 
 void QtDialogs::ShowPrinter(QPrinter& printer) {
     Shown<QPrintDialog> dialog(&printer, Parent());
+    dialog->setObjectName("PrintDialog");
     if (!dialog.Accepted())
         throw Failure(failure::DialogCancelled);
 }
 
 bool QtDialogs::ShowPageSetup(QPrinter& printer) {
     Shown<QPageSetupDialog> dialog(&printer, Parent());
+    dialog->setObjectName("PageSetupDialog");
     return dialog.Accepted();
 }
 

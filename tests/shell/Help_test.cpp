@@ -63,7 +63,8 @@ TEST_F(HelpTest, EveryScreenDialogAndPageOfAWizardHasItsTopic) {
 
     const QString names =
         "picDesign picCollect picAnalyse frmLogic frmMatrixDefine frmMatrixAdd frmManualResponse "
-        "frmAddServer frmTip frmAbout HelpWindow frmWizWebPublish_Welcome "
+        "frmAddServer frmTip frmAbout HelpWindow PrintDialog PageSetupDialog "
+        "frmWizWebPublish_Welcome "
         "frmWizWebPublish_ServerType frmWizWebPublish_Login frmWizWebPublish_SurveyName "
         "frmWizWebPublish_Upload frmWizWebPublish_Complete frmWizWebCollect_Welcome "
         "frmWizWebCollect_ServerType frmWizWebCollect_Login frmWizWebCollect_SelectSurvey "
