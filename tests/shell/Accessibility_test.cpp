@@ -6,6 +6,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
+#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
@@ -17,6 +18,7 @@
 
 #include "collection/frmManualResponse.h"
 #include "design/frmMatrixAdd.h"
+#include "platform/Grid.h"
 #include "platform/ListBox.h"
 #include "shell/Attendant.h"
 #include "shell/HelpWindow.h"
@@ -145,10 +147,12 @@ class AccessibilityTest : public testing::Test {
 
 TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
     frmMain window(program.state);
-    window.Form_Load({});
+    const QString path = program.Path("museum-visit.plxs");
+    ASSERT_TRUE(QFile::copy(DataFile("samples/museum-visit.plxs"), path));
+    ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
+    window.Form_Load(path); // selects a blank question at the end
     window.resize(1024, 740);
     window.show();
-    window.AddBlankOpenEndedQuestion();
     Check(window);
     for (const char* dialog : {"frmMatrixDefine", "frmLogic", "frmTip", "frmAbout", "frmSplash"})
         user.tasks[dialog] = Check;
@@ -172,10 +176,19 @@ TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
     window.findChild<QAction*>("mnuHelpTipOfTheDay")->trigger();
     window.findChild<QAction*>("mnuAbout")->trigger();
     EXPECT_EQ(user.seen, QStringList({"frmMatrixDefine", "frmLogic", "frmTip", "frmAbout"}));
-    for (const char* screen : {"Respondent", "Analyse"}) {
-        window.ShowScreen(screen);
+    program.dialogs.answers = {MsgAnswer::Yes};
+    for (const char* screen : {"mnuViewDataCollection", "mnuViewAnalyse"}) {
+        window.findChild<QAction*>(screen)->trigger();
         Check(window);
     }
+    // The graph of the first response; then it covers the rest.
+    auto* const list = window.findChild<Grid*>("gSummaryReport");
+    list->SetRow(2);
+    list->Click();
+    EXPECT_TRUE(window.findChild<QWidget*>("c")->isVisible());
+    Check(window);
+    press("cmdExpand");
+    CheckNames(window);
     frmMatrixAdd scale(program.state, &window);
     Check(scale);
 }
@@ -234,9 +247,10 @@ TEST_F(AccessibilityTest, EachPageOfTheWizards) {
     frmWizWebCollect_Login collectLogin(run, services, collect, nullptr);
     frmWizWebCollect_SelectSurvey select(run, services, collect, nullptr);
     frmWizWebCollect_Download download(run, services, collect, nullptr);
+    WizardPage collected(run, "frmWizWebCollect_Complete", "Finished", "Downloaded.", 6, nullptr);
     frmAddServer add(program.settings, program.dialogs, nullptr);
     for (QWidget* page :
          std::initializer_list<QWidget*>{&upload, &select, &download, &welcome, &type, &login,
-                                         &name, &complete, &collectLogin, &add})
+                                         &name, &complete, &collectLogin, &collected, &add})
         Check(*page);
 }
