@@ -16,6 +16,7 @@ function(pollarix_tests name)
   add_dependencies(test_${name} pollarix_data)
   gtest_discover_tests(test_${name}
     TEST_PREFIX "${name}."
+    NO_PRETTY_VALUES # bytes of a parameter say nothing
     DISCOVERY_MODE PRE_TEST
     PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen" TIMEOUT 300)
 endfunction()
