@@ -1,20 +1,15 @@
 // The Analyze screen of the real window on large surveys: opening the survey, counting and showing
 // the summary, and the graph of a click. The summary stands beside its counts alone, done with bare
 // SQLite statements on the same file. "MB" is what the process grew by in all of that.
-//
-//   analysis_benchmark --benchmark_filter=100000   without the larger survey, which takes 1 GB
 #include <QAction>
 #include <QApplication>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <benchmark/benchmark.h>
 
-#include <map>
 #include <stdexcept>
 
-#include "generate_survey.h"
+#include "Measuring.h"
 #include "platform/Chart.h"
 #include "platform/ComboBox.h"
 #include "platform/Grid.h"
@@ -22,30 +17,9 @@
 #include "shell/frmMain.h"
 
 using namespace pollarix;
+using namespace pollarix::benchmarks;
 
 namespace {
-
-QString Survey(int respondents) {
-    static const QTemporaryDir directory;
-    static std::map<int, QString> made;
-    QString& path = made[respondents];
-    if (path.isEmpty()) {
-        path = directory.filePath(QString("%1.plxs").arg(respondents));
-        benchmarks::GenerateSurvey(POLLARIX_DATA_DIR "/blank.mdb", path, respondents);
-    }
-    return path;
-}
-
-// Memory of this process alone, in megabytes.
-double OwnMemory() {
-    QFile file("/proc/self/status");
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : file.readAll().split('\n'))
-        if (line.startsWith("RssAnon:"))
-            return line.simplified().split(' ').value(1).toDouble() / 1024;
-    return 0;
-}
 
 // A user who opens the one survey.
 class Chooser : public QtDialogs {
@@ -59,7 +33,7 @@ class Chooser : public QtDialogs {
 
 struct Window {
     explicit Window(int respondents) {
-        dialogs.path = Survey(respondents);
+        dialogs.path = LargeSurvey(respondents);
         window.resize(1024, 740);
         window.show();
         QApplication::processEvents();
@@ -97,7 +71,7 @@ void Summary(benchmark::State& state) {
 
 // The same counts with the best statements we know; no text is read.
 void Summary_BareSQLite(benchmark::State& state) {
-    const SQLite::Database file(Survey(static_cast<int>(state.range(0))).toStdString());
+    const SQLite::Database file(LargeSurvey(static_cast<int>(state.range(0))).toStdString());
     for ([[maybe_unused]] const auto run : state) {
         SQLite::Statement all(file, "SELECT count(*) FROM respondent");
         all.executeStep();
@@ -154,13 +128,9 @@ void ClickOnAnswer(benchmark::State& state) {
     state.counters["MB"] = OwnMemory() - window.before;
 }
 
-void Sizes(benchmark::internal::Benchmark* measured) {
-    measured->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
-}
-
-BENCHMARK(Open)->Apply(Sizes);
-BENCHMARK(Summary)->Apply(Sizes);
-BENCHMARK(Summary_BareSQLite)->Apply(Sizes);
-BENCHMARK(ClickOnAnswer)->Apply(Sizes);
+BENCHMARK(Open)->Apply(Respondents);
+BENCHMARK(Summary)->Apply(Respondents);
+BENCHMARK(Summary_BareSQLite)->Apply(Respondents);
+BENCHMARK(ClickOnAnswer)->Apply(Respondents);
 
 } // namespace

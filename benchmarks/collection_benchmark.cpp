@@ -1,10 +1,7 @@
 // The Data Collection screen on large surveys: the respondent list until it is painted, a page of
 // it scrolled, and a page turn of manual entry. Each stands beside the same done with bare SQLite
 // statements on the same file.
-//
-//   collection_benchmark --benchmark_filter=100000   without the larger survey, which takes 1 GB
 #include <QApplication>
-#include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -12,47 +9,24 @@
 #include <QTest>
 
 #include <SQLiteCpp/SQLiteCpp.h>
-#include <benchmark/benchmark.h>
 
-#include <map>
 #include <memory>
 
+#include "Measuring.h"
 #include "collection/frmManualResponse.h"
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
-#include "generate_survey.h"
 #include "platform/Grid.h"
 #include "platform/QtDialogs.h"
 
 using namespace pollarix;
+using namespace pollarix::benchmarks;
 
 namespace {
 
 constexpr int RowsOfPage = 25;
 constexpr const char* ListRespondents =
     "SELECT id FROM respondent ORDER BY submitteddate DESC, id DESC";
-
-QString Survey(int respondents) {
-    static const QTemporaryDir directory;
-    static std::map<int, QString> made;
-    QString& path = made[respondents];
-    if (path.isEmpty()) {
-        path = directory.filePath(QString("%1.plxs").arg(respondents));
-        benchmarks::GenerateSurvey(POLLARIX_DATA_DIR "/blank.mdb", path, respondents);
-    }
-    return path;
-}
-
-// Memory of this process alone, in megabytes.
-double OwnMemory() {
-    QFile file("/proc/self/status");
-    if (!file.open(QIODevice::ReadOnly))
-        return 0;
-    for (const QByteArray& line : file.readAll().split('\n'))
-        if (line.startsWith("RssAnon:"))
-            return line.simplified().split(' ').value(1).toDouble() / 1024;
-    return 0;
-}
 
 struct Screen {
     explicit Screen(const QString& path) {
@@ -84,7 +58,7 @@ struct Screen {
 };
 
 void ListOnScreen(benchmark::State& state) {
-    Screen screen(Survey(static_cast<int>(state.range(0))));
+    Screen screen(LargeSurvey(static_cast<int>(state.range(0))));
     const double before = OwnMemory();
     for ([[maybe_unused]] const auto run : state)
         screen.Show();
@@ -92,7 +66,7 @@ void ListOnScreen(benchmark::State& state) {
 }
 
 void ListOnScreen_BareSQLite(benchmark::State& state) {
-    const SQLite::Database file(Survey(static_cast<int>(state.range(0))).toStdString());
+    const SQLite::Database file(LargeSurvey(static_cast<int>(state.range(0))).toStdString());
     for ([[maybe_unused]] const auto run : state) {
         std::vector<std::int64_t> ids;
         for (SQLite::Statement row(file, ListRespondents); row.executeStep();)
@@ -110,18 +84,28 @@ void ListOnScreen_BareSQLite(benchmark::State& state) {
     }
 }
 
+// From evenly spread places, the last of them a page before the end.
 void ScrollAPage(benchmark::State& state) {
-    Screen screen(Survey(static_cast<int>(state.range(0))));
+    constexpr int Places = 20;
+    Screen screen(LargeSurvey(static_cast<int>(state.range(0))));
     screen.Show();
+    Grid& list = screen.Respondents();
+    const int last = list.Rows() - 1 - 2 * RowsOfPage;
+    int place = 0;
     for ([[maybe_unused]] const auto run : state) {
-        QTest::keyClick(&screen.Respondents(), Qt::Key_PageDown);
-        screen.Respondents().viewport()->repaint();
+        state.PauseTiming();
+        place = place % Places + 1;
+        list.SetRow(static_cast<int>(std::int64_t{last} * place / Places));
+        list.viewport()->repaint();
+        state.ResumeTiming();
+        QTest::keyClick(&list, Qt::Key_PageDown);
+        list.viewport()->repaint();
     }
 }
 
 // Page 1, an open ended question, stored again and again.
 void PageTurn(benchmark::State& state) {
-    Screen screen(Survey(static_cast<int>(state.range(0))));
+    Screen screen(LargeSurvey(static_cast<int>(state.range(0))));
     ManualEntryState entry;
     entry.CurrentRespondentID = 1;
     frmManualResponse window(screen.state, entry, nullptr);
@@ -138,7 +122,7 @@ void PageTurn(benchmark::State& state) {
 }
 
 void PageTurn_BareSQLite(benchmark::State& state) {
-    SQLite::Database file(Survey(static_cast<int>(state.range(0))).toStdString(),
+    SQLite::Database file(LargeSurvey(static_cast<int>(state.range(0))).toStdString(),
                           SQLite::OPEN_READWRITE);
     file.exec("PRAGMA synchronous = FULL");
     SQLite::Statement remove(
@@ -155,14 +139,10 @@ void PageTurn_BareSQLite(benchmark::State& state) {
     }
 }
 
-void Sizes(benchmark::internal::Benchmark* measured) {
-    measured->Arg(100000)->Arg(1000000)->Unit(benchmark::kMillisecond);
-}
-
-BENCHMARK(ListOnScreen)->Apply(Sizes);
-BENCHMARK(ListOnScreen_BareSQLite)->Apply(Sizes);
-BENCHMARK(ScrollAPage)->Apply(Sizes);
-BENCHMARK(PageTurn)->Apply(Sizes);
-BENCHMARK(PageTurn_BareSQLite)->Apply(Sizes);
+BENCHMARK(ListOnScreen)->Apply(Respondents);
+BENCHMARK(ListOnScreen_BareSQLite)->Apply(Respondents);
+BENCHMARK(ScrollAPage)->Apply(Respondents);
+BENCHMARK(PageTurn)->Apply(Respondents);
+BENCHMARK(PageTurn_BareSQLite)->Apply(Respondents);
 
 } // namespace

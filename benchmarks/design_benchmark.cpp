@@ -1,8 +1,7 @@
-// The Design screen with a survey of 1,000 questions of five responses each: opened and saved,
-// typed in, added to, moved about and deleted from. Opening and saving also at other sizes, to see
-// how they grow.
+// The Design screen with surveys of many questions: opened and saved, typed in, added to, moved
+// about and deleted from. One of 1,000 questions with 20 responses each; the others, to see how the
+// costs grow, have three responses a question.
 #include <QAbstractButton>
-#include <QFile>
 #include <QMainWindow>
 #include <QTemporaryDir>
 #include <QTest>
@@ -14,6 +13,7 @@
 #include "design/DesignViews.h"
 #include "design/picDesign.h"
 #include "document/SurveyDocument.h"
+#include "generate_survey.h"
 #include "platform/QtDialogs.h"
 #include "platform/RichTextBox.h"
 #include "platform/TreeView.h"
@@ -22,42 +22,24 @@ using namespace pollarix;
 
 namespace {
 
-constexpr int Questions = 1000;
-constexpr int Responses = 5;
-
 struct Screen {
-    explicit Screen(int questions = Questions) {
+    explicit Screen(const benchmark::State& bench) {
+        const int questions = static_cast<int>(bench.range(0));
         const QString path = folder.filePath("survey.plxs");
-        QFile::copy(state.directories.InProgram("blank.mdb"), path);
-        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner);
+        benchmarks::GenerateQuestions(POLLARIX_DATA_DIR "/blank.mdb", path, questions,
+                                      static_cast<int>(bench.range(1)));
         window.setCentralWidget(design);
         window.resize(1920, 1000);
         window.show();
         design->LayOut(24);
-        state.SurveyConnection.Open(path);
-        state.CurrentFilename = path;
-        for (int i = 1; i <= questions; ++i)
-            AddQuestion(i);
-        document.DoSave();
+        document.DoOpen(path, true, 1);
         if (state.CurrentSurvey.QCount != questions)
-            throw std::runtime_error("the survey was not read back");
-    }
-
-    void AddQuestion(int number) {
-        RichText text = RichText::FromPlainText(
-            QString("How satisfied are you with item %1 of our list?\nPlease be frank.")
-                .arg(number));
-        text.paragraphs[0].runs[0].format.bold = true;
-        clsSurvey& survey = state.CurrentSurvey;
-        const std::int32_t kinds[] = {kind::Check, kind::Radio, kind::Matrix};
-        const QString key = survey.AddQ(WriteRichText(text), kinds[number % 3], -1, 2);
-        for (int r = 1; r <= Responses; ++r)
-            survey.GetQIndex(survey.QCount)->AddResponse(QString("Response %1").arg(r), -1, -1, "");
+            throw std::runtime_error("the survey was not read");
     }
 
     // By hand, somewhere in the middle.
     void SelectMiddle() {
-        const QString key = state.CurrentSurvey.GetQIndex(Questions / 2)->Key;
+        const QString key = state.CurrentSurvey.GetQIndex(state.CurrentSurvey.QCount / 2)->Key;
         design->SelectNode(key);
         design->tvTreeView_NodeClick(key);
         QCoreApplication::processEvents();
@@ -70,75 +52,80 @@ struct Screen {
     QTemporaryDir folder;
     Settings settings{folder.filePath("settings")};
     QtDialogs dialogs;
-    ApplicationState state{
-        {QCoreApplication::applicationDirPath(), folder.path()}, settings, dialogs};
+    ApplicationState state{Directories{POLLARIX_DATA_DIR, folder.path()}, settings, dialogs};
     QMainWindow window;
     picDesign* design = new picDesign(state, &window);
     test::DesignViews views{*design};
     SurveyDocument document{state, views};
 };
 
-void Open(benchmark::State& bench) {
-    Screen screen(static_cast<int>(bench.range(0)));
+void DesignOpen(benchmark::State& bench) {
+    Screen screen(bench);
     const QString path = screen.state.CurrentFilename;
-    for (auto _ : bench) {
+    for ([[maybe_unused]] const auto run : bench) {
         screen.document.DoClose();
         screen.document.DoOpen(path, true, 1);
         QCoreApplication::processEvents();
     }
 }
-BENCHMARK(Open)->Arg(500)->Arg(Questions)->Arg(4000)->Unit(benchmark::kMillisecond);
 
 // A save opens the survey again at its end.
-void Save(benchmark::State& bench) {
-    Screen screen(static_cast<int>(bench.range(0)));
-    for (auto _ : bench) {
+void DesignSave(benchmark::State& bench) {
+    Screen screen(bench);
+    for ([[maybe_unused]] const auto run : bench) {
         screen.document.DoSave();
         QCoreApplication::processEvents();
     }
 }
-BENCHMARK(Save)->Arg(Questions)->Unit(benchmark::kMillisecond);
 
 // Press and release, with all that follows of it up to the paint.
-void Key(benchmark::State& bench) {
-    Screen screen;
+void DesignKey(benchmark::State& bench) {
+    Screen screen(bench);
     screen.SelectMiddle();
     auto* const txtQ = screen.window.findChild<RichTextBox*>("txtQ");
     bool type = true;
-    for (auto _ : bench) {
+    for ([[maybe_unused]] const auto run : bench) {
         QTest::keyClick(txtQ, type ? Qt::Key_A : Qt::Key_Backspace);
         QCoreApplication::processEvents();
         type = !type;
     }
 }
-BENCHMARK(Key)->Unit(benchmark::kMillisecond);
 
-void Add(benchmark::State& bench) {
-    Screen screen;
-    for (auto _ : bench) {
+void DesignAdd(benchmark::State& bench) {
+    Screen screen(bench);
+    for ([[maybe_unused]] const auto run : bench) {
         screen.design->mnuDesignAddCheckQuestion_Click();
         QCoreApplication::processEvents();
     }
 }
-BENCHMARK(Add)->Unit(benchmark::kMillisecond)->Iterations(200);
 
-void Move(benchmark::State& bench) {
-    Screen screen;
+void DesignMove(benchmark::State& bench) {
+    Screen screen(bench);
     screen.SelectMiddle();
     bool up = true;
-    for (auto _ : bench) {
+    for ([[maybe_unused]] const auto run : bench) {
         screen.Click(up ? "cmdUp" : "cmdDown");
         up = !up;
     }
 }
-BENCHMARK(Move)->Unit(benchmark::kMillisecond);
 
-void Delete(benchmark::State& bench) {
-    Screen screen;
+void DesignDelete(benchmark::State& bench) {
+    Screen screen(bench);
     screen.SelectMiddle();
-    for (auto _ : bench)
+    for ([[maybe_unused]] const auto run : bench)
         screen.Click("cmdDelete");
 }
-BENCHMARK(Delete)->Unit(benchmark::kMillisecond)->Iterations(200);
+void Sizes(benchmark::internal::Benchmark* measured) {
+    measured->ArgNames({"", "responses"})->Args({1000, 20})->Unit(benchmark::kMillisecond);
+    for (int questions = 125; questions <= 8000; questions *= 2)
+        measured->Args({questions, 3});
+}
+
+BENCHMARK(DesignOpen)->Apply(Sizes);
+BENCHMARK(DesignSave)->Apply(Sizes);
+BENCHMARK(DesignKey)->Apply(Sizes);
+BENCHMARK(DesignMove)->Apply(Sizes);
+BENCHMARK(DesignAdd)->Apply(Sizes)->Iterations(20);
+BENCHMARK(DesignDelete)->Apply(Sizes)->Iterations(20);
 
 } // namespace

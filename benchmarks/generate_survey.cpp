@@ -2,6 +2,7 @@
 
 #include <SQLiteCpp/SQLiteCpp.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <cstdio>
@@ -158,13 +159,17 @@ class Generator {
     int points_ = 0;
 };
 
+void CopyTemplate(const QString& blank, const QString& path) {
+    using std::filesystem::perms;
+    std::filesystem::copy_file(blank.toStdString(), path.toStdString(),
+                               std::filesystem::copy_options::overwrite_existing);
+    std::filesystem::permissions(path.toStdString(), perms::owner_read | perms::owner_write);
+}
+
 } // namespace
 
 void GenerateSurvey(const QString& blank, const QString& path, int respondents) {
-    std::filesystem::copy_file(blank.toStdString(), path.toStdString(),
-                               std::filesystem::copy_options::overwrite_existing);
-    std::filesystem::permissions(path.toStdString(), std::filesystem::perms::owner_read |
-                                                         std::filesystem::perms::owner_write);
+    CopyTemplate(blank, path);
     SQLite::Database survey(path.toStdString(), SQLite::OPEN_READWRITE);
     survey.exec("PRAGMA synchronous = OFF");
     SQLite::Transaction all(survey);
@@ -173,6 +178,36 @@ void GenerateSurvey(const QString& blank, const QString& path, int respondents) 
         generator.AddQuestions();
         for (int id = 1; id <= respondents; ++id)
             generator.AddRespondent(id);
+    }
+    all.commit();
+}
+
+void GenerateQuestions(const QString& blank, const QString& path, int questions, int responses) {
+    CopyTemplate(blank, path);
+    SQLite::Database survey(path.toStdString(), SQLite::OPEN_READWRITE);
+    SQLite::Transaction all(survey);
+    SQLite::Statement question(survey, "INSERT INTO question (id, questionno, qtype, pos, question)"
+                                       " VALUES (?1, ?1, 1 + ?1 % 3, ?1, ?2)");
+    SQLite::Statement response(survey, "INSERT INTO response (id, questionid, name, pos, "
+                                       "responseMatrixGroupID, LogicJumpToQuestionID) VALUES "
+                                       "((?1 - 1) * ?4 + ?2, ?1, 'Response ' || ?2, ?2, "
+                                       "iif(?1 % 3 = 2, 2, 1), iif(?1 % 3 = 1, ?3, NULL))");
+    for (int q = 1; q <= questions; ++q) {
+        question.bind(1, q);
+        question.bind(
+            2, "{\\rtf1\\ansi{\\fonttbl{\\f0 Arial;}}\\f0\\fs20\\b How satisfied are you with "
+               "item " +
+                   std::to_string(q) + " of our list?\\b0\\par Please be frank.}");
+        question.exec();
+        question.reset();
+        for (int r = 1; r <= responses; ++r) {
+            response.bind(1, q);
+            response.bind(2, r);
+            response.bind(3, std::min(q + r, questions));
+            response.bind(4, responses);
+            response.exec();
+            response.reset();
+        }
     }
     all.commit();
 }

@@ -13,4 +13,9 @@ inline constexpr int AnswersPerRespondent = 17;
 // system throw.
 void GenerateSurvey(const QString& blank, const QString& path, int respondents);
 
+// The same with questions instead, of the three kinds with responses in turn and nobody's answers.
+// Each response of a radio question jumps to another one of the questions that follow. Ids have 16
+// bits in the program: no more than 32,767 responses in all.
+void GenerateQuestions(const QString& blank, const QString& path, int questions, int responses);
+
 } // namespace pollarix::benchmarks

@@ -1,33 +1,24 @@
-// The import of a results file, measured against bare SQLite inserting the same rows into the same
-// tables in one transaction, from C++ and without a file to read. Each run is a process of its own,
-// so that its peak memory is its own.
-//
-//   import_benchmark                     100,000 respondents
-//   import_benchmark --respondents 1000  another count
-#include <benchmark/benchmark.h>
-
+// The import of a results file, beside bare SQLite inserting the same rows into the same tables in
+// one transaction, from C++ and without a file to read. Each run is a process of its own, so that
+// its peak memory is its own.
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <sqlite3.h>
-#include <sys/resource.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include <map>
 #include <stdexcept>
-#include <string>
 
+#include "Measuring.h"
 #include "generate_results.h"
 #include "generate_survey.h"
 #include "platform/QtDialogs.h"
 #include "platform/Windows1252.h"
 #include "web/ResultsReader.h"
 
-namespace pollarix::benchmarks {
+using namespace pollarix;
+using namespace pollarix::benchmarks;
+
 namespace {
 
 // The program's own boxes, but for showing them.
@@ -36,12 +27,13 @@ class SilentDialogs : public QtDialogs {
     MsgAnswer MsgBox(const QString&, MsgIcon, MsgButtons) override { return MsgAnswer::Ok; }
 };
 
-void Import(const QString& survey, const QString& results) {
+void ImportResults(const QStringList& arguments) {
+    const QString& survey = arguments[0];
     Settings settings(survey + ".settings");
     SilentDialogs dialogs;
     ApplicationState state(Directories{}, settings, dialogs);
     state.SurveyConnection.Open(survey);
-    DoLoadXML(state, results);
+    DoLoadXML(state, arguments[1]);
     state.SurveyConnection.Close();
 }
 
@@ -56,9 +48,10 @@ sqlite3_stmt* Prepared(sqlite3* file, const char* sql) {
     return statement;
 }
 
-void InsertBare(const QString& survey, int respondents) {
+void InsertBare(const QStringList& arguments) {
+    const int respondents = arguments[1].toInt();
     sqlite3* file = nullptr;
-    Check(sqlite3_open(survey.toUtf8().constData(), &file));
+    Check(sqlite3_open(arguments[0].toUtf8().constData(), &file));
     Check(sqlite3_exec(file, "PRAGMA cache_size = -32000; BEGIN", nullptr, nullptr, nullptr));
     sqlite3_stmt* respondentRow = Prepared(file, "INSERT INTO respondent (source) VALUES ('Web')");
     sqlite3_stmt* row =
@@ -90,102 +83,46 @@ void InsertBare(const QString& survey, int respondents) {
     Check(sqlite3_close(file));
 }
 
-struct Measured {
-    double seconds = 0;
-    double processorSeconds = 0; // which another program's load does not change
-    double peakMegabytes = 0;
-};
+const Work Imported("import", ImportResults);
+const Work Bare("bare", InsertBare);
 
-double Seconds(const timeval& time) {
-    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+// The same file for the same count, made once.
+QString Results(int respondents) {
+    static const QTemporaryDir directory;
+    static std::map<int, QString> made;
+    QString& path = made[respondents];
+    if (path.isEmpty()) {
+        path = directory.filePath(QString::number(respondents));
+        GenerateResults(path, respondents);
+    }
+    return path;
 }
 
-template <typename Work> Measured InOwnProcess(const Work& work) {
-    const auto start = std::chrono::steady_clock::now();
-    const pid_t process = fork();
-    if (process == 0) {
-        try {
-            work();
-        } catch (const std::exception& failure) {
-            std::fprintf(stderr, "%s\n", failure.what());
-            _exit(1);
-        }
-        _exit(0);
-    }
-    int status = 1;
-    rusage usage{};
-    wait4(process, &status, 0, &usage);
-    const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-    if (process < 0 || status != 0)
-        std::exit(1);
-    return {taken.count(), Seconds(usage.ru_utime) + Seconds(usage.ru_stime),
-            static_cast<double>(usage.ru_maxrss) * 1024 / 1e6};
+// Each time into an empty survey.
+void Measure(benchmark::State& state, const char* work, const QString& argument) {
+    const QTemporaryDir directory;
+    const QString survey = directory.filePath("survey.plxs");
+    MeasureProcess(state, Alone(work, {survey, argument}), "/dev/null",
+                   [&] { GenerateSurvey(POLLARIX_DATA_DIR "/blank.mdb", survey, 0); });
+    state.counters["rows"] = static_cast<double>(state.range(0)) * AnswersPerRespondent;
 }
 
-class Comparison {
-  public:
-    explicit Comparison(int respondents)
-        : respondents_(respondents), results_(directory_.filePath("results.txt")) {
-        resultsMegabytes_ = static_cast<double>(GenerateResults(results_, respondents)) / 1e6;
-        GenerateSurvey(POLLARIX_DATA_DIR "/blank.mdb", directory_.filePath("empty.plxs"), 0);
-    }
+void Import(benchmark::State& state) {
+    const QString results = Results(static_cast<int>(state.range(0)));
+    Measure(state, "import", results);
+    state.counters["file_MB"] = static_cast<double>(QFile(results).size()) / 1e6;
+}
 
-    void Register() {
-        Add("bare", [this](const QString& survey) { InsertBare(survey, respondents_); });
-        Add("import", [this](const QString& survey) { Import(survey, results_); });
-    }
+void Import_BareSQLite(benchmark::State& state) {
+    Measure(state, "bare", QString::number(state.range(0)));
+}
 
-  private:
-    template <typename Work> void Add(const std::string& name, Work work) {
-        benchmark::RegisterBenchmark(
-            name.c_str(),
-            [this, name, work](benchmark::State& state) {
-                Measured sum;
-                for ([[maybe_unused]] const auto& run : state) {
-                    const QString survey = directory_.filePath("survey.plxs");
-                    QFile::remove(survey);
-                    QFile::copy(directory_.filePath("empty.plxs"), survey);
-                    const Measured measured = InOwnProcess([&] { work(survey); });
-                    state.SetIterationTime(measured.seconds);
-                    sum.seconds += measured.seconds;
-                    sum.processorSeconds += measured.processorSeconds;
-                    sum.peakMegabytes = std::max(sum.peakMegabytes, measured.peakMegabytes);
-                }
-                if (name == "bare")
-                    bare_ = sum;
-                state.counters["of_bare"] = sum.seconds / bare_.seconds;
-                state.counters["cpu_of_bare"] = sum.processorSeconds / bare_.processorSeconds;
-                state.counters["peak_MB"] = sum.peakMegabytes;
-                state.counters["peak_of_file"] = sum.peakMegabytes / resultsMegabytes_;
-                state.counters["results_MB"] = resultsMegabytes_;
-                state.counters["rows"] = static_cast<double>(respondents_) * AnswersPerRespondent;
-            })
-            ->UseManualTime()
-            ->Iterations(3)
-            ->Unit(benchmark::kMillisecond);
-    }
+void Sizes(benchmark::internal::Benchmark* measured) {
+    Respondents(measured);
+    measured->UseManualTime()->Iterations(1);
+}
 
-    QTemporaryDir directory_;
-    int respondents_;
-    QString results_;
-    double resultsMegabytes_ = 0;
-    Measured bare_;
-};
+BENCHMARK(Import)->Apply(Sizes);
+BENCHMARK(Import_BareSQLite)->Apply(Sizes);
 
 } // namespace
-} // namespace pollarix::benchmarks
-
-int main(int argc, char** argv) {
-    int respondents = 100000;
-    if (argc >= 3 && std::string(argv[1]) == "--respondents") {
-        respondents = std::atoi(argv[2]);
-        argv[2] = argv[0];
-        argv += 2;
-        argc -= 2;
-    }
-    benchmark::Initialize(&argc, argv);
-    pollarix::benchmarks::Comparison comparison(respondents);
-    comparison.Register();
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-}
