@@ -11,6 +11,9 @@ namespace pollarix {
 namespace {
 
 constexpr int DivisionByZero = 11;
+// A scale stands again below each sub question: without a bound, a small file could fill the
+// memory.
+constexpr std::size_t MostRows = 1'000'000;
 
 // The order is that of the text: "10" comes before "2".
 constexpr const char* Questions = "SELECT question.id, question, qtype, questionno FROM question "
@@ -47,6 +50,8 @@ class Builder {
 
   private:
     void Write(SummaryRow row) {
+        if (R_ > MostRows)
+            throw Failure(failure::Overflow, "The summary has too many rows");
         if (R_ >= report_.rows.size())
             report_.rows.resize(R_ + 1);
         report_.rows[R_] = std::move(row);

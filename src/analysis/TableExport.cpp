@@ -1,5 +1,6 @@
 #include "analysis/TableExport.h"
 
+#include <QHash>
 #include <QSet>
 
 #include <algorithm>
@@ -49,9 +50,10 @@ class HeadLine {
     explicit HeadLine(QByteArray& line) : line_(line) {}
 
     void Add(const QString& title) {
-        QString unique = title.simplified();
-        for (int number = 2; titles_.contains(unique); ++number)
-            unique = title.simplified() + QString(" (%1)").arg(number);
+        const QString simple = title.simplified();
+        QString unique = simple;
+        for (int& number = numbers_[simple]; titles_.contains(unique); ++number)
+            unique = simple + QString(" (%1)").arg(number + 2);
         if (!titles_.isEmpty())
             line_ += ',';
         titles_.insert(unique);
@@ -72,6 +74,7 @@ class HeadLine {
   private:
     QByteArray& line_;
     QSet<QString> titles_;
+    QHash<QString, int> numbers_; // how many are taken of those set behind a title, from 2
 };
 
 // One cell for the answer to a radio question; should a file hold several, none is lost.

@@ -16,6 +16,8 @@ namespace {
 
 constexpr int BusyTimeoutMs = 2000;
 constexpr std::size_t MostStatements = 256;
+// Nobody writes a text that long. A file that holds one ends in a message, not in want of memory.
+constexpr int LongestText = 64 << 20;
 
 Failure FailureOf(const SQLite::Exception& failure) {
     return Failure(failure.getExtendedErrorCode(), QString::fromUtf8(failure.what()), "SQLite");
@@ -107,6 +109,8 @@ void Connection::Handle::Configure(Mode mode) {
     sqlite3_db_config(raw, SQLITE_DBCONFIG_ENABLE_LOAD_EXTENSION, 0, nullptr);
     sqlite3_db_config(raw, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
     sqlite3_limit(raw, SQLITE_LIMIT_ATTACHED, 0);
+    if (mode != Mode::ReadWriteTrusted)
+        sqlite3_limit(raw, SQLITE_LIMIT_LENGTH, LongestText);
     database->exec("PRAGMA cell_size_check = ON");
     database->exec("PRAGMA synchronous = FULL");
     database->exec("PRAGMA cache_size = -32000"); // KB; a large import then seldom spills
@@ -125,6 +129,14 @@ void Connection::Handle::RefuseActiveSchema() {
     if (sqlite3_column_int64(check->statement, 0) > 0)
         throw Failure(failure::PathOrFileAccess,
                       "It holds views or triggers, which a survey file never has");
+    // A column that is computed can give a million long texts from a file of a few pages.
+    const std::shared_ptr<DbStatement> computed = Prepare(
+        "SELECT count(*) FROM sqlite_schema AS item, pragma_table_xinfo(item.name) AS field "
+        "WHERE item.type = 'table' AND field.hidden <> 0");
+    Step(*computed);
+    if (sqlite3_column_int64(computed->statement, 0) > 0)
+        throw Failure(failure::PathOrFileAccess,
+                      "It holds computed columns, which a survey file never has");
 }
 
 void Connection::Handle::Close() {

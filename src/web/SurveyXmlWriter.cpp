@@ -9,9 +9,15 @@ namespace pollarix {
 
 namespace {
 
+// Each sub question brings its whole scale along: without a bound, a small file could fill the
+// memory.
+constexpr qsizetype LongestDocument = 64 << 20;
+
 class Document {
   public:
     void Line(int tabs, QStringView line) {
+        if (text_.size() > LongestDocument)
+            throw Failure(failure::Overflow, "The survey document is too long");
         text_ += QString(tabs, '\t');
         text_ += line;
         text_ += QLatin1String("\r\n");

@@ -201,6 +201,31 @@ TEST_F(SurveyDocumentTest, BadFilesAreNamedAndTheProgramGoesOn) {
     OpenBlank("good.plxs");
 }
 
+// Counters and ids have 16 bits; what goes beyond is a failure and never a wrong number.
+TEST_F(SurveyDocumentTest, AsManyQuestionsAndResponsesAs16BitsCount) {
+    const QString path = program.BlankSurvey("long.plxs");
+    RunSql(path, {"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 32767) "
+                  "INSERT INTO question (questionno, qtype, pos) SELECT i, i = 7, i FROM n",
+                  "INSERT INTO response (questionid, name, pos, responseMatrixGroupID, "
+                  "LogicJumpToQuestionID) SELECT 7, questionno, pos, 1, 32767 FROM question"});
+    document.DoOpen(path, true, 32767);
+    ASSERT_EQ(dialogs.TakeTexts(), QStringList());
+    ASSERT_EQ(Survey().QCount, 32767);
+    const auto last = Survey().GetQIndex(32767);
+    EXPECT_EQ(views.selected, last->Key);
+    EXPECT_EQ(Survey().GetQIndex(7)->GetResponse(32767)->LogicJumpToQuestionKey, last->Key);
+    document.DoSave();
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+    EXPECT_EQ(SqlRows(path, "SELECT count(*), max(pos) FROM question", 2),
+              QStringList("32767|32767"));
+
+    document.DoClose();
+    RunSql(path, {"UPDATE question SET id = 0 WHERE id = 1",
+                  "INSERT INTO question (id, qtype, pos) VALUES (1, 0, 40000)"});
+    document.DoOpen(path, true, 1);
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList("Unable to open " + path + ". Overflow. 6"));
+}
+
 TEST_F(SurveyDocumentTest, AnotherVersionIsAWarningOnly) {
     const QString path = program.BlankSurvey("old.plxs");
     RunSql(path,
