@@ -86,7 +86,7 @@ std::int32_t FtpConnection::LogIn(const QString& server, const QString& user,
     curl_easy_setopt(curl_.get(), CURLOPT_USERNAME, name.toUtf8().constData());
     curl_easy_setopt(curl_.get(), CURLOPT_PASSWORD, password.toUtf8().constData());
     curl_easy_setopt(curl_.get(), CURLOPT_NOBODY, 1L);
-    passwordAsked_ = false;
+    reply_.ForgetPassword();
     const std::int32_t code = Perform({});
     if (code == 0)
         curl_easy_getinfo(curl_.get(), CURLINFO_ACTIVESOCKET, &control_);
@@ -108,7 +108,7 @@ std::int32_t FtpConnection::SetCurrentDirectory(const QString& directory) {
     const std::int32_t code = Perform({});
     curl_easy_setopt(curl_.get(), CURLOPT_QUOTE, nullptr);
     curl_slist_free_all(command);
-    return code == 0 && replyCode_ >= 400 ? internet::ServersOwnWords : code;
+    return code == 0 && reply_.Code() >= 400 ? internet::ServersOwnWords : code;
 }
 
 std::int32_t FtpConnection::PutFile(const QString& localPath, const QString& remoteName) {
@@ -135,9 +135,7 @@ bool FtpConnection::IsAlive() const {
 }
 
 std::int32_t FtpConnection::Perform(const QByteArray& path) {
-    reply_.clear();
-    replyCode_ = 0;
-    replyGoesOn_ = false;
+    reply_.Clear();
     curl_easy_setopt(curl_.get(), CURLOPT_URL, (base_ + path).constData());
     const CURLcode result = curl_easy_perform(curl_.get());
     if (result == CURLE_OK)
@@ -145,13 +143,13 @@ std::int32_t FtpConnection::Perform(const QByteArray& path) {
     if (ended_)
         return internet::ConnectionEnded;
     if (result == CURLE_LOGIN_DENIED)
-        return passwordAsked_ && replyCode_ != 332 ? internet::WrongPassword
-                                                   : internet::LoginFailed;
-    return replyCode_ >= 400 ? internet::ServersOwnWords : InternetCode(result);
+        return reply_.PasswordAsked() && reply_.Code() != 332 ? internet::WrongPassword
+                                                              : internet::LoginFailed;
+    return reply_.Code() >= 400 ? internet::ServersOwnWords : InternetCode(result);
 }
 
 size_t FtpConnection::ReceiveReply(char* data, size_t, size_t count, void* self) {
-    static_cast<FtpConnection*>(self)->AddReplyLine(
+    static_cast<FtpConnection*>(self)->reply_.AddLine(
         QByteArray(data, static_cast<qsizetype>(count)));
     return count;
 }
@@ -178,7 +176,7 @@ int FtpConnection::CloseSocket(void* self, curl_socket_t socket) {
 // A server whose disk is full cuts the data off and then says why; libcurl sees the cut and would
 // hang up without listening.
 void FtpConnection::ReadLastWords() {
-    if (!storing_ || replyCode_ >= 200)
+    if (!storing_ || reply_.Code() >= 200)
         return;
     constexpr int LastWordsMs = 2000;
     pollfd waiting{control_, POLLIN, 0};
@@ -186,27 +184,7 @@ void FtpConnection::ReadLastWords() {
     const ssize_t count =
         poll(&waiting, 1, LastWordsMs) > 0 ? recv(control_, words, sizeof words, MSG_DONTWAIT) : 0;
     for (const QByteArray& line : QByteArray(words, std::max<ssize_t>(count, 0)).split('\n'))
-        AddReplyLine(line + '\n');
-}
-
-// A reply is one line "250 text", or "250-text", any lines, and "250 text".
-void FtpConnection::AddReplyLine(const QByteArray& line) {
-    bool isNumber = false;
-    const int code = line.left(3).toInt(&isNumber);
-    const bool isCoded = isNumber && code >= 100 && code <= 599;
-    const char mark = line.size() > 3 ? line[3] : ' ';
-    if (replyGoesOn_) {
-        replyGoesOn_ = !(isCoded && code == replyCode_ && mark != '-');
-        if (reply_.size() < 4096)
-            reply_ += line;
-        return;
-    }
-    if (!isCoded)
-        return;
-    replyCode_ = code;
-    reply_ = line;
-    replyGoesOn_ = mark == '-';
-    passwordAsked_ = passwordAsked_ || code == 331;
+        reply_.AddLine(line + '\n');
 }
 
 } // namespace pollarix

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include "platform/Curl.h"
+#include "platform/FtpReply.h"
 
 namespace pollarix {
 
@@ -26,23 +27,18 @@ class FtpConnection {
     // Into the current directory; a file of that name is overwritten.
     std::int32_t PutFile(const QString& localPath, const QString& remoteName);
 
-    // The server's last reply, all of its lines.
-    const QByteArray& LastReply() const { return reply_; }
+    const FtpReply& LastReply() const { return reply_; }
 
   private:
     static size_t ReceiveReply(char* data, size_t, size_t count, void* self);
     static curl_socket_t OpenSocket(void* self, curlsocktype purpose, curl_sockaddr* address);
     static int CloseSocket(void* self, curl_socket_t socket);
-    void AddReplyLine(const QByteArray& line);
     void ReadLastWords();
     bool IsAlive() const;
     std::int32_t Perform(const QByteArray& path);
 
     QByteArray base_; // "ftp://host:port/"
-    QByteArray reply_;
-    int replyCode_ = 0;
-    bool replyGoesOn_ = false;
-    bool passwordAsked_ = false;
+    FtpReply reply_;
     bool storing_ = false;
     curl_socket_t control_ = CURL_SOCKET_BAD;
     bool loggedIn_ = false;

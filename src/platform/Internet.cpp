@@ -1,29 +1,11 @@
 #include "platform/Internet.h"
 
-#include <QStringDecoder>
-
 #include <utility>
 
 #include "platform/FtpConnection.h"
 #include "platform/WebDownload.h"
-#include "platform/Windows1252.h"
 
 namespace pollarix {
-
-namespace {
-
-constexpr qsizetype LongestResponse = 256;
-
-// A reply's bytes have no declared encoding: what is not UTF-8 is taken as Windows-1252.
-QString ResponseText(const QByteArray& reply) {
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8(reply);
-    if (utf8.hasError())
-        text = FromWindows1252(reply);
-    return text.trimmed().left(LongestResponse);
-}
-
-} // namespace
 
 Internet::Internet(TransferPatience patience) : patience_(patience) {}
 
@@ -82,7 +64,7 @@ FtpConnection* Internet::Find(std::int32_t connection) {
 
 bool Internet::Ended(std::int32_t code, const FtpConnection& ftp) {
     lastError_ = code;
-    lastResponse_ = ResponseText(ftp.LastReply());
+    lastResponse_ = ftp.LastReply().Shown();
     return code == 0;
 }
 
