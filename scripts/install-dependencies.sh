@@ -5,6 +5,7 @@
 #   scripts/install-dependencies.sh --screen   also for running where there is no screen
 #   scripts/install-dependencies.sh --tests    also for testing and for checking the sources
 #   scripts/install-dependencies.sh --package  also for making the Debian package and checking it
+#   scripts/install-dependencies.sh --fuzz     also for the fuzzers
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
@@ -36,6 +37,8 @@ for group in "$@"; do
     --screen) packages+=(xvfb xauth openbox x11vnc) ;;
     --tests) packages+=(vsftpd xvfb xauth clang-format) ;;
     --package) packages+=(dpkg-dev binutils gzip lintian desktop-file-utils appstream) ;;
+    # The last one gives names to the lines of a finding.
+    --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -61,6 +64,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --tests) tools=(vsftpd) ;;
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
+        --fuzz) tools=(clang++) ;;
         *) tools=(debootstrap) ;;
         esac
         for tool in "${tools[@]}"; do
