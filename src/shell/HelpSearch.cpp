@@ -118,6 +118,8 @@ double HelpSearch::WeightOf(const QString& stem, const Page& page) {
 QString HelpSearch::ExtractOf(const QStringList& stems, const Page& page) {
     // The page begins with its title, which stands above the extract already.
     qsizetype from = std::min(page.title.size() + 1, page.text.size());
+    constexpr QChar Dots(0x2026);
+    QString before;
     for (auto word = WordsIn(page.text); word.hasNext();) {
         const QRegularExpressionMatch match = word.next();
         const QString stem = StemOf(match.captured());
@@ -125,14 +127,16 @@ QString HelpSearch::ExtractOf(const QStringList& stems, const Page& page) {
             std::none_of(stems.begin(), stems.end(),
                          [&](const QString& wanted) { return stem.startsWith(wanted); }))
             continue;
-        if (match.capturedStart() - from > ExtractBefore)
+        if (match.capturedStart() - from > ExtractBefore) {
             from = page.text.indexOf(' ', match.capturedStart() - ExtractBefore) + 1;
+            before = Dots;
+        }
         break;
     }
     const QString extract = page.text.mid(from, ExtractLength);
     if (from + extract.size() == page.text.size())
-        return extract;
-    return extract.section(' ', 0, -2) + QChar(0x2026);
+        return before + extract;
+    return before + extract.section(' ', 0, -2) + Dots;
 }
 
 std::vector<FoundTopic> HelpSearch::Search(const QString& typed) {

@@ -21,6 +21,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 
+#include "shell/FoundTopicDelegate.h"
 #include "shell/HelpBrowser.h"
 
 namespace pollarix {
@@ -154,8 +155,11 @@ QWidget* HelpWindow::BuildSearch() {
     lstFound_ = new QListWidget(page);
     lstFound_->setObjectName("lstFound");
     lstFound_->setAccessibleName("Topics found");
-    lstFound_->setWordWrap(true);
-    lstFound_->setSpacing(2);
+    lstFound_->setItemDelegate(new FoundTopicDelegate(lstFound_));
+    lstFound_->setResizeMode(QListView::Adjust);
+    // Always there: its coming would leave the topics too little room for their lines.
+    lstFound_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+    lstFound_->setVerticalScrollMode(QListView::ScrollPerPixel);
     lstFound_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     auto* const row = new QHBoxLayout;
     row->addWidget(txtSearch_, 1);
