@@ -2,9 +2,6 @@
 
 #include <QFile>
 
-#include <random>
-#include <utility>
-
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -132,47 +129,4 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     EXPECT_NE(Import(Block(good + Record("8", "3", Values({"7,41"})))), 0);
     RunSql(path, {"ALTER TABLE respondent_responses RENAME COLUMN OldID TO ResponseMatrixID"});
     EXPECT_EQ(Taken(), taken);
-}
-
-TEST_F(Results, AnyBytesImportWhatIsWholeOrEndInOneOfTheKnownFailures) {
-    std::mt19937 random(62);
-    Connection& file = program.state.SurveyConnection;
-    const WriteBatch batch(file); // one write to the disk for all rounds
-    std::int64_t before = 0;
-    QByteArray good;
-    for (int i = 0; i < 4; ++i)
-        good += Block(Record("5", "0", "<text>text</text>") + Record("6", "1", Values({"61"})) +
-                      Record("8", "3", Values({"301,81", "302,82"})));
-    QByteArrayList pieces = QByteArray("<r> </r> <userresponse> </userresponse> <QType> </QType> "
-                                       "<Response> </Response> < , 9 \xff")
-                                .split(' ');
-    pieces << "\r\n"
-           << "\n"
-           << QByteArray(1, 0) << QByteArray(5000, '<');
-    for (int round = 0; round < 300; ++round) {
-        QByteArray bytes = good;
-        for (auto count = 1 + random() % 6; count > 0; --count) {
-            const auto at = static_cast<qsizetype>(random() % bytes.size());
-            if (random() % 2)
-                bytes.remove(at, static_cast<qsizetype>(random() % 40));
-            else
-                bytes.insert(at, pieces[qsizetype(random() % 16)]);
-        }
-        const int number = Import(bytes);
-        const bool isKnown = number == 0 || number == failure::InvalidArgument ||
-                             number == failure::Overflow || number == failure::Subscript ||
-                             number == failure::TypeMismatch ||
-                             (number & 0xFF) == 19; // the database refuses a value
-        EXPECT_TRUE(isKnown) << number;
-        const std::int64_t respondents = file.Count("SELECT count(*) FROM respondent");
-        const std::int64_t made = std::exchange(before, respondents);
-        EXPECT_LE(respondents - made, 4 + bytes.count("</userresponse>"));
-        EXPECT_EQ(program.dialogs.TakeTexts(),
-                  number ? QStringList() : QStringList(Told(int(respondents - made))));
-    }
-    // Each respondent is one of the web, and each answer belongs to one.
-    EXPECT_EQ(file.Count("SELECT count(*) FROM respondent WHERE source <> 'Web'"), 0);
-    EXPECT_EQ(file.Count("SELECT count(*) FROM respondent_responses WHERE RespondentID NOT IN "
-                         "(SELECT id FROM respondent)"),
-              0);
 }

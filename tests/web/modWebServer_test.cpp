@@ -6,8 +6,6 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include <random>
-
 #include "platform/Formats.h"
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
@@ -118,25 +116,5 @@ TEST_F(Client, AValueStandsBetweenTheTwelfthCharacterAndTheNextMark) {
             << body.left(40).toStdString();
         EXPECT_EQ(value, expected);
         EXPECT_EQ(client.LastServerError, "Success");
-    }
-}
-
-TEST_F(Client, RepliesOfAnyBytesAreAcceptedRefusedOrOneOfTheKnownFailures) {
-    std::mt19937 random(1252);
-    const QByteArray pieces[] = {"Success", "<br>", "Failure", QByteArray("\0", 1),   "\xff",
-                                 "17",      "<b",   "\r\n",    QByteArray(20000, '<')};
-    for (int round = 0; round < 500; ++round) {
-        QByteArray body = round % 2 ? "Success" : "";
-        for (auto count = random() % 6; count > 0; --count)
-            body += pieces[random() % std::size(pieces)];
-        WriteReply(body);
-        QString value;
-        const int number = NumberOf([&] {
-            const bool accepted = client.ServerGetValue(value);
-            EXPECT_EQ(accepted, body.startsWith("Success"));
-        });
-        EXPECT_TRUE(number == 0 || number == failure::InvalidArgument ||
-                    number == failure::Overflow);
-        EXPECT_EQ(client.ServerGetDocument(value), !body.startsWith("Failure"));
     }
 }
