@@ -55,6 +55,10 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
         }
 
         {
+            // One transaction over the whole reading: no other program can lock or change the file
+            // in the middle and leave half of it here.
+            const Recordset reading =
+                state_.SurveyConnection.Execute("SELECT name FROM sqlite_schema");
             const RedrawOff redrawOff(views_);
             views_.ClearTree();
             views_.AddRootNode();
@@ -141,42 +145,62 @@ void SurveyDocument::ReadResponses() {
     }
 }
 
-void SurveyDocument::DoSave() {
+int SurveyDocument::SelectedPosition() const {
     // Nothing but the root may be selected after New, or nothing at all; both mean no position.
     const std::optional<QString> selected = views_.SelectedKey();
-    const int position =
-        selected && *selected != RootKey ? state_.CurrentSurvey.GetQIndexFromKey(*selected) : -1;
-    {
+    return selected && *selected != RootKey ? state_.CurrentSurvey.GetQIndexFromKey(*selected) : -1;
+}
+
+void SurveyDocument::DoSave() {
+    const int position = SelectedPosition();
+    WriteModel();
+    Reopen(position);
+}
+
+void SurveyDocument::Reopen(int SelectIndex) {
+    const QString filename = state_.CurrentFilename;
+    DoClose();
+    state_.CurrentFilename = filename;
+    DoOpen(filename, false, SelectIndex);
+}
+
+void SurveyDocument::WriteModel() {
+    std::vector<std::shared_ptr<clsQ>> inserted;
+    try {
         WriteBatch batch(state_.SurveyConnection);
         state_.SurveyConnection.Run("UPDATE question SET deleteme = true");
         state_.SurveyConnection.Run("UPDATE response SET deleteme = true");
         // All questions get their ids before any response is written, so that a jump to a question
         // that is new in this save can be stored.
-        WriteQuestions();
+        WriteQuestions(inserted);
         WriteResponses();
         state_.SurveyConnection.Run("DELETE FROM response WHERE deleteme = true");
         state_.SurveyConnection.Run("DELETE FROM question WHERE deleteme = true");
         batch.Commit();
+    } catch (...) {
+        // Their rows may have been taken back. The next save would give their ids to others, and
+        // then take those for theirs.
+        for (const std::shared_ptr<clsQ>& q : inserted)
+            q->DatabaseID = -1;
+        throw;
     }
-
-    const QString filename = state_.CurrentFilename;
-    DoClose();
-    state_.CurrentFilename = filename;
-    DoOpen(filename, false, position);
 }
 
-void SurveyDocument::WriteQuestions() {
+void SurveyDocument::WriteQuestions(std::vector<std::shared_ptr<clsQ>>& inserted) {
     clsSurvey& survey = state_.CurrentSurvey;
     Connection& file = state_.SurveyConnection;
     TableInsert insert(file, "question", {"question", "questionno", "qtype", "pos", "Deleteme"});
     for (int i = 1; i <= survey.QCount; ++i) {
-        clsQ& q = *survey.GetQIndex(Narrow16(i));
-        if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd())
+        const std::shared_ptr<clsQ> question = survey.GetQIndex(Narrow16(i));
+        clsQ& q = *question;
+        if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd()) {
             q.DatabaseID = Narrow16(insert.Add({q.Question, q.QuestionNo, q.qType, i, 0}));
-        else
+            inserted.push_back(question);
+        } else {
             file.Run("UPDATE question SET Deleteme = false, questionno = ?, question = ?, "
                      "qtype = ?, pos = ? WHERE id = ?",
                      {q.QuestionNo, q.Question, q.qType, i, q.DatabaseID});
+        }
     }
 }
 
@@ -242,6 +266,7 @@ void SurveyDocument::mnuFileSave_Click() {
 
 void SurveyDocument::mnuFileSaveAs_Click() {
     const QString old = state_.CurrentFilename;
+    bool leftOld = false;
     QString chosen = EndsInTmp(old, Qt::CaseSensitive) ? QString() : old;
     try {
         FileDialogRequest request;
@@ -252,12 +277,20 @@ void SurveyDocument::mnuFileSaveAs_Click() {
         chosen = state_.dialogs.ShowSave(request).fileName;
         if (chosen.isEmpty())
             return;
+        const int position = SelectedPosition();
+        PendingCopy copy = CopyTo(chosen);
         state_.SurveyConnection.Close();
+        leftOld = true;
         state_.CurrentFilename.clear();
-        CopyFileOver(old, chosen);
+        // The changes go into the copy before it takes the name: whatever happens, the file of that
+        // name is either what it was or the whole survey.
+        state_.SurveyConnection.Open(copy.Path());
+        WriteModel();
+        state_.SurveyConnection.Close();
+        SettleJournal(chosen);
+        copy.Finish();
         state_.CurrentFilename = chosen;
-        state_.SurveyConnection.Open(chosen);
-        DoSave();
+        Reopen(position);
         DoClose();
         DoOpen(chosen, true, 1);
     } catch (const Failure& failure) {
@@ -268,11 +301,20 @@ void SurveyDocument::mnuFileSaveAs_Click() {
                               MsgIcon::Critical);
         // Model and tree stay as they are.
         state_.CurrentFilename = old;
-        ReopenAfterFailedCopy(old);
+        if (leftOld || !state_.SurveyConnection.IsOpen())
+            ReopenAfterFailedSaveAs(old);
     }
 }
 
-void SurveyDocument::ReopenAfterFailedCopy(const QString& old) {
+// The survey stays open until the copy is there: a file that was deleted meanwhile can still be
+// read, but never opened again.
+PendingCopy SurveyDocument::CopyTo(const QString& path) {
+    // Read in a transaction, so that no other program writes meanwhile.
+    const Recordset reading = state_.SurveyConnection.Execute("SELECT name FROM sqlite_schema");
+    return PendingCopy(state_.CurrentFilename, path);
+}
+
+void SurveyDocument::ReopenAfterFailedSaveAs(const QString& old) {
     const bool onTheCopy = state_.SurveyConnection.IsOpen();
     try {
         state_.SurveyConnection.Open(old);

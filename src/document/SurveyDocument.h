@@ -2,8 +2,12 @@
 // question and response. Not for respondents and answers, which other rooms write at once.
 #pragma once
 
+#include <memory>
+#include <vector>
+
 #include "document/ApplicationState.h"
 #include "document/SurveyViews.h"
+#include "platform/Files.h"
 
 namespace pollarix {
 
@@ -45,9 +49,15 @@ class SurveyDocument {
   private:
     void ReadQuestions(int SelectIndex, QString& selectKey);
     void ReadResponses();
-    void WriteQuestions();
+    // The position of the question that is selected, -1 for none.
+    int SelectedPosition() const;
+    // Writes the model into the file that the connection is open on.
+    void WriteModel();
+    void Reopen(int SelectIndex);
+    void WriteQuestions(std::vector<std::shared_ptr<clsQ>>& inserted);
     void WriteResponses();
-    void ReopenAfterFailedCopy(const QString& old);
+    PendingCopy CopyTo(const QString& path);
+    void ReopenAfterFailedSaveAs(const QString& old);
 
     ApplicationState& state_;
     SurveyViews& views_;

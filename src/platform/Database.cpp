@@ -1,5 +1,8 @@
 #include "platform/Database.h"
 
+#include <QFile>
+#include <QFileInfo>
+
 #include <cmath>
 #include <utility>
 
@@ -287,6 +290,21 @@ void WriteBatch::Commit() {
     } else if (handle_->batchFailure) {
         throw *handle_->batchFailure; // the connection was closed and could not keep the batch
     }
+}
+
+void SettleJournal(const QString& path) {
+    const QString journal = QFileInfo(path).absoluteFilePath() + "-journal";
+    if (!QFileInfo::exists(journal))
+        return;
+    try {
+        Connection file;
+        file.Open(path);           // rolls back by reading
+        WriteBatch(file).Commit(); // refused while another program writes
+    } catch (const Failure& failure) {
+        if (failure.Number() != SQLITE_NOTADB && failure.Number() != failure::FileNotFound)
+            throw Failure(failure::PathOrFileAccess, path + ": " + failure.Description());
+    }
+    QFile::remove(journal); // an empty one, or one that belongs to nothing
 }
 
 } // namespace pollarix

@@ -159,4 +159,9 @@ class WriteBatch {
     bool done_ = false;
 };
 
+// To be called before a file at this path is replaced by another: finishes what a crash cut off in
+// the one that is there, if it is a database. What was left of that beside it would else be taken
+// for a part of the new one and spoil it. Throws PathOrFileAccess when another program is writing.
+void SettleJournal(const QString& path);
+
 } // namespace pollarix

@@ -5,6 +5,14 @@
 #include <QFileInfo>
 #include <QRandomGenerator>
 
+#include <filesystem>
+#include <system_error>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
 #include "platform/Failure.h"
 
 namespace pollarix {
@@ -25,6 +33,41 @@ void RequireWritable(const QString& path) {
         QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
     if (info.exists() && !(info.permissions() & anyWrite))
         Refuse(path, "it is read-only");
+}
+
+void RequireTwoFiles(const QString& from, const QString& to) {
+    if (!QFileInfo(from).isFile())
+        throw Failure(failure::FileNotFound, "File not found: " + from);
+    const QString source = QFileInfo(from).canonicalFilePath();
+    const QString target = QFileInfo(to).canonicalFilePath();
+    if (source == target)
+        Refuse(to, "a file can't be copied onto itself");
+}
+
+// Calls `write` for each block of a file.
+template <typename Write> void ReadBlocks(const QString& path, const Write& write) {
+    QFile in(path);
+    if (!in.open(QIODevice::ReadOnly))
+        Refuse(path, in.errorString());
+    QByteArray block;
+    do {
+        block = in.read(1 << 20);
+        if (in.error() != QFileDevice::NoError)
+            Refuse(path, in.errorString());
+        write(block);
+    } while (!block.isEmpty());
+}
+
+// Waits until a file, or what is named in a directory, survives a power cut. Some file systems
+// can't say, and then nothing is lost by it.
+void SyncToDisk([[maybe_unused]] const QString& path) {
+#ifdef Q_OS_UNIX
+    const int opened = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (opened < 0)
+        return;
+    fsync(opened);
+    close(opened);
+#endif
 }
 
 } // namespace
@@ -73,24 +116,57 @@ void WholeFile::Finish() {
 }
 
 void CopyFileOver(const QString& from, const QString& to) {
-    if (!QFileInfo(from).isFile())
-        throw Failure(failure::FileNotFound, "File not found: " + from);
-    const QString source = QFileInfo(from).canonicalFilePath();
-    const QString target = QFileInfo(to).canonicalFilePath();
-    if (source == target)
-        Refuse(to, "a file can't be copied onto itself");
-    QFile in(from);
-    if (!in.open(QIODevice::ReadOnly))
-        Refuse(from, in.errorString());
+    RequireTwoFiles(from, to);
     WholeFile out(to);
-    QByteArray block;
-    do {
-        block = in.read(1 << 20);
-        if (in.error() != QFileDevice::NoError)
-            Refuse(from, in.errorString());
-        out.Write(block);
-    } while (!block.isEmpty());
+    ReadBlocks(from, [&](const QByteArray& block) { out.Write(block); });
     out.Finish();
+}
+
+PendingCopy::PendingCopy(const QString& from, const QString& to) : target_(to) {
+    RequireTwoFiles(from, to);
+    RequireWritable(to);
+    // A link is kept, and what it leads to replaced.
+    if (const QString real = QFileInfo(to).canonicalFilePath(); !real.isEmpty())
+        target_ = real;
+    const QFileInfo target(target_);
+    const QString name = NewTempFileName(target.absolutePath(), target.fileName() + '-');
+    try {
+        QFile out(name);
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            Refuse(to, out.errorString());
+        if (target.exists())
+            out.setPermissions(target.permissions());
+        ReadBlocks(from, [&](const QByteArray& block) {
+            for (qint64 done = 0; done < block.size();) {
+                const qint64 written = out.write(block.constData() + done, block.size() - done);
+                if (written <= 0)
+                    Refuse(to, out.errorString());
+                done += written;
+            }
+        });
+    } catch (...) {
+        QFile::remove(name);
+        throw;
+    }
+    path_ = name;
+}
+
+PendingCopy::~PendingCopy() {
+    if (!path_.isEmpty())
+        QFile::remove(path_);
+}
+
+void PendingCopy::Finish() {
+    SyncToDisk(path_);
+    const auto encoded = [](const QString& path) {
+        return std::filesystem::path(QFile::encodeName(path).toStdString());
+    };
+    std::error_code why;
+    std::filesystem::rename(encoded(path_), encoded(target_), why);
+    if (why)
+        Refuse(target_, QString::fromLocal8Bit(why.message().c_str()));
+    path_.clear();
+    SyncToDisk(QFileInfo(target_).absolutePath());
 }
 
 void WriteWholeFile(const QString& path, QByteArrayView bytes) {

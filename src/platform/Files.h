@@ -17,6 +17,26 @@ QString NewTempFileName(const QString& directory, const QString& prefix);
 // says; the path is named.
 void CopyFileOver(const QString& from, const QString& to);
 
+// A copy of a file that lies beside its later name until it is finished, so that it can be changed
+// first. Removed when it is not finished.
+class PendingCopy {
+  public:
+    // Throws as CopyFileOver does, and PathOrFileAccess naming the directory that takes no file.
+    PendingCopy(const QString& from, const QString& to);
+    ~PendingCopy();
+    PendingCopy(const PendingCopy&) = delete;
+    PendingCopy& operator=(const PendingCopy&) = delete;
+
+    const QString& Path() const { return path_; }
+    // Replaces the target in one step, which is on the disk when it returns. Throws
+    // PathOrFileAccess; the target then keeps its old content.
+    void Finish();
+
+  private:
+    QString target_;
+    QString path_;
+};
+
 // Writes a file piece by piece, in bounded memory and in the same way: only Finish replaces the
 // target, and without it the target keeps its old content. All throw PathOrFileAccess with the
 // path and the system's words.
