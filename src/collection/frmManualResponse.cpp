@@ -10,6 +10,8 @@
 #include <QTextDocument>
 #include <QVBoxLayout>
 
+#include <utility>
+
 #include "collection/AnswerList.h"
 #include "collection/MatrixDelegate.h"
 #include "collection/MatrixHead.h"
@@ -156,7 +158,23 @@ void frmManualResponse::BuildFooter() {
 
 void frmManualResponse::Form_Load() {
     entry_.CurrentPosition = 1;
+    isRead_ = false;
     RespondentAnswers_ShowQuestion();
+}
+
+// When the page can't be read, the one before is still on the screen, and so is the position: its
+// answer must not be stored as that of another question.
+bool frmManualResponse::MoveTo(std::int32_t position) {
+    const std::int32_t before = std::exchange(entry_.CurrentPosition, position);
+    isRead_ = false;
+    try {
+        return RespondentAnswers_ShowQuestion();
+    } catch (...) {
+        if (!isRead_)
+            entry_.CurrentPosition = before;
+        isRead_ = true;
+        throw;
+    }
 }
 
 // The question has the height that its text needs, but leaves most of the window to the answers. An
@@ -198,6 +216,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const Recordset row = state_.SurveyConnection.Execute(
         "SELECT id, question, questionno, qtype FROM question WHERE pos = ?",
         {entry_.CurrentPosition});
+    isRead_ = true;
     if (row.AtEnd())
         return false;
     const std::int64_t id = row.Integer("id");
@@ -493,17 +512,22 @@ void frmManualResponse::ShowDCAnswer() {
 }
 
 void frmManualResponse::cmdDCAnswersNext_Click() {
+    if (!isRead_) { // no page is on the screen that could be stored
+        Form_Load();
+        return;
+    }
     ShowDCAnswer();
+    std::int32_t next = entry_.CurrentPosition;
     if (JumpTarget == -1) {
-        ++entry_.CurrentPosition;
+        ++next;
     } else {
         // A target that is gone, or the page itself, shows this page again.
         const Recordset target =
             state_.SurveyConnection.Execute("SELECT pos FROM question WHERE id = ?", {JumpTarget});
         if (!target.AtEnd())
-            entry_.CurrentPosition = Narrow32(target.Integer(0));
+            next = Narrow32(target.Integer(0));
     }
-    if (!RespondentAnswers_ShowQuestion()) {
+    if (!MoveTo(next)) {
         state_.dialogs.MsgBox("Survey completed.", MsgIcon::Information);
         entry_.CurrentPosition = 1;
         accept();
@@ -515,8 +539,7 @@ void frmManualResponse::cmdDCAnswersPrevious_Click() {
         return;
     ShowDCAnswer();
     // The position before, which after a jump need not be the page the user came from.
-    --entry_.CurrentPosition;
-    RespondentAnswers_ShowQuestion();
+    MoveTo(entry_.CurrentPosition - 1);
 }
 
 } // namespace pollarix

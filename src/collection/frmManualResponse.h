@@ -61,6 +61,7 @@ class frmManualResponse : public QDialog {
     void StoreChecked(const AnswerList& list, std::int64_t question);
     void StoreMatrix(std::int64_t question);
 
+    bool MoveTo(std::int32_t position);
     void cmdDCAnswersNext_Click();
     void cmdDCAnswersPrevious_Click();
     void gMatrix_Click();
@@ -68,6 +69,7 @@ class frmManualResponse : public QDialog {
 
     ApplicationState& state_;
     ManualEntryState& entry_;
+    bool isRead_ = false;         // a page was read, or is known not to exist
     std::int16_t JumpTarget = -1; // question.id that the chosen answer leads to; -1 for none
 
     QLabel* lblDCQuestion_;

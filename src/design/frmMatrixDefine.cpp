@@ -42,8 +42,9 @@ frmMatrixDefine::frmMatrixDefine(ApplicationState& state, QWidget* parent)
 }
 
 void frmMatrixDefine::Setup() {
+    const std::vector<ResponseScale> scales = ReadResponseScales(state_.SurveyConnection);
     lstList_->Clear();
-    for (const ResponseScale& scale : ReadResponseScales(state_.SurveyConnection)) {
+    for (const ResponseScale& scale : scales) {
         lstList_->AddItem(scale.text);
         lstList_->SetItemData(lstList_->NewIndex(), scale.id);
     }

@@ -30,8 +30,10 @@ picMatrix::picMatrix(ApplicationState& state, TreeView& tvTreeView, QWidget* par
 
 void picMatrix::LoadMatrixResponses() {
     const int remembered = cmbMatrixResponses_->ListIndex();
+    // Read before the box is cleared: a file that gives none leaves the box as it was.
+    const std::vector<ResponseScale> scales = ReadResponseScales(state_.SurveyConnection);
     cmbMatrixResponses_->Clear();
-    for (const ResponseScale& scale : ReadResponseScales(state_.SurveyConnection)) {
+    for (const ResponseScale& scale : scales) {
         cmbMatrixResponses_->AddItem(scale.text);
         cmbMatrixResponses_->SetItemData(cmbMatrixResponses_->NewIndex(), scale.id);
     }
