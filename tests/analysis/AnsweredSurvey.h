@@ -65,6 +65,7 @@ class AnsweredSurvey : public testing::Test {
         Survey().Open(program_.BlankSurvey("survey.plxs"));
         Sql(SurveyOfEveryKind);
     }
+    ~AnsweredSurvey() override { QLocale::setDefault(QLocale::c()); }
 
     QString Path(const QString& name) const { return program_.Path(name); }
     Connection& Survey() { return program_.state.SurveyConnection; }

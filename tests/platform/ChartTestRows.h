@@ -34,3 +34,11 @@ inline std::vector<ChartRow> LongRows(int count) {
 }
 
 } // namespace pollarix::test
+
+namespace pollarix {
+
+inline void PrintTo(ChartType type, std::ostream* out) {
+    *out << test::ChartTypeName(type);
+}
+
+} // namespace pollarix

@@ -93,46 +93,51 @@ TEST(RichText, WhatIsNotRichTextIsPlainText) {
     EXPECT_EQ(buffer.Text(), "{\\rtf1 as typed}");
 }
 
-class RichTextReading : public testing::TestWithParam<Reading> {};
-
-TEST_P(RichTextReading, GivesThePlainText) {
-    EXPECT_EQ(Plain(Doc(GetParam().rtf)).toStdString(), GetParam().plain);
+TEST(RichText, GivesThePlainText) {
+    const Reading readings[] = {
+        // Line ends
+        {"a\\par b\\par", "a\r\nb"},
+        {"a\\par\\par", "a\r\n"},
+        {"a\\line b\\line", "a\r\nb\r\n"},
+        {"a\\\r\nb\\\nc", "a\r\nb\r\nc"},
+        {"a\nb\r\nc", "abc"},
+        {"a\\page b\\par\\page c", "a\r\nb\r\nc"},
+        {"a\\cell b\\cell\\row c", "a\tb\t\r\nc"},
+        {"a\\tab b", "a\tb"},
+        // Characters
+        {"\\'80\\'e4\\'95\\'4a", "€ä•J"},
+        {"a\\'zzb\\'4", "azzb4"},
+        {"{\\f1\\'e1\\'e2}\\'e4", "αβä"},
+        {"{\\f2\\'83\\'41\\'83Bx}", "アィx"},
+        {"{\\f2\\'83}\\'e4", "ä"},
+        {"{\\ansicpg1251\\f9\\'cf}", "П"},
+        {"\\ansicpg65001\\f9\\'e2\\'82\\'ac", "€"},
+        {"\\ansicpg77777\\f9\\'80", "€"},
+        {"\\u945?\\u946 ?\\uc0\\u947 x", "αβγx"},
+        {"\\uc3\\u945\\'61b\\bullet x", "αx"},
+        {"{\\uc0{\\uc2\\u945}b\\u946 c}", "αbβc"},
+        {"\\u945\\par x", "α\r\nx"},
+        {"\\u-10179?\\u-8704?\\u128512?", "😀😀"},
+        {"\\u-10179?\\b\\u-8704?\\u-10179?x\\u-8704?", "😀\uFFFDx\uFFFD"},
+        {"\\\\\\{\\}\\~\\-\\_", "\\{}\u00A0\u00AD\u2011"},
+        {"\\emdash\\endash\\lquote\\rdblquote\\bullet x", "—–‘”•x"},
+        {"a\\u0?\\'00\\u65532?\\u8232?b\\nosuchword12 \\|c", "a\r\nbc"},
+        // Groups without text
+        {"{\\info{\\title T}}a{\\stylesheet{\\s0 N;}}{\\pict\\wmetafile8 00ff{x}}b", "ab"},
+        {"{\\*\\generator G;}a{\\* \\unknown{b}c}{\\object{\\result r}}d", "ad"},
+        {"{\\pict\\bin5 }}}}}}a", "a"},
+        {"\\bin3 {{{a", "a"},
+        {"\\bin99999999999 a", ""},
+        {"\\bin-5 a", "a"},
+        {"{\\field{\\*\\fldinst HYPERLINK x}{\\fldrslt shown}}", "shown"},
+        {"{\\pntext\\'b7\\tab}a{\\listtext 1.\\tab}b", "ab"},
+        {"a}b", "a"},
+        {"{{{a}", "a"},
+        {"{\\pict{", ""},
+    };
+    for (const Reading& reading : readings)
+        EXPECT_EQ(Plain(Doc(reading.rtf)).toStdString(), reading.plain) << reading.rtf;
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    LineEnds, RichTextReading,
-    testing::Values(Reading{"a\\par b\\par", "a\r\nb"}, Reading{"a\\par\\par", "a\r\n"},
-                    Reading{"a\\line b\\line", "a\r\nb\r\n"},
-                    Reading{"a\\\r\nb\\\nc", "a\r\nb\r\nc"}, Reading{"a\nb\r\nc", "abc"},
-                    Reading{"a\\page b\\par\\page c", "a\r\nb\r\nc"},
-                    Reading{"a\\cell b\\cell\\row c", "a\tb\t\r\nc"}, Reading{"a\\tab b", "a\tb"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    Characters, RichTextReading,
-    testing::Values(
-        Reading{"\\'80\\'e4\\'95\\'4a", "€ä•J"}, Reading{"a\\'zzb\\'4", "azzb4"},
-        Reading{"{\\f1\\'e1\\'e2}\\'e4", "αβä"}, Reading{"{\\f2\\'83\\'41\\'83Bx}", "アィx"},
-        Reading{"{\\f2\\'83}\\'e4", "ä"}, Reading{"{\\ansicpg1251\\f9\\'cf}", "П"},
-        Reading{"\\ansicpg65001\\f9\\'e2\\'82\\'ac", "€"}, Reading{"\\ansicpg77777\\f9\\'80", "€"},
-        Reading{"\\u945?\\u946 ?\\uc0\\u947 x", "αβγx"},
-        Reading{"\\uc3\\u945\\'61b\\bullet x", "αx"},
-        Reading{"{\\uc0{\\uc2\\u945}b\\u946 c}", "αbβc"}, Reading{"\\u945\\par x", "α\r\nx"},
-        Reading{"\\u-10179?\\u-8704?\\u128512?", "😀😀"},
-        Reading{"\\u-10179?\\b\\u-8704?\\u-10179?x\\u-8704?", "😀\uFFFDx\uFFFD"},
-        Reading{"\\\\\\{\\}\\~\\-\\_", "\\{}\u00A0\u00AD\u2011"},
-        Reading{"\\emdash\\endash\\lquote\\rdblquote\\bullet x", "—–‘”•x"},
-        Reading{"a\\u0?\\'00\\u65532?\\u8232?b\\nosuchword12 \\|c", "a\r\nbc"}));
-
-INSTANTIATE_TEST_SUITE_P(
-    GroupsWithoutText, RichTextReading,
-    testing::Values(
-        Reading{"{\\info{\\title T}}a{\\stylesheet{\\s0 N;}}{\\pict\\wmetafile8 00ff{x}}b", "ab"},
-        Reading{"{\\*\\generator G;}a{\\* \\unknown{b}c}{\\object{\\result r}}d", "ad"},
-        Reading{"{\\pict\\bin5 }}}}}}a", "a"}, Reading{"\\bin3 {{{a", "a"},
-        Reading{"\\bin99999999999 a", ""}, Reading{"\\bin-5 a", "a"},
-        Reading{"{\\field{\\*\\fldinst HYPERLINK x}{\\fldrslt shown}}", "shown"},
-        Reading{"{\\pntext\\'b7\\tab}a{\\listtext 1.\\tab}b", "ab"}, Reading{"a}b", "a"},
-        Reading{"{{{a}", "a"}, Reading{"{\\pict{", ""}));
 
 TEST(RichText, FormatsAreReadWithTheirGroups) {
     const RichText text = ReadRichText(
