@@ -6,6 +6,7 @@
 #   scripts/install-dependencies.sh --tests    also for testing and for checking the sources
 #   scripts/install-dependencies.sh --package  also for making the Debian package and checking it
 #   scripts/install-dependencies.sh --fuzz     also for the fuzzers
+#   scripts/install-dependencies.sh --memory   also for running the tests under valgrind
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
@@ -39,6 +40,7 @@ for group in "$@"; do
     --package) packages+=(dpkg-dev binutils gzip lintian desktop-file-utils appstream) ;;
     # The last one gives names to the lines of a finding.
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
+    --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -62,6 +64,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         case $group in
         --screen) tools=(Xvfb xauth openbox x11vnc) ;;
         --tests) tools=(vsftpd) ;;
+        --memory) tools=(valgrind vsftpd) ;;
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;
