@@ -35,7 +35,11 @@ class Views : public test::FakeViews {
         list_.WriteHeads();
         list_.show();
     }
-    void RefreshRespondeSummaryReportList() override { ReadSummary(state_.SurveyConnection, 1, 0); }
+    void RefreshRespondeSummaryReportList() override {
+        SummaryReport report;
+        report.totals = ReadTotals(state_.SurveyConnection);
+        ReadSummary(state_.SurveyConnection, 1, 0, report);
+    }
     void RefreshRespondentList() override { list_.RefreshRespondentList(1, 0); }
 
   private:
