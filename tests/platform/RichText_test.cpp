@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 using namespace pollarix;
 
 namespace {
@@ -180,46 +178,4 @@ TEST(RichText, HundredThousandNestedGroupsAreJustText) {
     EXPECT_EQ(Plain(Doc(body)), "deep");
     EXPECT_EQ(Plain(Doc("{\\pict" + QString(100000, '{'))), "");
     EXPECT_EQ(Plain(Doc("{\\fonttbl" + QString(100000, '{') + QString(100001, '}') + "x")), "x");
-}
-
-// Damaged texts, many of them: both readings agree, and what was read is written in a stable form.
-TEST(RichText, DamagedTextNeverBreaksTheReader) {
-    std::mt19937 random(20240501);
-    const auto below = [&](qsizetype bound) {
-        return static_cast<qsizetype>(random() %
-                                      static_cast<unsigned>(std::max<qsizetype>(bound, 1)));
-    };
-    QStringList pieces =
-        QString(
-            "{ } \\ \\' \\'8 \\'83 \\u-10179 \\u57344? \\bin7  {\\* {\\fonttbl \\f2 \\ansicpg932 "
-            "\\uc9 \\par \\pard \\line {\\pntext {\\*\\pn\\pnlvlblt} {\\colortbl ; \\cf1 \\fs-3 "
-            "\\fs99999 \\deff7 \\b \\plain é \t \\\n")
-            .split(' ');
-    for (char16_t unit : {0x0, 0xDC00, 0xD83D, 0x2028})
-        pieces << QString(QChar(unit));
-    const QString seed = WriteRichText(Everything()) + Doc("x\\par{\\pict 00}\\f1\\'e1\\line y");
-    for (int round = 0; round < 1000; ++round) {
-        QString text = seed;
-        for (qsizetype edits = 1 + below(12); edits > 0; --edits) {
-            const qsizetype at = below(text.size());
-            switch (below(4)) {
-            case 0:
-                text.remove(at, below(40));
-                break;
-            case 1:
-                text[at] = QChar(static_cast<char16_t>(below(0x180)));
-                break;
-            case 2:
-                text.insert(at, text.mid(below(text.size()), below(60)));
-                break;
-            default:
-                text.insert(at, pieces[below(pieces.size())]);
-            }
-        }
-        const RichText read = ReadRichText(text);
-        ASSERT_EQ(PlainTextOf(text), read.PlainText()) << round;
-        const QString written = WriteRichText(read);
-        ASSERT_EQ(ReadRichText(written), read) << round;
-        ASSERT_EQ(WriteRichText(ReadRichText(written)), written) << round;
-    }
 }
