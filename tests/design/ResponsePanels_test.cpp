@@ -12,6 +12,7 @@ using namespace kind;
 struct Panel {
     std::int32_t qType;
     const char *box, *add, *list, *up, *down, *remove;
+    friend void PrintTo(const Panel& panel, std::ostream* out) { *out << panel.list; }
 };
 const Panel Choice = {Radio,        "txtCheckResponse", "cmdCheckAdd",   "lstCheckResponses",
                       "cmdCheckUp", "cmdCheckDown",     "cdmCheckDelete"};

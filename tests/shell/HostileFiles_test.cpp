@@ -154,6 +154,7 @@ struct Harm {
     std::vector<const char*> sql;
     const char* says = ""; // what opening ends in, "" for a file that opens
     int pages = 5;         // of a new respondent; 30 is as far as the test goes
+    friend void PrintTo(const Harm& harm, std::ostream* out) { *out << harm.name; }
 };
 
 class HostileFile : public HostileFiles, public testing::WithParamInterface<Harm> {};

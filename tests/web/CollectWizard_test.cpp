@@ -39,6 +39,7 @@ struct CollectCase {
     QStringList rows{};
     std::optional<MsgAnswer> answer{};
     ServerReply deletion{};
+    friend void PrintTo(const CollectCase& run, std::ostream* out) { *out << run.name; }
 };
 
 const QStringList Got = {"Downloading survey results 17-12.txt.", "Downloaded results file.",

@@ -26,6 +26,7 @@ struct PublishCase {
     Ftp ftp = Ftp::Works;
     const char* function = "Nothing"; // that is answered otherwise
     ServerReply reply{};
+    friend void PrintTo(const PublishCase& run, std::ostream* out) { *out << run.name; }
 };
 
 const QStringList Told = {"Creating local survey.",
