@@ -189,6 +189,8 @@ check_installed() {
     install -m 644 "$XAUTHORITY" "$root/home/visitor/.Xauthority"
     openbox >build/package/openbox.log 2>&1 &
     started=$!
+    # It is to be there before the first window is.
+    sleep 2
 
     check_first_starts
 
