@@ -1,5 +1,6 @@
-// Where the tests find their files: what the build made beside the program, and the tree itself. The
-// paths are compiled into one object only, so that every other one is the same in each checkout.
+// Where the tests find their files: what the build made beside the program, and the tree itself.
+// The paths are compiled into one object only, so that every other one is the same in each
+// checkout.
 #pragma once
 
 #include <QString>
