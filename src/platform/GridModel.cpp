@@ -1,5 +1,6 @@
 #include "platform/GridModel.h"
 
+#include <QElapsedTimer>
 #include <QTimer>
 
 #include <algorithm>
@@ -11,6 +12,9 @@
 namespace pollarix {
 
 namespace {
+
+// After a failure that took longer than this, the other cells of a repaint are not tried.
+constexpr qint64 LongestWaitMs = 200;
 
 Qt::Alignment ToQt(int alignment) {
     switch (alignment) {
@@ -153,9 +157,19 @@ QVariant GridModel::Shown(int row, int col, int role) const {
         return QVariant(ToQt(cells_.Alignment(row, col)));
     if (role != Qt::DisplayRole)
         return {};
+    if (waitedInVain_)
+        return {};
+    QElapsedTimer took;
+    took.start();
     try {
         return Text(row, col);
     } catch (...) {
+        // Someone else holds what the texts are read from: to wait again for each cell on the
+        // screen would stop the program for minutes.
+        if (took.elapsed() > LongestWaitMs) {
+            waitedInVain_ = true;
+            QTimer::singleShot(0, this, [this] { waitedInVain_ = false; });
+        }
         // This is the middle of a repaint. The first failure is shown when that is over; one for
         // each cell on the screen would bury the user in boxes.
         if (!std::exchange(failureTold_, true)) {

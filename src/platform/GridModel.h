@@ -53,6 +53,7 @@ class GridModel : public QAbstractTableModel {
     std::function<QString(int row, int col)> provider_;
     mutable QCache<int, QStringList> remembered_{RowsRemembered};
     mutable bool failureTold_ = false;
+    mutable bool waitedInVain_ = false; // in the repaint under way
     bool headColumn_ = false;
     bool silent_ = false;
     int shownRows_ = 0;

@@ -263,4 +263,16 @@ TEST_F(GridTest, AFailingProviderFailsTheReaderAndIsShownOnceForAScreen) {
     grid_.grab();
     QTest::qWait(1);
     EXPECT_EQ(shown_, std::vector<int>{failure::NoCurrentRecord});
+    // One that takes long, such as waiting for another program, is not waited for in each cell.
+    int waits = 0;
+    grid_.SetProvider([&](int, int) -> QString {
+        ++waits;
+        QTest::qSleep(250);
+        throw Failure(failure::NoCurrentRecord);
+    });
+    grid_.grab();
+    EXPECT_EQ(waits, 1);
+    QTest::qWait(1);
+    grid_.grab();
+    EXPECT_EQ(waits, 2);
 }
