@@ -156,6 +156,7 @@ class FaultTest : public testing::Test {
         dialogs.TakeTexts();
     }
     ~FaultTest() override {
+        DoEvents(); // a repaint that failed is told a little later
         SystemCalls::hurry = false;
         SetFailureReporter({});
     }
