@@ -178,11 +178,22 @@ void SurveyDocument::WriteModel() {
         state_.SurveyConnection.Run("DELETE FROM question WHERE deleteme = true");
         batch.Commit();
     } catch (...) {
-        // Their rows may have been taken back. The next save would give their ids to others, and
-        // then take those for theirs.
+        // What was written stays. But where the database has taken the rows back, the next save
+        // would give their ids to others, and then take those for theirs.
         for (const std::shared_ptr<clsQ>& q : inserted)
-            q->DatabaseID = -1;
+            if (!HasRow(*q))
+                q->DatabaseID = -1;
         throw;
+    }
+}
+
+bool SurveyDocument::HasRow(const clsQ& q) const {
+    try {
+        return !state_.SurveyConnection
+                    .Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID})
+                    .AtEnd();
+    } catch (const std::exception&) {
+        return false;
     }
 }
 

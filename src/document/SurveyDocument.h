@@ -54,6 +54,7 @@ class SurveyDocument {
     // Writes the model into the file that the connection is open on.
     void WriteModel();
     void Reopen(int SelectIndex);
+    bool HasRow(const clsQ& q) const;
     void WriteQuestions(std::vector<std::shared_ptr<clsQ>>& inserted);
     void WriteResponses();
     PendingCopy CopyTo(const QString& path);

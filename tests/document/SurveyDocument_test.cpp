@@ -342,4 +342,18 @@ TEST_F(SurveyDocumentTest, ASaveThatFailsKeepsTheSurveyOpenAndSaysWhy) {
     EXPECT_EQ(Survey().QCount, 2);
     document.DoSave();
     EXPECT_EQ(Questions(path).size(), 2);
+
+    // What was written before the failure stays, and the next save updates it.
+    const auto third = Add(0, "third");
+    const auto radio = Add(2, "fourth");
+    radio->AddResponse("a", -1, -1, "");
+    radio->AddResponse("a", -1, -1, "");
+    RunSql(path, {"CREATE UNIQUE INDEX once ON response (name) WHERE deleteme = 0"});
+    EXPECT_THROW(document.DoSave(), Failure);
+    const QStringList written = SqlRows(path, "SELECT id, question FROM question ORDER BY id", 2);
+    EXPECT_EQ(written.size(), 4);
+    EXPECT_EQ(third->DatabaseID, 3);
+    radio->GetResponse(2)->Text = "b";
+    document.DoSave();
+    EXPECT_EQ(SqlRows(path, "SELECT id, question FROM question ORDER BY id", 2), written);
 }
