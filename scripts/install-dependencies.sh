@@ -26,8 +26,10 @@ packages=(
     libsqlitecpp-dev libsqlite3-dev sqlite3
     # The sample survey is computed
     python3
-    # Survey server
+    # Talking to a survey server
     libcurl4-openssl-dev
+    # Survey server: HTTP, passwords and tokens
+    libboost-dev libsodium-dev
     # Text on a machine without a desktop
     fonts-dejavu-core
     # Tests and measurements are configured with the rest
@@ -57,7 +59,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         command -v "$tool" >/dev/null || missing+=("$tool")
     done
     for module in Qt6Widgets Qt6PrintSupport Qt6Svg Qt6Charts Qt6Help Qt6Test sqlite3 libcurl \
-        gtest benchmark; do
+        libsodium gtest benchmark; do
         pkg-config --exists "$module" 2>/dev/null || missing+=("$module")
     done
     for group in "$@"; do
@@ -76,7 +78,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
     done
     if [ ${#missing[@]} -gt 0 ]; then
         echo "This system has no apt-get, so nothing can be installed from here." >&2
-        echo "Please install these (development packages; SQLiteCpp 3.2 as well), then try again:" >&2
+        echo "Please install these (development packages; SQLiteCpp 3.2 and Boost 1.74 as well), then try again:" >&2
         printf '  %s\n' "${missing[@]}" >&2
         exit 1
     fi

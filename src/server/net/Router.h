@@ -1,0 +1,56 @@
+// Which handler answers which address. The rooms that answer add their routes at the start; then
+// the table only serves. A handler is called by many threads at once.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "server/net/Http.h"
+
+namespace pollarix::server {
+
+// What stands for the "*" of a route's path, in order.
+using PathParts = std::vector<std::string>;
+// Gives the answer. What it throws becomes 503 for a StoreFailure and 500 for anything else; the
+// thrower's words go into the log, never to the client.
+using Handler = std::function<Response(const Request&, const PathParts&)>;
+
+// How a handler behaves, which decides the thread that it runs on.
+enum class Work {
+    Quick, // from memory or with a short read; on the threads that serve the sockets
+    Waits  // commits, hashes a password, or reads for long; on threads of their own
+};
+
+class Router {
+  public:
+    // path: literal parts, and "*" for any one part that isn't empty ("/s/*"). GET answers HEAD
+    // too. The first route that fits is taken.
+    void Add(std::string method, std::string path, Work work, Handler handler);
+    // The page for an address that nobody answers (404), a method that it hasn't (405), and what
+    // went wrong elsewhere (400, 408, 413, 429, 431, 500, 503); plain words without one. Gets the
+    // status.
+    void SetErrorPage(std::function<Response(int status, const Request&)> page);
+
+    struct Found {
+        const Handler* handler = nullptr; // null when nothing fits
+        Work work = Work::Quick;
+        PathParts parts;
+        int status = 200; // 404 or 405 without a handler
+    };
+    Found Find(std::string_view method, std::string_view path) const;
+    // With the status that was asked for.
+    Response ErrorPage(int status, const Request& request) const;
+
+  private:
+    struct Route {
+        std::string method;
+        std::vector<std::string> parts;
+        Work work;
+        Handler handler;
+    };
+    std::vector<Route> routes_;
+    std::function<Response(int, const Request&)> errorPage_;
+};
+
+} // namespace pollarix::server
