@@ -10,10 +10,10 @@
 #include <stdexcept>
 
 #include "Measuring.h"
-#include "platform/Chart.h"
-#include "platform/ComboBox.h"
-#include "platform/Grid.h"
-#include "platform/QtDialogs.h"
+#include "platform/charts/Chart.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/Grid.h"
+#include "platform/desktop/QtDialogs.h"
 #include "shell/frmMain.h"
 
 using namespace pollarix;

@@ -16,8 +16,8 @@
 #include "collection/frmManualResponse.h"
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
-#include "platform/Grid.h"
-#include "platform/QtDialogs.h"
+#include "platform/controls/Grid.h"
+#include "platform/desktop/QtDialogs.h"
 
 using namespace pollarix;
 using namespace pollarix::benchmarks;

@@ -14,9 +14,9 @@
 #include "design/picDesign.h"
 #include "document/SurveyDocument.h"
 #include "generate_survey.h"
-#include "platform/QtDialogs.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
+#include "platform/desktop/QtDialogs.h"
 
 using namespace pollarix;
 

@@ -12,8 +12,8 @@
 #include "Measuring.h"
 #include "generate_results.h"
 #include "generate_survey.h"
-#include "platform/QtDialogs.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Windows1252.h"
+#include "platform/desktop/QtDialogs.h"
 #include "web/ResultsReader.h"
 
 using namespace pollarix;

@@ -6,8 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
-#include "platform/RichText.h"
-#include "platform/RichTextBox.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/richtext/RichText.h"
 
 using namespace pollarix;
 

@@ -1,5 +1,5 @@
 # A room is one static library below src/. It says its sources and the rooms and libraries it stands on.
-#   pollarix_room(document SOURCES a.cpp b.cpp USES pollarix_platform)
+#   pollarix_room(document SOURCES a.cpp b.cpp USES pollarix_base)
 function(pollarix_room name)
   cmake_parse_arguments(ROOM "" "" "SOURCES;USES" ${ARGN})
   add_library(pollarix_${name} STATIC ${ROOM_SOURCES})

@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <cstdlib>
 
-#include "platform/Application.h"
+#include "platform/desktop/Application.h"
 
 namespace pollarix::fuzz {
 

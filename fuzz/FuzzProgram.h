@@ -9,7 +9,7 @@
 #include <functional>
 
 #include "document/ApplicationState.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix::fuzz {
 

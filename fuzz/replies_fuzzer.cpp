@@ -6,8 +6,8 @@
 #include <algorithm>
 
 #include "FuzzProgram.h"
-#include "platform/ComboBox.h"
-#include "platform/FtpReply.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/network/FtpReply.h"
 #include "web/ServerList.h"
 #include "web/modWebServer.h"
 

@@ -3,7 +3,7 @@
 #include <cstring>
 
 #include "FuzzProgram.h"
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 using namespace pollarix;
 

@@ -17,7 +17,7 @@
 #include "collection/frmManualResponse.h"
 #include "collection/picRespondentList.h"
 #include "document/SurveyDocument.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "support/FakeViews.h"
 #include "web/SurveyXmlWriter.h"
 

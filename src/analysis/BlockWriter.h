@@ -5,7 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 

@@ -2,8 +2,8 @@
 // question. Written once and never read back.
 #pragma once
 
-#include "analysis/LongWork.h"
 #include "document/ApplicationState.h"
+#include "platform/desktop/LongWork.h"
 
 namespace pollarix {
 

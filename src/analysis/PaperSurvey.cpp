@@ -2,7 +2,7 @@
 
 #include "analysis/SaveCommand.h"
 #include "document/clsQ.h"
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

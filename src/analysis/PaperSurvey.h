@@ -2,8 +2,8 @@
 // boxes, to be printed and filled in by hand.
 #pragma once
 
-#include "analysis/LongWork.h"
 #include "document/ApplicationState.h"
+#include "platform/desktop/LongWork.h"
 
 namespace pollarix {
 

@@ -10,8 +10,8 @@
 #include <cmath>
 #include <exception>
 
-#include "platform/Failure.h"
-#include "platform/Handlers.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix {
 

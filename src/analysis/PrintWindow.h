@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/Dialogs.h"
+#include "platform/desktop/Dialogs.h"
 
 class QWidget;
 

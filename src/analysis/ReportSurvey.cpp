@@ -1,7 +1,7 @@
 #include "analysis/ReportSurvey.h"
 
-#include "platform/Failure.h"
-#include "platform/RichText.h"
+#include "platform/base/Failure.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

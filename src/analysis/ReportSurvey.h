@@ -9,7 +9,7 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Database.h"
+#include "platform/database/Database.h"
 
 namespace pollarix {
 

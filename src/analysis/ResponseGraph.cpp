@@ -1,7 +1,7 @@
 #include "analysis/ResponseGraph.h"
 
 #include "document/clsQ.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 

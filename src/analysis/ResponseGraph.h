@@ -5,8 +5,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Chart.h"
-#include "platform/Database.h"
+#include "platform/charts/Chart.h"
+#include "platform/database/Database.h"
 
 namespace pollarix {
 

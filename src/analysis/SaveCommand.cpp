@@ -1,7 +1,7 @@
 #include "analysis/SaveCommand.h"
 
-#include "analysis/LongWork.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/LongWork.h"
 
 namespace pollarix {
 

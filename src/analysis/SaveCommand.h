@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/Dialogs.h"
+#include "platform/desktop/Dialogs.h"
 
 namespace pollarix {
 

@@ -2,9 +2,9 @@
 
 #include <cmath>
 
-#include "platform/Failure.h"
-#include "platform/Formats.h"
-#include "platform/RichText.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Formats.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

@@ -7,9 +7,9 @@
 #include "analysis/SaveCommand.h"
 #include "analysis/TableExport.h"
 #include "document/clsQ.h"
-#include "platform/Failure.h"
-#include "platform/Formats.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Formats.h"
+#include "platform/base/Windows1252.h"
 
 namespace pollarix {
 

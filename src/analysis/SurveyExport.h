@@ -3,8 +3,8 @@
 // answered. The other one is TableExport's.
 #pragma once
 
-#include "analysis/LongWork.h"
 #include "document/ApplicationState.h"
+#include "platform/desktop/LongWork.h"
 
 namespace pollarix {
 

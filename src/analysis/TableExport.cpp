@@ -8,9 +8,9 @@
 #include "analysis/AnswerReader.h"
 #include "analysis/BlockWriter.h"
 #include "document/clsQ.h"
-#include "platform/Failure.h"
-#include "platform/Formats.h"
-#include "platform/RichText.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Formats.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

@@ -4,8 +4,8 @@
 
 #include <QString>
 
-#include "analysis/LongWork.h"
-#include "platform/Database.h"
+#include "platform/database/Database.h"
+#include "platform/desktop/LongWork.h"
 
 namespace pollarix {
 

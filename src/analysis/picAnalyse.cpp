@@ -7,14 +7,14 @@
 #include <QPushButton>
 
 #include "analysis/ResponseGraph.h"
-#include "platform/Chart.h"
-#include "platform/ComboBox.h"
-#include "platform/Failure.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/RedrawOff.h"
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
+#include "platform/charts/Chart.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/RedrawOff.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
 
 namespace pollarix {
 

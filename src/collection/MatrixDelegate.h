@@ -2,7 +2,7 @@
 // cell is chosen. Which cells are chosen is told by their texts alone.
 #pragma once
 
-#include "platform/OneLineDelegate.h"
+#include "platform/controls/OneLineDelegate.h"
 
 namespace pollarix {
 

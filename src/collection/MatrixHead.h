@@ -2,7 +2,7 @@
 // and their rows grow with them.
 #pragma once
 
-#include "platform/GridHead.h"
+#include "platform/controls/GridHead.h"
 
 namespace pollarix {
 

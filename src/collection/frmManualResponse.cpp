@@ -16,12 +16,12 @@
 #include "collection/MatrixDelegate.h"
 #include "collection/MatrixHead.h"
 #include "document/clsQ.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/RedrawOff.h"
-#include "platform/RichText.h"
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/RedrawOff.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

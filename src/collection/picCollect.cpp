@@ -3,8 +3,8 @@
 #include <QLabel>
 
 #include "collection/picRespondentList.h"
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
 
 namespace pollarix {
 

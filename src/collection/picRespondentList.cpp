@@ -9,14 +9,14 @@
 #include <vector>
 
 #include "collection/frmManualResponse.h"
-#include "platform/ComboBox.h"
-#include "platform/Failure.h"
-#include "platform/Formats.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/RedrawOff.h"
-#include "platform/RichText.h"
-#include "platform/Twips.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Formats.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/RedrawOff.h"
+#include "platform/controls/Twips.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

@@ -14,9 +14,9 @@
 
 #include <array>
 
-#include "platform/Focus.h"
-#include "platform/Handlers.h"
-#include "platform/RichTextBox.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/Focus.h"
+#include "platform/controls/RichTextBox.h"
 
 namespace pollarix {
 

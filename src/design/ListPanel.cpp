@@ -5,8 +5,8 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
 
 namespace pollarix {
 

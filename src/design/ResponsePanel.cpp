@@ -9,9 +9,9 @@
 #include <QVBoxLayout>
 
 #include "design/ArrowButton.h"
-#include "design/OnClick.h"
 #include "design/SelectedQuestion.h"
-#include "platform/Focus.h"
+#include "platform/controls/Focus.h"
+#include "platform/controls/OnClick.h"
 
 namespace pollarix {
 

@@ -6,8 +6,8 @@
 #include <QWidget>
 
 #include "document/ApplicationState.h"
-#include "platform/ListBox.h"
-#include "platform/TreeView.h"
+#include "platform/controls/ListBox.h"
+#include "platform/controls/TreeView.h"
 
 class QGridLayout;
 class QLineEdit;

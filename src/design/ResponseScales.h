@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/Database.h"
+#include "platform/database/Database.h"
 
 namespace pollarix {
 

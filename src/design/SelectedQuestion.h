@@ -5,7 +5,7 @@
 #include <memory>
 
 #include "document/ApplicationState.h"
-#include "platform/TreeView.h"
+#include "platform/controls/TreeView.h"
 
 namespace pollarix {
 

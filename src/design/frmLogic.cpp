@@ -8,8 +8,8 @@
 
 #include <utility>
 
-#include "design/OnClick.h"
-#include "platform/RichText.h"
+#include "platform/controls/OnClick.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

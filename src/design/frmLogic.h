@@ -5,7 +5,7 @@
 #include <QDialog>
 
 #include "document/ApplicationState.h"
-#include "platform/ComboBox.h"
+#include "platform/controls/ComboBox.h"
 
 class QLabel;
 

@@ -6,8 +6,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
-#include "design/OnClick.h"
 #include "design/ResponseScales.h"
+#include "platform/controls/OnClick.h"
 
 namespace pollarix {
 

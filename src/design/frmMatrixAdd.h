@@ -5,7 +5,7 @@
 #include <QDialog>
 
 #include "document/ApplicationState.h"
-#include "platform/ListBox.h"
+#include "platform/controls/ListBox.h"
 
 class QLineEdit;
 

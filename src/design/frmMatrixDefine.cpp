@@ -5,10 +5,10 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "design/OnClick.h"
 #include "design/ResponseScales.h"
 #include "design/frmMatrixAdd.h"
-#include "platform/ScreenTitle.h"
+#include "platform/controls/OnClick.h"
+#include "platform/controls/ScreenTitle.h"
 
 namespace pollarix {
 

@@ -4,7 +4,7 @@
 #include <QDialog>
 
 #include "document/ApplicationState.h"
-#include "platform/ListBox.h"
+#include "platform/controls/ListBox.h"
 
 namespace pollarix {
 

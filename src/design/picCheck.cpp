@@ -3,8 +3,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "design/OnClick.h"
 #include "design/frmLogic.h"
+#include "platform/controls/OnClick.h"
 
 namespace pollarix {
 

@@ -9,9 +9,9 @@
 #include "design/picQProperties.h"
 #include "design/picTreeView.h"
 #include "document/SurveyViews.h"
-#include "platform/Failure.h"
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/base/Failure.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
 
 namespace pollarix {
 

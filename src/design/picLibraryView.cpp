@@ -5,8 +5,8 @@
 
 #include <utility>
 
-#include "design/OnClick.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
+#include "platform/controls/OnClick.h"
 
 namespace pollarix {
 

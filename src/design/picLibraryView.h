@@ -6,7 +6,7 @@
 
 #include "design/ListPanel.h"
 #include "document/ApplicationState.h"
-#include "platform/TreeView.h"
+#include "platform/controls/TreeView.h"
 
 namespace pollarix {
 

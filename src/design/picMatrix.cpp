@@ -3,9 +3,9 @@
 #include <QLabel>
 #include <QPushButton>
 
-#include "design/OnClick.h"
 #include "design/ResponseScales.h"
 #include "design/frmMatrixDefine.h"
+#include "platform/controls/OnClick.h"
 
 namespace pollarix {
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "design/ResponsePanel.h"
-#include "platform/ComboBox.h"
+#include "platform/controls/ComboBox.h"
 
 namespace pollarix {
 

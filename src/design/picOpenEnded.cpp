@@ -4,7 +4,7 @@
 #include <QLabel>
 
 #include "design/SelectedQuestion.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 

@@ -5,8 +5,8 @@
 #include <QWidget>
 
 #include "document/ApplicationState.h"
-#include "platform/ComboBox.h"
-#include "platform/TreeView.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/TreeView.h"
 
 namespace pollarix {
 

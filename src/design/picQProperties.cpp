@@ -23,9 +23,9 @@
 #include "design/picOpenEnded.h"
 #include "design/picTreeView.h"
 #include "document/SurveyViews.h"
-#include "platform/Handlers.h"
-#include "platform/ScreenTitle.h"
-#include "platform/Twips.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ScreenTitle.h"
+#include "platform/controls/Twips.h"
 
 namespace pollarix {
 

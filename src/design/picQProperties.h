@@ -7,8 +7,8 @@
 #include <array>
 
 #include "document/ApplicationState.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
 
 class QGridLayout;
 class QLabel;

@@ -5,10 +5,10 @@
 #include <QToolButton>
 
 #include "design/ArrowButton.h"
-#include "design/OnClick.h"
 #include "document/SurveyViews.h"
-#include "platform/RichText.h"
-#include "platform/Twips.h"
+#include "platform/controls/OnClick.h"
+#include "platform/controls/Twips.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

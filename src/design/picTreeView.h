@@ -4,7 +4,7 @@
 
 #include "design/ListPanel.h"
 #include "document/ApplicationState.h"
-#include "platform/TreeView.h"
+#include "platform/controls/TreeView.h"
 
 class QPushButton;
 class QToolButton;

@@ -5,10 +5,10 @@
 #include <QString>
 
 #include "document/clsSurvey.h"
-#include "platform/Database.h"
-#include "platform/Dialogs.h"
-#include "platform/Directories.h"
-#include "platform/Settings.h"
+#include "platform/database/Database.h"
+#include "platform/desktop/Dialogs.h"
+#include "platform/files/Directories.h"
+#include "platform/files/Settings.h"
 
 namespace pollarix {
 

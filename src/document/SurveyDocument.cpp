@@ -2,9 +2,9 @@
 
 #include <QHash>
 
-#include "platform/Failure.h"
-#include "platform/Files.h"
-#include "platform/Formats.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Formats.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 

@@ -7,7 +7,7 @@
 
 #include "document/ApplicationState.h"
 #include "document/SurveyViews.h"
-#include "platform/Files.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 

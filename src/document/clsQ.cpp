@@ -2,8 +2,7 @@
 
 #include <utility>
 
-#include "platform/Failure.h"
-#include "platform/ListBox.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 
@@ -44,11 +43,6 @@ void clsQ::UpdateResponse(std::int16_t i, std::shared_ptr<clsResponse> r) {
 void clsQ::ClearAllResponses() {
     ResponsesCount = 0;
     responses_.clear();
-}
-
-void clsQ::CreateResponsesFromListBox(const ListBox& list) {
-    for (int i = 0; i < list.ListCount(); ++i)
-        AddResponse(list.List(i), -1, -1, "");
 }
 
 } // namespace pollarix

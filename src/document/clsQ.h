@@ -11,8 +11,6 @@
 
 namespace pollarix {
 
-class ListBox;
-
 // Codes of clsQ::qType and of the column question.qtype.
 namespace kind {
 constexpr std::int32_t OpenEnded = 0;
@@ -55,9 +53,6 @@ class clsQ {
     void UpdateResponse(std::int16_t i, std::shared_ptr<clsResponse> r);
 
     void ClearAllResponses();
-
-    // Appends a response without row or jump for each entry, keeping those that are there.
-    void CreateResponsesFromListBox(const ListBox& list);
 
   private:
     // Empty while the list has no bounds; else element 0 is never used.

@@ -4,7 +4,7 @@
 
 #include <utility>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 

@@ -1,7 +1,7 @@
 #include "shell/FileCommands.h"
 
-#include "platform/Files.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 

@@ -2,9 +2,9 @@
 
 #include "document/ApplicationState.h"
 #include "shell/Addresses.h"
-#include "shell/HelpFile.h"
 #include "shell/frmAbout.h"
 #include "shell/frmTip.h"
+#include "shell/help/HelpFile.h"
 
 namespace pollarix {
 

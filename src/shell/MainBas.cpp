@@ -3,9 +3,9 @@
 #include <QFileInfo>
 
 #include "document/ApplicationState.h"
-#include "platform/Application.h"
-#include "platform/Handlers.h"
-#include "platform/QtDialogs.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/Application.h"
+#include "platform/desktop/QtDialogs.h"
 #include "shell/frmMain.h"
 #include "shell/frmTip.h"
 

@@ -3,7 +3,7 @@
 
 #include <QString>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 

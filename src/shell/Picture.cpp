@@ -4,7 +4,7 @@
 #include <QPainter>
 #include <QSvgRenderer>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix {
 

@@ -3,8 +3,8 @@
 #include <QFileInfo>
 #include <QProcess>
 
-#include "platform/Dialogs.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
+#include "platform/desktop/Dialogs.h"
 
 namespace pollarix {
 

@@ -4,8 +4,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Dialogs.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/Dialogs.h"
 #include "shell/Addresses.h"
 #include "shell/LegalWarning.h"
 #include "shell/Picture.h"

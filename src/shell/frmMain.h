@@ -10,17 +10,17 @@
 #include <vector>
 
 #include "analysis/DetailedReport.h"
-#include "analysis/LongWork.h"
 #include "analysis/PaperSurvey.h"
 #include "analysis/PrintWindow.h"
-#include "analysis/ProgressDisplay.h"
 #include "analysis/SurveyExport.h"
 #include "document/SurveyDocument.h"
-#include "platform/Internet.h"
+#include "platform/desktop/LongWork.h"
+#include "platform/desktop/ProgressDisplay.h"
+#include "platform/network/Internet.h"
 #include "shell/FileCommands.h"
-#include "shell/HelpFile.h"
-#include "shell/HelpKey.h"
 #include "shell/HelpMenu.h"
+#include "shell/help/HelpFile.h"
+#include "shell/help/HelpKey.h"
 #include "web/WebCollectWizard.h"
 #include "web/WebPublishWizard.h"
 

@@ -10,7 +10,7 @@
 
 #include "analysis/picAnalyse.h"
 #include "design/picDesign.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "shell/EditKeys.h"
 #include "shell/frmMain.h"
 #include "shell/modDetectWindows.h"

@@ -12,8 +12,8 @@
 #include <QVBoxLayout>
 
 #include "document/ApplicationState.h"
-#include "platform/Handlers.h"
-#include "platform/ScreenTitle.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ScreenTitle.h"
 
 namespace pollarix {
 

@@ -6,7 +6,7 @@
 #include <QUrl>
 #include <QtMath>
 
-#include "platform/OneLineDelegate.h"
+#include "platform/controls/OneLineDelegate.h"
 
 namespace pollarix {
 

@@ -7,8 +7,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/Failure.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Windows1252.h"
 
 namespace pollarix {
 

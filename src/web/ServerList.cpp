@@ -1,7 +1,7 @@
 #include "web/ServerList.h"
 
 #include "document/ApplicationState.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix {
 

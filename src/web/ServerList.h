@@ -8,8 +8,8 @@
 #include <optional>
 #include <vector>
 
-#include "platform/ComboBox.h"
-#include "platform/Settings.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/files/Settings.h"
 
 namespace pollarix {
 

@@ -1,9 +1,9 @@
 #include "web/SurveyXmlWriter.h"
 
-#include "platform/Failure.h"
-#include "platform/Files.h"
-#include "platform/RichText.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Windows1252.h"
+#include "platform/files/Files.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 

@@ -7,8 +7,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Handlers.h"
-#include "platform/InputLock.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/InputLock.h"
 #include "web/WizardPicture.h"
 
 namespace pollarix {

@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "platform/Dialogs.h"
+#include "platform/desktop/Dialogs.h"
 
 class QLabel;
 class QPushButton;

@@ -5,7 +5,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix {
 

@@ -3,9 +3,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/ComboBox.h"
-#include "platform/Failure.h"
-#include "platform/Handlers.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ComboBox.h"
 #include "web/ServerList.h"
 #include "web/frmAddServer.h"
 

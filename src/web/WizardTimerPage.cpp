@@ -2,7 +2,7 @@
 
 #include <QTimer>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix {
 

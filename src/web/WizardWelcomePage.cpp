@@ -4,7 +4,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "platform/ScreenTitle.h"
+#include "platform/controls/ScreenTitle.h"
 
 namespace pollarix {
 

@@ -6,8 +6,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Dialogs.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/Dialogs.h"
 #include "web/ServerList.h"
 
 namespace pollarix {

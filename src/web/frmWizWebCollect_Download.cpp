@@ -2,10 +2,10 @@
 
 #include <exception>
 
-#include "platform/Files.h"
-#include "platform/Handlers.h"
-#include "platform/HourGlass.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Handlers.h"
+#include "platform/base/Windows1252.h"
+#include "platform/desktop/HourGlass.h"
+#include "platform/files/Files.h"
 #include "web/ResultsReader.h"
 #include "web/ServerList.h"
 

@@ -3,7 +3,7 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include "platform/HourGlass.h"
+#include "platform/desktop/HourGlass.h"
 #include "web/ServerList.h"
 
 namespace pollarix {

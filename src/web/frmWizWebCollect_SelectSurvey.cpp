@@ -3,9 +3,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Failure.h"
-#include "platform/HourGlass.h"
-#include "platform/ListBox.h"
+#include "platform/base/Failure.h"
+#include "platform/controls/ListBox.h"
+#include "platform/desktop/HourGlass.h"
 #include "web/ServerList.h"
 
 namespace pollarix {

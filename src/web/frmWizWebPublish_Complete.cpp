@@ -5,7 +5,7 @@
 #include <QLabel>
 #include <QVBoxLayout>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "web/LinkButton.h"
 
 namespace pollarix {

@@ -4,7 +4,7 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "web/ServerList.h"
 
 namespace pollarix {

@@ -2,7 +2,7 @@
 
 #include <exception>
 
-#include "platform/HourGlass.h"
+#include "platform/desktop/HourGlass.h"
 #include "web/ServerList.h"
 #include "web/SurveyXmlWriter.h"
 

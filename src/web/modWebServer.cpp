@@ -5,8 +5,8 @@
 
 #include <utility>
 
-#include "platform/Failure.h"
-#include "platform/Windows1252.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Windows1252.h"
 
 namespace pollarix {
 

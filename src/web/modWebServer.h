@@ -7,7 +7,7 @@
 
 #include <cstdint>
 
-#include "platform/Directories.h"
+#include "platform/files/Directories.h"
 #include "web/wininet.h"
 
 namespace pollarix {

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "platform/Formats.h"
+#include "platform/base/Formats.h"
 
 namespace pollarix {
 

@@ -6,7 +6,7 @@
 
 #include <cstdint>
 
-#include "platform/Internet.h"
+#include "platform/network/Internet.h"
 
 namespace pollarix {
 

@@ -4,7 +4,7 @@
 
 #include <QLocale>
 
-#include "analysis/LongWork.h"
+#include "platform/desktop/LongWork.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 

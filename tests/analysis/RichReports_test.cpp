@@ -2,7 +2,7 @@
 #include "analysis/AnsweredSurvey.h"
 #include "analysis/DetailedReport.h"
 #include "analysis/PaperSurvey.h"
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 #include "support/NumberOf.h"
 
 namespace pollarix::test {

@@ -20,7 +20,7 @@
 #include "analysis/DetailedReport.h"
 #include "analysis/PaperSurvey.h"
 #include "analysis/SurveyExport.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix::test {
 namespace {

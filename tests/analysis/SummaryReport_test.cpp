@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "analysis/ResponseGraph.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 #include "support/NumberOf.h"
 #include "support/SurveyFiles.h"
 

@@ -1,6 +1,6 @@
 // The list of respondents: what it shows, what is selected, and when it reads.
 #include "CollectionScreen.h"
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

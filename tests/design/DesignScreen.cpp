@@ -6,7 +6,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 
 namespace pollarix::test {
 

@@ -9,10 +9,10 @@
 
 #include "design/DesignViews.h"
 #include "document/SurveyDocument.h"
-#include "platform/ComboBox.h"
-#include "platform/ListBox.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/ListBox.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 

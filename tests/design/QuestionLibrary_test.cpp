@@ -1,7 +1,7 @@
 // The question library: its tree, and where a library question's text goes.
 #include "design/DesignScreen.h"
 
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix::test {
 namespace {

@@ -5,7 +5,7 @@
 #include <QRadioButton>
 #include <QTest>
 
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix::test {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <QRadioButton>
 
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix::test {
 namespace {

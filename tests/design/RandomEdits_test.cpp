@@ -6,7 +6,7 @@
 
 #include "design/DesignScreen.h"
 #include "design/frmLogic.h"
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix::test {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 #include "support/FakeViews.h"
 #include "support/SurveyFiles.h"
 

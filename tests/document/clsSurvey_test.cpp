@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

@@ -1,5 +1,5 @@
 // Where the parts of a chart stand: labels that can be read, marks that follow the values.
-#include "platform/ChartPlan.h"
+#include "platform/charts/ChartPlan.h"
 
 #include <gtest/gtest.h>
 

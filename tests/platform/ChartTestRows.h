@@ -1,7 +1,7 @@
 // Tables and styles that the tests of the chart share.
 #pragma once
 
-#include "platform/Chart.h"
+#include "platform/charts/Chart.h"
 
 namespace pollarix::test {
 

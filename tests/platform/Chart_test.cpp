@@ -1,5 +1,5 @@
 // The chart as a person meets it: what is painted, tips, menu, clipboard, description.
-#include "platform/Chart.h"
+#include "platform/charts/Chart.h"
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,9 @@
 
 #include <cmath>
 
-#include "platform/ChartPlan.h"
 #include "platform/ChartTestRows.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/charts/ChartPlan.h"
 
 using namespace pollarix;
 using namespace pollarix::test;

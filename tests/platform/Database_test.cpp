@@ -1,4 +1,4 @@
-#include "platform/Database.h"
+#include "platform/database/Database.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,7 +11,7 @@
 
 #include <limits>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 using namespace pollarix;
 

@@ -1,8 +1,8 @@
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

@@ -1,8 +1,8 @@
-#include "platform/Formats.h"
+#include "platform/base/Formats.h"
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 using namespace pollarix;
 

@@ -1,6 +1,6 @@
 // The grid: what it keeps and drops, what the user's clicks and keys do, and that rows nobody sees
 // cost nothing.
-#include "platform/Grid.h"
+#include "platform/controls/Grid.h"
 
 #include <QHeaderView>
 #include <QScrollBar>
@@ -10,8 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
-#include "platform/Handlers.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

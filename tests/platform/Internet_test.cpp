@@ -1,4 +1,4 @@
-#include "platform/Internet.h"
+#include "platform/network/Internet.h"
 
 #include <gtest/gtest.h>
 

@@ -7,11 +7,11 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/ComboBox.h"
-#include "platform/Failure.h"
-#include "platform/Focus.h"
-#include "platform/Handlers.h"
-#include "platform/ListBox.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/Focus.h"
+#include "platform/controls/ListBox.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

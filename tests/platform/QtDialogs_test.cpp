@@ -1,4 +1,4 @@
-#include "platform/QtDialogs.h"
+#include "platform/desktop/QtDialogs.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -14,9 +14,9 @@
 
 #include <tuple>
 
-#include "platform/Failure.h"
-#include "platform/Handlers.h"
-#include "platform/HourGlass.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
+#include "platform/desktop/HourGlass.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;

@@ -1,4 +1,4 @@
-#include "platform/RichTextBox.h"
+#include "platform/controls/RichTextBox.h"
 
 #include <QApplication>
 #include <QInputMethodEvent>
@@ -14,8 +14,8 @@
 #include <functional>
 #include <memory>
 
-#include "platform/Failure.h"
-#include "platform/Handlers.h"
+#include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
 
 using namespace pollarix;
 

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 using namespace pollarix;
 

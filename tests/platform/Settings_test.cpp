@@ -1,4 +1,4 @@
-#include "platform/Settings.h"
+#include "platform/files/Settings.h"
 
 #include <QDir>
 #include <QFile>
@@ -7,7 +7,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 using namespace pollarix;
 

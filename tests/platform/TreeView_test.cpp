@@ -1,5 +1,5 @@
 // The tree: its two orders, its clicks, and what comes before what when the user clicks.
-#include "platform/TreeView.h"
+#include "platform/controls/TreeView.h"
 
 #include <QApplication>
 #include <QLineEdit>

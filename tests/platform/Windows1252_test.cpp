@@ -1,4 +1,4 @@
-#include "platform/Windows1252.h"
+#include "platform/base/Windows1252.h"
 
 #include <gtest/gtest.h>
 

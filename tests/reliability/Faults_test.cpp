@@ -19,12 +19,12 @@
 
 #include <csignal>
 
-#include "platform/Files.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/ListBox.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/ListBox.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
+#include "platform/files/Files.h"
 #include "reliability/SystemCalls.h"
 #include "shell/Attendant.h"
 #include "shell/MainBas.h"

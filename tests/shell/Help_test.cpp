@@ -13,12 +13,12 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Handlers.h"
-#include "platform/RichTextBox.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/RichTextBox.h"
 #include "shell/Attendant.h"
-#include "shell/HelpWindow.h"
 #include "shell/frmMain.h"
 #include "shell/frmTip.h"
+#include "shell/help/HelpWindow.h"
 #include "support/NumberOf.h"
 #include "support/Places.h"
 #include "support/PrintQt.h"

@@ -6,7 +6,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
 #include "shell/Attendant.h"
 #include "shell/frmMain.h"
 #include "support/FakeViews.h"

@@ -6,14 +6,14 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Files.h"
-#include "platform/Handlers.h"
+#include "platform/base/Handlers.h"
+#include "platform/files/Files.h"
 #include "shell/Attendant.h"
-#include "shell/HelpWindow.h"
 #include "shell/MainBas.h"
 #include "shell/frmMain.h"
 #include "shell/frmSplash.h"
 #include "shell/frmTip.h"
+#include "shell/help/HelpWindow.h"
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"

@@ -13,11 +13,11 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Chart.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/RichTextBox.h"
-#include "platform/TreeView.h"
+#include "platform/base/Handlers.h"
+#include "platform/charts/Chart.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
 #include "shell/Attendant.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"

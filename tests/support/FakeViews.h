@@ -7,7 +7,7 @@
 #include <QStringList>
 
 #include "document/SurveyViews.h"
-#include "platform/RichText.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix::test {
 

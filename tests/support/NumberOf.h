@@ -1,7 +1,7 @@
 // The number of the failure that an action ends with, 0 if it ends well.
 #pragma once
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix::test {
 

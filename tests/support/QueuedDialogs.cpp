@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Failure.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix::test {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <vector>
 
-#include "platform/Dialogs.h"
+#include "platform/desktop/Dialogs.h"
 
 namespace pollarix::test {
 

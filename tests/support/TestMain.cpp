@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include "platform/Application.h"
+#include "platform/desktop/Application.h"
 
 int main(int argc, char** argv) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))

@@ -4,8 +4,8 @@
 #include <QFile>
 
 #include "WebWizard.h"
-#include "platform/Handlers.h"
-#include "platform/ListBox.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ListBox.h"
 
 using namespace pollarix;
 using namespace pollarix::test;

@@ -6,7 +6,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-#include "platform/Formats.h"
+#include "platform/base/Formats.h"
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyServer.h"

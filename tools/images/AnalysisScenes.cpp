@@ -1,7 +1,7 @@
 // The Analyze screen, and its graph in all styles.
 #include "images/Scene.h"
 #include "images/Studio.h"
-#include "platform/ComboBox.h"
+#include "platform/controls/ComboBox.h"
 
 namespace pollarix::images {
 

@@ -3,9 +3,9 @@
 
 #include "images/Scene.h"
 #include "images/Studio.h"
-#include "shell/HelpFile.h"
-#include "shell/HelpWindow.h"
 #include "shell/frmMain.h"
+#include "shell/help/HelpFile.h"
+#include "shell/help/HelpWindow.h"
 
 namespace pollarix::images {
 

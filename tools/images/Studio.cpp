@@ -12,11 +12,11 @@
 #include <stdexcept>
 
 #include "images/Frame.h"
-#include "platform/ComboBox.h"
-#include "platform/Grid.h"
-#include "platform/Handlers.h"
-#include "platform/ListBox.h"
-#include "platform/TreeView.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/ComboBox.h"
+#include "platform/controls/Grid.h"
+#include "platform/controls/ListBox.h"
+#include "platform/controls/TreeView.h"
 
 namespace pollarix::images {
 

@@ -5,7 +5,7 @@
 #include <deque>
 #include <functional>
 
-#include "platform/QtDialogs.h"
+#include "platform/desktop/QtDialogs.h"
 
 namespace pollarix::images {
 

@@ -1,7 +1,7 @@
 // The pages of the two web wizards, walked through with a survey server on this machine.
 #include "images/Scene.h"
 #include "images/Studio.h"
-#include "platform/ListBox.h"
+#include "platform/controls/ListBox.h"
 #include "support/FtpServer.h"
 #include "support/SurveyServer.h"
 #include "web/ServerList.h"

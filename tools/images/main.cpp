@@ -15,7 +15,7 @@
 #include "images/FewColours.h"
 #include "images/Scene.h"
 #include "images/Studio.h"
-#include "platform/Application.h"
+#include "platform/desktop/Application.h"
 
 namespace {
 

@@ -1,0 +1,178 @@
+#include "platform/files/Files.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QRandomGenerator>
+
+#include <filesystem>
+#include <system_error>
+
+#ifdef Q_OS_UNIX
+#include <fcntl.h>
+#include <unistd.h>
+#endif
+
+#include "platform/base/Failure.h"
+
+namespace pollarix {
+
+namespace {
+
+[[noreturn]] void Refuse(const QString& path, const QString& why) {
+    throw Failure(failure::PathOrFileAccess, path + ": " + why);
+}
+
+// A file without write permission is not replaced, also not by a user who could: the permission
+// bits alone count, since the system lets some users write whatever they say.
+void RequireWritable(const QString& path) {
+    const QFileInfo info(path);
+    if (info.isDir())
+        Refuse(path, "it is a directory");
+    constexpr auto anyWrite =
+        QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
+    if (info.exists() && !(info.permissions() & anyWrite))
+        Refuse(path, "it is read-only");
+}
+
+void RequireTwoFiles(const QString& from, const QString& to) {
+    if (!QFileInfo(from).isFile())
+        throw Failure(failure::FileNotFound, "File not found: " + from);
+    const QString source = QFileInfo(from).canonicalFilePath();
+    const QString target = QFileInfo(to).canonicalFilePath();
+    if (source == target)
+        Refuse(to, "a file can't be copied onto itself");
+}
+
+// Calls `write` for each block of a file.
+template <typename Write> void ReadBlocks(const QString& path, const Write& write) {
+    QFile in(path);
+    if (!in.open(QIODevice::ReadOnly))
+        Refuse(path, in.errorString());
+    QByteArray block;
+    do {
+        block = in.read(1 << 20);
+        if (in.error() != QFileDevice::NoError)
+            Refuse(path, in.errorString());
+        write(block);
+    } while (!block.isEmpty());
+}
+
+// Waits until a file, or what is named in a directory, survives a power cut. Some file systems
+// can't say, and then nothing is lost by it.
+void SyncToDisk([[maybe_unused]] const QString& path) {
+#ifdef Q_OS_UNIX
+    const int opened = open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (opened < 0)
+        return;
+    fsync(opened);
+    close(opened);
+#endif
+}
+
+} // namespace
+
+QString NewTempFileName(const QString& directory, const QString& prefix) {
+    for (int attempt = 0; attempt < 1000; ++attempt) {
+        const QString number = QString::number(QRandomGenerator::global()->bounded(0x10000), 16);
+        const QString path = directory + '/' + prefix + number.toUpper() + ".tmp";
+        QFile file(path);
+        if (file.open(QIODevice::WriteOnly | QIODevice::NewOnly))
+            return path;
+        if (!file.exists())
+            Refuse(directory, file.errorString());
+    }
+    Refuse(directory, "no free name for a temporary file");
+}
+
+WholeFile::WholeFile(const QString& path) : path_(path), file_(path) {
+    RequireWritable(path);
+    if (!file_.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        Refuse(path, file_.errorString());
+}
+
+void WholeFile::Write(QByteArrayView bytes) {
+    // A disk that is about to be full takes a part without saying why: the next write says it.
+    while (!bytes.isEmpty()) {
+        const qint64 written = file_.write(bytes.data(), bytes.size());
+        if (written <= 0)
+            Refuse(path_, file_.errorString());
+        bytes = bytes.sliced(written);
+    }
+}
+
+void WholeFile::RewriteBeginning(QByteArrayView bytes) {
+    const qint64 end = file_.pos();
+    if (!file_.seek(0))
+        Refuse(path_, file_.errorString());
+    Write(bytes);
+    if (!file_.seek(end))
+        Refuse(path_, file_.errorString());
+}
+
+void WholeFile::Finish() {
+    if (!file_.commit())
+        Refuse(path_, file_.errorString());
+}
+
+void CopyFileOver(const QString& from, const QString& to) {
+    RequireTwoFiles(from, to);
+    WholeFile out(to);
+    ReadBlocks(from, [&](const QByteArray& block) { out.Write(block); });
+    out.Finish();
+}
+
+PendingCopy::PendingCopy(const QString& from, const QString& to) : target_(to) {
+    RequireTwoFiles(from, to);
+    RequireWritable(to);
+    // A link is kept, and what it leads to replaced.
+    if (const QString real = QFileInfo(to).canonicalFilePath(); !real.isEmpty())
+        target_ = real;
+    const QFileInfo target(target_);
+    const QString name = NewTempFileName(target.absolutePath(), target.fileName() + '-');
+    try {
+        QFile out(name);
+        if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+            Refuse(to, out.errorString());
+        if (target.exists())
+            out.setPermissions(target.permissions());
+        ReadBlocks(from, [&](const QByteArray& block) {
+            for (qint64 done = 0; done < block.size();) {
+                const qint64 written = out.write(block.constData() + done, block.size() - done);
+                if (written <= 0)
+                    Refuse(to, out.errorString());
+                done += written;
+            }
+        });
+    } catch (...) {
+        QFile::remove(name);
+        throw;
+    }
+    path_ = name;
+}
+
+PendingCopy::~PendingCopy() {
+    if (!path_.isEmpty())
+        QFile::remove(path_);
+}
+
+void PendingCopy::Finish() {
+    SyncToDisk(path_);
+    const auto encoded = [](const QString& path) {
+        return std::filesystem::path(QFile::encodeName(path).toStdString());
+    };
+    std::error_code why;
+    std::filesystem::rename(encoded(path_), encoded(target_), why);
+    if (why)
+        Refuse(target_, QString::fromLocal8Bit(why.message().c_str()));
+    path_.clear();
+    SyncToDisk(QFileInfo(target_).absolutePath());
+}
+
+void WriteWholeFile(const QString& path, QByteArrayView bytes) {
+    WholeFile out(path);
+    out.Write(bytes);
+    out.Finish();
+}
+
+} // namespace pollarix

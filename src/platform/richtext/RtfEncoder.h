@@ -1,0 +1,61 @@
+// Puts paragraphs and formatted text into the codes of RTF, as pure ASCII bytes. Only the codes:
+// who keeps the bytes, and how many at a time, is the writers' business.
+#pragma once
+
+#include <QByteArray>
+#include <QHash>
+#include <QList>
+#include <QStringView>
+
+#include <utility>
+
+#include "platform/richtext/RichText.h"
+
+namespace pollarix::rtf {
+
+class Encoder {
+  public:
+    Encoder();
+
+    // Paragraph by paragraph, from the first.
+    void BeginParagraph(bool bullet);
+    void EndParagraph();
+    // For the text that follows; normalised.
+    void SetFormat(const RunFormat& format) { wanted_ = format; }
+    // Writes the format's codes now, where Text would have written them with the next text.
+    void ApplyFormat();
+    // Units that may stand in a run, see TextUnits.h.
+    void Text(QStringView text);
+
+    // Enters a font in the font table, if it is new. The default font, "", always stands there.
+    void EnterFont(const QString& name);
+    bool HasFont(const QString& name) const { return fonts_.contains(name); }
+    // What an entry takes in the font table, at most.
+    static qsizetype FontEntrySize(const QString& name);
+
+    // The bytes of the body since the last taking.
+    qsizetype PendingSize() const { return body_.size(); }
+    QByteArray TakeBody() { return std::exchange(body_, {}); }
+
+    // What stands before the body, with the fonts and colours known up to now. The font table is
+    // filled up to the given size with line ends, which readers pass over.
+    QByteArray Head(qsizetype fontTableSize = 0) const;
+    // What stands behind it.
+    static QByteArray Tail() { return "}"; }
+
+  private:
+    void Number(const char* word, int value);
+    void Switch(const char* word, bool& current, bool wanted);
+
+    QByteArray body_;
+    RunFormat wanted_;
+    RunFormat current_;
+    bool inBullets_ = false;
+    bool blankDue_ = true;      // the last code was a word: a blank has to end it before text
+    QHash<QString, int> fonts_; // to their numbers
+    QList<QString> fontsInOrder_;
+    QHash<QRgb, int> colours_;
+    QList<QRgb> coloursInOrder_;
+};
+
+} // namespace pollarix::rtf
