@@ -25,9 +25,22 @@ PLATFORM = {
 # The document asks the user through the interface of the dialogs, and links no widget.
 DOCUMENT = ["platform/base", "platform/files", "platform/database", "platform/richtext",
             "platform/desktop/Dialogs.h"]
-SCREEN = ["document", *PLATFORM]
+SCREEN = ["document", "exchange", *PLATFORM]
+# The survey server knows nothing of the desktop program but what both exchange.
+SERVER = {
+    "exchange": [],
+    "server/store": [],
+    "server/accounts": ["server/store"],
+    "server/net": [],
+    "server/survey": ["exchange"],
+    "server/ftp": ["exchange", "server/accounts", "server/net", "server/store"],
+    "server/protocol": ["exchange", "server/survey", "server/accounts", "server/net", "server/store"],
+    "server/web": ["exchange", "server/survey", "server/accounts", "server/net", "server/store"],
+}
 ROOMS = {
     **PLATFORM,
+    **SERVER,
+    "server/app": list(SERVER),
     "document": DOCUMENT,
     "design": SCREEN,
     "collection": SCREEN,
