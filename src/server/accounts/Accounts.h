@@ -61,7 +61,8 @@ class Accounts {
     bool MayCreateAccount(std::string_view invitation);
     // A token for such a link.
     std::string Invite();
-    // Fine, PasswordWeak or Busy; Wrong old passwords are Closed. Ends all sessions of the account.
+    // Fine, PasswordWeak, TooMany or Busy; Closed when the old password is wrong. Ends all sessions
+    // of the account.
     NewAccountResult ChangePassword(Id account, std::string_view oldPassword,
                                     std::string_view newPassword, const std::string& address);
     // Without the old password; for the commands of the machine's keeper.

@@ -87,7 +87,7 @@ CREATE TABLE submission (
     dropped INTEGER NOT NULL DEFAULT 0
 ) STRICT;
 CREATE UNIQUE INDEX submission_token ON submission (token_hash, survey, digest);
-CREATE INDEX submission_survey ON submission (survey, dropped);
+CREATE INDEX submission_survey ON submission (survey, id, dropped, is_conflict);
 )sql",
 };
 

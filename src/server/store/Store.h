@@ -25,8 +25,8 @@ struct Retention {
     Time deletedSurveys = 90 * 86400;
 };
 
-// Goes through submissions one at a time, as they were when it was made, whatever comes in between.
-// It holds a connection for itself; don't keep it for longer than a reply takes.
+// Goes through submissions one at a time, a page of them in memory. What comes in after it was made
+// is not among them. It may be kept as long as a slow client needs.
 class Submissions {
   public:
     virtual ~Submissions() = default;
