@@ -34,6 +34,9 @@ class clsSurvey {
     // Appends an existing question under a fresh key, which it gives; nothing is numbered.
     QString AddQ2(const std::shared_ptr<clsQ>& newQ);
 
+    // Appends a question under the key it has, which no other in the list may have.
+    void Append(std::shared_ptr<clsQ> q);
+
     // Removes a question. With an unknown key the last question goes: the list always shrinks.
     // Nothing is renumbered. Throws Subscript on an empty list.
     void DeleteQ(const QString& Key);
@@ -60,7 +63,6 @@ class clsSurvey {
     void ClearAll();
 
   private:
-    void Append(std::shared_ptr<clsQ> q);
     std::shared_ptr<clsQ> Required(const QString& Key) const;
 
     // Empty while the list has no bounds; else element 0 is never used.

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "document/SurveySnapshot.h"
 #include "platform/base/Failure.h"
 #include "support/NumberOf.h"
 
@@ -129,4 +130,23 @@ TEST(clsSurvey, CountsEndWhereSixteenBitsDo) {
     survey.ReorderQ_QuestionNos();
     EXPECT_EQ(q->QuestionNo, "32767");
     EXPECT_EQ(survey.GetQ("unknown"), nullptr) << "all are looked at, and no more";
+}
+
+TEST(SurveySnapshot, ASurveyIsPutBackWithItsKeysAndOwesNothingToTheSnapshot) {
+    clsSurvey survey;
+    const auto q = survey.GetQ(survey.AddQ("Which?", kind::Radio, 7, 2));
+    const QString target = survey.AddQ("Then", kind::Matrix, -1, 3);
+    q->AddResponse("a", 5, 9, target);
+    q->OpenEnded_NoOfRows = 4;
+    const SurveySnapshot before = SurveySnapshot::Take(survey, target);
+    q->Question = "changed";
+    q->GetResponse(1)->Text = "changed";
+    survey.DeleteQ(target);
+    EXPECT_NE(SurveySnapshot::Take(survey, target), before);
+    for (int time = 0; time < 2; ++time) {
+        before.PutInto(survey);
+        EXPECT_EQ(SurveySnapshot::Take(survey, target), before);
+        EXPECT_EQ(survey.GetQIndexFromKey(target), 2);
+        survey.GetQIndex(1)->GetResponse(1)->Text = "changed again";
+    }
 }
