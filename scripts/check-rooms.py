@@ -32,7 +32,7 @@ SERVER = {
     "server/store": [],
     "server/accounts": ["server/store"],
     "server/net": [],
-    "server/survey": ["exchange"],
+    "server/survey": ["exchange", "server/store"],
     "server/ftp": ["exchange", "server/accounts", "server/net", "server/store"],
     "server/protocol": ["exchange", "server/survey", "server/accounts", "server/net", "server/store"],
     "server/web": ["exchange", "server/survey", "server/accounts", "server/net", "server/store"],

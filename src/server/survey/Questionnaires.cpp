@@ -1,0 +1,50 @@
+#include "server/survey/Questionnaires.h"
+
+#include <string>
+
+#include "exchange/SurveyReader.h"
+
+namespace pollarix::server {
+
+std::shared_ptr<const exchange::Questionnaire> Questionnaires::Find(Id survey, int version) {
+    const Key key(survey, version);
+    {
+        const std::lock_guard lock(mutex_);
+        const auto found = kept_.find(key);
+        if (found != kept_.end()) {
+            order_.splice(order_.begin(), order_, found->second.place);
+            return found->second.questionnaire;
+        }
+    }
+    // Outside the lock: two that ask for the same new version read it twice, and nobody waits.
+    const std::optional<std::string> document = store_.FindVersion(survey, version);
+    if (!document)
+        return nullptr;
+    try {
+        auto questionnaire = std::make_shared<const exchange::Questionnaire>(
+            exchange::ReadSurveyDocument(*document));
+        const std::lock_guard lock(mutex_);
+        Keep(key, document->size(), questionnaire);
+        return questionnaire;
+    } catch (const exchange::DocumentFault& fault) {
+        throw StoreFailure("version " + std::to_string(version) + " of survey " +
+                           std::to_string(survey) + " can't be read: " + fault.what());
+    }
+}
+
+void Questionnaires::Keep(const Key& key, std::size_t size,
+                          const std::shared_ptr<const exchange::Questionnaire>& questionnaire) {
+    if (size > room_ || kept_.count(key) > 0)
+        return;
+    while (used_ + size > room_) {
+        const auto oldest = kept_.find(order_.back());
+        used_ -= oldest->second.size;
+        kept_.erase(oldest);
+        order_.pop_back();
+    }
+    order_.push_front(key);
+    kept_.emplace(key, Kept{questionnaire, size, order_.begin()});
+    used_ += size;
+}
+
+} // namespace pollarix::server
