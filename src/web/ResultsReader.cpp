@@ -1,77 +1,18 @@
 #include "web/ResultsReader.h"
 
-#include <QFile>
-
-#include <array>
 #include <charconv>
 #include <optional>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/base/Failure.h"
 #include "platform/base/Windows1252.h"
+#include "web/ResultsLines.h"
 
 namespace pollarix {
 
 namespace {
-
-// The tags of a line. A closing tag follows its opening one.
-enum Tag {
-    UserResponse,
-    UserResponseEnd,
-    Record,
-    RecordEnd,
-    DatabaseID,
-    DatabaseIDEnd,
-    QuestionNo,
-    QuestionNoEnd,
-    QType,
-    QTypeEnd,
-    Response,
-    ResponseEnd,
-    Text,
-    TextEnd,
-    TagCount
-};
-
-constexpr std::array<std::string_view, TagCount> TagTexts = {
-    "<userresponse>", "</userresponse>", "<r>",           "</r>",    "<DatabaseID>",
-    "</DatabaseID>",  "<QuestionNo>",    "</QuestionNo>", "<QType>", "</QType>",
-    "<Response>",     "</Response>",     "<text>",        "</text>"};
-
-// Where each tag first stands in a line, found in one walk over its "<".
-class Line {
-  public:
-    explicit Line(std::string_view line) : line_(line) {
-        first_.fill(std::string_view::npos);
-        for (std::size_t at = line.find('<'); at != std::string_view::npos;
-             at = line.find('<', at + 1)) {
-            const std::string_view rest = line.substr(at);
-            for (int tag = 0; tag < TagCount; ++tag)
-                if (first_[tag] == std::string_view::npos && rest.starts_with(TagTexts[tag]))
-                    first_[tag] = at;
-        }
-    }
-
-    bool Holds(Tag tag) const { return first_[tag] != std::string_view::npos; }
-
-    // The value between a tag and its closing tag; none unless the line holds both.
-    std::optional<std::string_view> Value(Tag tag) const {
-        const auto closing = static_cast<Tag>(tag + 1);
-        if (!Holds(tag) || !Holds(closing))
-            return std::nullopt;
-        const std::size_t begin = first_[tag] + TagTexts[tag].size();
-        if (first_[closing] < begin)
-            throw Failure(failure::InvalidArgument,
-                          QString("%1 stands before %2")
-                              .arg(QLatin1String(TagTexts[closing].data()),
-                                   QLatin1String(TagTexts[tag].data())));
-        return line_.substr(begin, first_[closing] - begin);
-    }
-
-  private:
-    std::string_view line_;
-    std::array<std::size_t, TagCount> first_;
-};
 
 QString ToText(std::string_view bytes) {
     return FromWindows1252(QByteArrayView(bytes.data(), static_cast<qsizetype>(bytes.size())));
@@ -98,20 +39,20 @@ class Importer {
     int Count() const { return count_; }
 
     // The tests run in this order, each on the whole line.
-    void Take(const Line& line) {
-        if (line.Holds(UserResponse))
+    void Take(ResultsLines& line) {
+        if (line.Holds(ResultsTag::UserResponse))
             state_ = State::InBlock;
-        if (line.Holds(Record) && state_ == State::InBlock) {
+        if (line.Holds(ResultsTag::Record) && state_ == State::InBlock) {
             state_ = State::InRecord;
-            record_ = {};
+            record_.Clear();
         }
         if (state_ == State::InRecord)
             TakeValues(line);
-        if (line.Holds(RecordEnd) && state_ == State::InRecord) {
+        if (line.Holds(ResultsTag::RecordEnd) && state_ == State::InRecord) {
             state_ = State::InBlock;
             Store();
         }
-        if (line.Holds(UserResponseEnd)) {
+        if (line.Holds(ResultsTag::UserResponseEnd)) {
             state_ = State::Outside;
             respondent_ = 0;
         }
@@ -120,28 +61,36 @@ class Importer {
   private:
     enum class State { Outside, InBlock, InRecord };
 
+    // Of the record that is being read. Its strings keep their memory from one record to the next.
     struct Values {
-        std::string_view databaseId;
-        std::string_view questionNo;
-        std::string_view kindText;
+        std::string databaseId;
+        std::string questionNo;
+        std::string kindText;
         std::int32_t kind = 0;
-        std::vector<std::string_view> responses;
-        std::string_view text;
+        std::vector<std::string> responses;
+        std::size_t count = 0; // of the responses that are this record's
+        std::string text;
+
+        void Clear() {
+            databaseId.clear();
+            questionNo.clear();
+            kindText.clear();
+            kind = 0;
+            count = 0;
+            text.clear();
+        }
     };
 
-    void TakeValues(const Line& line) {
-        if (const auto value = line.Value(DatabaseID))
-            record_.databaseId = *value;
-        if (const auto value = line.Value(QuestionNo))
-            record_.questionNo = *value;
-        if (const auto value = line.Value(QType)) {
-            record_.kindText = *value;
-            record_.kind = ToNumber32(ToText(*value));
-        }
-        if (const auto value = line.Value(Response))
-            record_.responses.push_back(*value);
-        if (const auto value = line.Value(Text))
-            record_.text = *value;
+    void TakeValues(ResultsLines& line) {
+        line.Value(ResultsTag::DatabaseID, record_.databaseId);
+        line.Value(ResultsTag::QuestionNo, record_.questionNo);
+        if (line.Value(ResultsTag::QType, record_.kindText))
+            record_.kind = ToNumber32(ToText(record_.kindText));
+        if (record_.count == record_.responses.size())
+            record_.responses.emplace_back();
+        if (line.Value(ResultsTag::Response, record_.responses[record_.count]))
+            ++record_.count;
+        line.Value(ResultsTag::Text, record_.text);
     }
 
     void Store() {
@@ -159,16 +108,16 @@ class Importer {
             StoreAnswer(question, 1, ToText(record_.text));
             break;
         case 1:
-            for (const std::string_view response : record_.responses)
-                StoreAnswer(question, ToNumber(response), "");
+            for (std::size_t i = 0; i < record_.count; ++i)
+                StoreAnswer(question, ToNumber(record_.responses[i]), "");
             break;
         case 2:
-            if (!record_.responses.empty())
+            if (record_.count > 0)
                 StoreAnswer(question, ToNumber(record_.responses[0]), "");
             break;
         case 3:
-            for (const std::string_view response : record_.responses)
-                StoreMatrix(question, response);
+            for (std::size_t i = 0; i < record_.count; ++i)
+                StoreMatrix(question, record_.responses[i]);
             break;
         default:
             break;
@@ -212,28 +161,13 @@ class Importer {
 } // namespace
 
 void DoLoadXML(ApplicationState& state, const QString& path) {
-    QFile file(path);
-    if (!file.exists())
-        throw Failure(failure::FileNotFound, "File not found: " + path);
-    if (!file.open(QIODevice::ReadOnly))
-        throw Failure(failure::PathOrFileAccess, path + ": " + file.errorString());
-    const QByteArray bytes = file.readAll();
-    if (file.error() != QFileDevice::NoError)
-        throw Failure(failure::PathOrFileAccess, path + ": " + file.errorString());
-    file.close();
-
+    ResultsLines lines(path);
     int count = 0;
     {
         WriteBatch batch(state.SurveyConnection);
         Importer importer(state.SurveyConnection);
-        const std::string_view all(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-        std::size_t at = 0;
-        // Only text before a CR LF is a line; what stands behind the last one is never looked at.
-        for (std::size_t end = all.find("\r\n"); end != std::string_view::npos;
-             end = all.find("\r\n", at)) {
-            importer.Take(Line(all.substr(at, end - at)));
-            at = end + 2;
-        }
+        while (lines.Next())
+            importer.Take(lines);
         count = importer.Count();
         batch.Commit();
     }

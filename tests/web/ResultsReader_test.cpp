@@ -1,10 +1,15 @@
 #include "web/ResultsReader.h"
 
 #include <QFile>
+#include <QRandomGenerator>
+
+#include <array>
+#include <string>
 
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
+#include "web/ResultsLines.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -129,4 +134,60 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     EXPECT_NE(Import(Block(good + Record("8", "3", Values({"7,41"})))), 0);
     RunSql(path, {"ALTER TABLE respondent_responses RENAME COLUMN OldID TO ResponseMatrixID"});
     EXPECT_EQ(Taken(), taken);
+}
+
+// Whatever a file holds, and wherever its blocks end, each line says what it says when the whole
+// file is looked at in one piece.
+TEST_F(Results, BlocksChangeNothing) {
+    const std::array<std::string, 14> tags = {
+        "<userresponse>", "</userresponse>", "<r>",           "</r>",    "<DatabaseID>",
+        "</DatabaseID>",  "<QuestionNo>",    "</QuestionNo>", "<QType>", "</QType>",
+        "<Response>",     "</Response>",     "<text>",        "</text>"};
+    QRandomGenerator random(4711);
+    const QString name = program.Path("lines.txt");
+    int lines = 0;
+    for (int round = 0; round < 400; ++round) {
+        std::string all;
+        for (int piece = 0; piece < 60; ++piece) {
+            const quint32 kind = random.bounded(8);
+            if (kind < 4)
+                all += tags[random.bounded(14)];
+            else if (kind == 4)
+                all += "\r\n";
+            else if (kind == 5)
+                all += random.bounded(2) ? '\r' : '\n';
+            else
+                all += std::string(random.bounded(20), 'x') + (kind == 6 ? "<" : "");
+        }
+        QFile file(name);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(all.data(), all.size()) >= 0);
+        file.close();
+        ResultsLines read(name, 16 + random.bounded(120));
+        std::size_t at = 0;
+        for (std::size_t end = all.find("\r\n"); end != std::string::npos;
+             end = all.find("\r\n", at), ++lines) {
+            ASSERT_TRUE(read.Next());
+            const std::string line = all.substr(at, end - at);
+            at = end + 2;
+            ASSERT_EQ(read.Position(), static_cast<std::int64_t>(at));
+            for (std::size_t tag = 0; tag < tags.size(); ++tag) {
+                const std::size_t opening = line.find(tags[tag]);
+                ASSERT_EQ(read.Holds(ResultsTag(tag)), opening != std::string::npos) << line;
+                const std::size_t closing = tag % 2 == 0 ? line.find(tags[tag + 1]) : line.npos;
+                if (opening == line.npos || closing == line.npos)
+                    continue;
+                const std::size_t begin = opening + tags[tag].size();
+                std::string value;
+                if (closing < begin) {
+                    ASSERT_EQ(NumberOf([&] { read.Value(ResultsTag(tag), value); }),
+                              failure::InvalidArgument);
+                    continue;
+                }
+                ASSERT_TRUE(read.Value(ResultsTag(tag), value));
+                ASSERT_EQ(value, line.substr(begin, closing - begin));
+            }
+        }
+        ASSERT_FALSE(read.Next());
+    }
+    EXPECT_GT(lines, 1000);
 }
