@@ -30,7 +30,7 @@ SCREEN = ["document", "exchange", *PLATFORM]
 SERVER = {
     "exchange": [],
     "server/store": [],
-    "server/accounts": ["server/store"],
+    "server/accounts": ["exchange", "server/store"],
     "server/net": [],
     "server/survey": ["exchange", "server/store"],
     "server/ftp": ["exchange", "server/accounts", "server/net", "server/store"],

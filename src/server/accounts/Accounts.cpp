@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "server/accounts/Bounds.h"
+#include "server/accounts/SentText.h"
 
 namespace pollarix::server {
 
@@ -110,13 +111,15 @@ Accounts::Accounts(Store& store, const AccountBounds& bounds)
 
 Accounts::~Accounts() = default;
 
-Accounts::Login Accounts::LogIn(std::string_view name, std::string_view password,
+Accounts::Login Accounts::LogIn(std::string_view typedName, std::string_view typedPassword,
                                 const std::string& address) {
+    const std::string name = AsSent(typedName);
+    const std::string password = AsSent(typedPassword);
     const std::string who = BoundName(address);
     const std::string key = Lower(name);
     if (state_->wrongByAddress.IsReached(who, Now()) || state_->wrongByName.IsReached(key, Now()))
         return {LogInResult::TooMany, None};
-    const auto account = state_->store.FindAccount(std::string(name));
+    const auto account = state_->store.FindAccount(name);
     const bool canLogIn = account && !account->isDisabled && password.size() <= LongestPassword;
     bool fits = false;
     {
@@ -124,7 +127,7 @@ Accounts::Login Accounts::LogIn(std::string_view name, std::string_view password
         if (!place)
             return {LogInResult::Busy, None};
         fits = PasswordFits(canLogIn ? account->passwordHash : std::string(),
-                            password.substr(0, LongestPassword));
+                            std::string_view(password).substr(0, LongestPassword));
     }
     if (!fits) {
         state_->wrongByAddress.Count(who, Now());
@@ -134,16 +137,18 @@ Accounts::Login Accounts::LogIn(std::string_view name, std::string_view password
     return {LogInResult::Fine, account->id};
 }
 
-Accounts::Creation Accounts::CreateAccount(std::string_view name, std::string_view password,
+Accounts::Creation Accounts::CreateAccount(std::string_view typedName,
+                                           std::string_view typedPassword,
                                            std::string_view invitation,
                                            const std::string& address) {
+    const std::string wanted = AsSent(typedName);
+    const std::string password = AsSent(typedPassword);
     if (!MayCreateAccount(invitation))
         return {NewAccountResult::Closed, None};
-    if (!IsNameFit(name))
+    if (!IsNameFit(wanted))
         return {NewAccountResult::NameUnfit, None};
     if (!IsPasswordFit(password))
         return {NewAccountResult::PasswordWeak, None};
-    const std::string wanted(name);
     if (state_->store.FindAccount(wanted))
         return {NewAccountResult::NameTaken, None};
     if (!state_->newByAddress.Take(BoundName(address), Now()))
@@ -193,7 +198,8 @@ NewAccountResult Accounts::ChangePassword(Id account, std::string_view oldPasswo
     return SetPassword(account, newPassword);
 }
 
-NewAccountResult Accounts::SetPassword(Id account, std::string_view newPassword) {
+NewAccountResult Accounts::SetPassword(Id account, std::string_view typedPassword) {
+    const std::string newPassword = AsSent(typedPassword);
     if (!IsPasswordFit(newPassword))
         return NewAccountResult::PasswordWeak;
     std::string hash;

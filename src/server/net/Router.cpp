@@ -49,6 +49,14 @@ void Router::SetErrorPage(std::function<Response(int, const Request&)> page) {
     errorPage_ = std::move(page);
 }
 
+void Router::SetFailureStatus(std::function<int(const std::exception&)> status) {
+    failureStatus_ = std::move(status);
+}
+
+int Router::StatusFor(const std::exception& failure) const {
+    return failureStatus_ ? failureStatus_(failure) : 500;
+}
+
 Router::Found Router::Find(std::string_view method, std::string_view path) const {
     Found found;
     found.status = 404;

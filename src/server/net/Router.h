@@ -12,8 +12,8 @@ namespace pollarix::server {
 
 // What stands for the "*" of a route's path, in order.
 using PathParts = std::vector<std::string>;
-// Gives the answer. What it throws becomes 503 for a StoreFailure and 500 for anything else; the
-// thrower's words go into the log, never to the client.
+// Gives the answer. What it throws becomes an error page, 500 unless SetFailureStatus knows better;
+// the thrower's words go into the log, never to the client.
 using Handler = std::function<Response(const Request&, const PathParts&)>;
 
 // How a handler behaves, which decides the thread that it runs on.
@@ -32,6 +32,9 @@ class Router {
     // status.
     void SetErrorPage(std::function<Response(int status, const Request&)> page);
 
+    // Which status a failure stands for; 500 without it.
+    void SetFailureStatus(std::function<int(const std::exception&)> status);
+
     struct Found {
         const Handler* handler = nullptr; // null when nothing fits
         Work work = Work::Quick;
@@ -41,6 +44,7 @@ class Router {
     Found Find(std::string_view method, std::string_view path) const;
     // With the status that was asked for.
     Response ErrorPage(int status, const Request& request) const;
+    int StatusFor(const std::exception& failure) const;
 
   private:
     struct Route {
@@ -51,6 +55,7 @@ class Router {
     };
     std::vector<Route> routes_;
     std::function<Response(int, const Request&)> errorPage_;
+    std::function<int(const std::exception&)> failureStatus_;
 };
 
 } // namespace pollarix::server

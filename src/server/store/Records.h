@@ -26,6 +26,11 @@ struct StoreFull : StoreFailure {
     using StoreFailure::StoreFailure;
 };
 
+// A survey can't be numbered any more, in words for its author.
+struct OutOfNumbers : StoreFailure {
+    using StoreFailure::StoreFailure;
+};
+
 struct Account {
     Id id = None;
     std::string name;         // UTF-8, as it was typed; found without regard to the case of A to Z

@@ -66,8 +66,8 @@ class Store {
     void DeleteSession(const std::string& tokenHash);
 
     // Surveys. A new one is not yet live, its address is given by the caller. None when the account
-    // has a survey of that name, compared exactly; throws StoreFull with plain words when there is
-    // no id left that the program could keep.
+    // has a survey of that name, compared exactly. Throws OutOfNumbers when there is no id left
+    // that the program could keep.
     Id CreateSurvey(Id account, const std::string& name, const std::string& address, Time now);
     std::optional<Survey> FindSurvey(Id survey);
     // Neither of these two gives a survey that is deleted.

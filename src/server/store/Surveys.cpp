@@ -65,7 +65,7 @@ Id Store::CreateSurvey(Id account, const std::string& name, const std::string& a
             .Run();
         id = database.LastId();
         if (id > LargestId)
-            throw StoreFull("This server has no number left for another survey.");
+            throw OutOfNumbers("This server has no number left for another survey.");
     });
     return id;
 }

@@ -1,0 +1,109 @@
+#include "server/app/Serve.h"
+
+#include <csignal>
+#include <ctime>
+#include <iostream>
+
+#include <malloc.h>
+#include <pthread.h>
+#include <sys/resource.h>
+
+#include "server/app/DataDirectory.h"
+#include "server/app/Log.h"
+#include "server/protocol/Exchange.h"
+
+namespace pollarix::server {
+
+namespace {
+
+// Every connection is a descriptor.
+void RaiseDescriptors() {
+    rlimit files{};
+    if (getrlimit(RLIMIT_NOFILE, &files) != 0)
+        return;
+    files.rlim_cur = files.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &files);
+}
+
+std::string Shown(const std::string& address, std::uint16_t port) {
+    const bool isV6 = address.find(':') != std::string::npos;
+    return (isV6 ? '[' + address + ']' : address) + ':' + std::to_string(port);
+}
+
+// Until a signal that ends the server. All threads have it blocked, so that it comes here.
+void WaitForTheEnd(const sigset_t& signals, const std::function<void()>& hourly) {
+    for (;;) {
+        const timespec hour{3600, 0};
+        if (sigtimedwait(&signals, nullptr, &hour) > 0)
+            return;
+        hourly();
+    }
+}
+
+} // namespace
+
+void Serve(const Settings& settings) {
+    // Threads would else have a heap each, and memory that one has freed helps no other.
+    mallopt(M_ARENA_MAX, 2);
+    RaiseDescriptors();
+    signal(SIGPIPE, SIG_IGN);
+    sigset_t signals;
+    sigemptyset(&signals);
+    sigaddset(&signals, SIGTERM);
+    sigaddset(&signals, SIGINT);
+    pthread_sigmask(SIG_BLOCK, &signals, nullptr);
+
+    const std::string directory = MakeDataDirectory(settings.data);
+    const DataLock lock(directory);
+    Store store(directory);
+    Accounts accounts(store, settings.accounts);
+    Questionnaires questionnaires(store);
+    Exchange exchange(store, accounts, questionnaires, {settings.url, settings.surveysPerAccount},
+                      Log);
+    Router router;
+    router.SetFailureStatus([](const std::exception& failure) {
+        return dynamic_cast<const StoreFailure*>(&failure) ? 503 : 500;
+    });
+    exchange.AddRoutes(router);
+
+    FtpReceiver ftp(
+        settings.ftpBounds,
+        [&](std::int64_t user, std::int64_t survey, std::string document,
+            const std::string& address) {
+            return exchange.TakeDocument(user, survey, document, address);
+        },
+        Log);
+    HttpServer http(router, settings.httpBounds, Log);
+    const std::uint16_t ftpPort =
+        settings.ftp.isOff ? 0 : ftp.Listen(settings.ftp.address, settings.ftp.port);
+    const std::uint16_t httpPort = http.Listen(settings.http.address, settings.http.port);
+
+    const std::string root = settings.url.empty()
+                                 ? "http://" + Shown(settings.http.address, httpPort) + '/'
+                                 : settings.url;
+    std::cout << "Survey server: " << root << '\n';
+    if (!settings.ftp.isOff)
+        std::cout << "FTP server for uploads: " << Shown(settings.ftp.address, ftpPort) << '\n';
+    std::cout << "Data: " << directory << '\n';
+    if (!settings.accounts.isOpen && store.ListAccounts().empty())
+        std::cout << "There is no account yet. Make one here: " << root
+                  << "CreateAccount.php?invitation=" << accounts.Invite() << '\n';
+    std::cout << "Ready." << std::endl;
+    Log("the server has started");
+
+    const auto purge = [&] {
+        try {
+            if (const std::int64_t gone = store.Purge(settings.retention, std::time(nullptr)))
+                Log(std::to_string(gone) + " rows that were kept for long enough are gone");
+        } catch (const StoreFailure& failure) {
+            Log(std::string("what is old can't be deleted: ") + failure.what());
+        }
+    };
+    purge();
+    WaitForTheEnd(signals, purge);
+    Log("the server is stopping");
+    http.Stop();
+    ftp.Stop();
+}
+
+} // namespace pollarix::server
