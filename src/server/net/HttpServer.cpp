@@ -5,7 +5,6 @@
 #include <array>
 #include <atomic>
 #include <condition_variable>
-#include <ctime>
 #include <mutex>
 #include <thread>
 #include <unordered_map>
@@ -20,6 +19,7 @@
 #include <boost/beast/http/read.hpp>
 #include <boost/beast/http/string_body.hpp>
 
+#include "server/net/ReplyHead.h"
 #include "server/net/WorkPool.h"
 
 namespace pollarix::server {
@@ -39,56 +39,6 @@ constexpr auto StopPatience = std::chrono::seconds(10);
 constexpr std::size_t MostIgnored = 256 * 1024;
 constexpr auto IgnoreSeconds = std::chrono::seconds(2);
 
-const char* Reason(int status) {
-    switch (status) {
-    case 200:
-        return "OK";
-    case 303:
-        return "See Other";
-    case 304:
-        return "Not Modified";
-    case 400:
-        return "Bad Request";
-    case 403:
-        return "Forbidden";
-    case 404:
-        return "Not Found";
-    case 405:
-        return "Method Not Allowed";
-    case 408:
-        return "Request Timeout";
-    case 409:
-        return "Conflict";
-    case 413:
-        return "Payload Too Large";
-    case 422:
-        return "Unprocessable Entity";
-    case 429:
-        return "Too Many Requests";
-    case 431:
-        return "Request Header Fields Too Large";
-    case 503:
-        return "Service Unavailable";
-    default:
-        return status < 400 ? "Done" : status < 500 ? "Refused" : "Internal Server Error";
-    }
-}
-
-// The time now as a header has it, made anew once a second in each thread.
-const std::string& DateNow() {
-    thread_local std::time_t made = 0;
-    thread_local std::string date;
-    if (const std::time_t now = std::time(nullptr); now != made) {
-        made = now;
-        std::tm parts{};
-        gmtime_r(&now, &parts);
-        std::array<char, 40> text{};
-        std::strftime(text.data(), text.size(), "%a, %d %b %Y %H:%M:%S GMT", &parts);
-        date = text.data();
-    }
-    return date;
-}
-
 bool IsMethod(std::string_view method) {
     return method == "GET" || method == "HEAD" || method == "POST";
 }
@@ -104,12 +54,6 @@ bool IsAmbiguous(const http::request<http::string_body>& head) {
         (head.version() < 11 || !beast::iequals(head[http::field::transfer_encoding], "chunked")))
         return true;
     return head.version() >= 11 && hosts == 0;
-}
-
-// A header's value must not end its line.
-std::string OneLine(std::string value) {
-    std::erase_if(value, [](char c) { return static_cast<unsigned char>(c) < 0x20; });
-    return value;
 }
 
 } // namespace
@@ -313,17 +257,7 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
         if (response_.stream && isHttp10_)
             keepAlive_ = false;
         const bool hasBody = request_.method != "HEAD" && response_.status != 304;
-        head_ = "HTTP/1.1 " + std::to_string(response_.status) + ' ' + Reason(response_.status) +
-                "\r\nDate: " + DateNow() + "\r\nX-Content-Type-Options: nosniff\r\n";
-        if (!response_.contentType.empty())
-            head_ += "Content-Type: " + OneLine(response_.contentType) + "\r\n";
-        if (isChunked)
-            head_ += "Transfer-Encoding: chunked\r\n";
-        else if (!response_.stream)
-            head_ += "Content-Length: " + std::to_string(response_.body.size()) + "\r\n";
-        for (const auto& [name, value] : response_.headers)
-            head_ += name + ": " + OneLine(value) + "\r\n";
-        head_ += keepAlive_ ? "Connection: keep-alive\r\n\r\n" : "Connection: close\r\n\r\n";
+        head_ = ReplyHead(response_, isChunked, keepAlive_);
         if (!hasBody) {
             response_.body.clear();
             response_.stream = nullptr;

@@ -1,0 +1,177 @@
+// The HTTP side of the real server under requests that no browser sends.
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <chrono>
+#include <csignal>
+#include <memory>
+#include <optional>
+#include <thread>
+
+#include "server/RawSocket.h"
+#include "server/ServerProcess.h"
+#include "server/protocol/RawCall.h"
+#include "support/Places.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+std::size_t CountOf(const std::string& text, std::string_view part) {
+    std::size_t count = 0;
+    for (std::size_t at = text.find(part); at != std::string::npos; at = text.find(part, at + 1))
+        ++count;
+    return count;
+}
+
+const std::string Get = "GET /ws/CallFunc.php?func=x HTTP/1.1\r\n";
+const std::string Post = "POST / HTTP/1.1\r\nHost: x\r\n";
+const std::string Hidden = "GET /hidden HTTP/1.1\r\nHost: x\r\n\r\n";
+
+} // namespace
+
+TEST(HttpServer, WhatCanBeReadInTwoWaysIsRefusedAndEndsTheConnection) {
+    ServerProcess server("body-bytes = 20000\n");
+    using namespace std::string_literals;
+    const struct {
+        const char* name;
+        std::string bytes;
+        int status;
+    } cases[] = {
+        {"two lengths", Post + "Content-Length: 3\r\nContent-Length: 4\r\n\r\nabcd", 400},
+        {"the same length twice", Post + "Content-Length: 3\r\nContent-Length: 3\r\n\r\nabc", 400},
+        {"length and chunks",
+         Post + "Content-Length: 3\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", 400},
+        {"chunks and length",
+         Post + "Transfer-Encoding: chunked\r\nContent-Length: 3\r\n\r\n0\r\n\r\n", 400},
+        {"an encoding within the chunks",
+         Post + "Transfer-Encoding: gzip, chunked\r\n\r\n0\r\n\r\n", 400},
+        {"chunks twice",
+         Post + "Transfer-Encoding: chunked\r\nTransfer-Encoding: chunked\r\n\r\n0\r\n\r\n", 400},
+        {"a hidden encoding", Post + "Transfer-Encoding: xchunked\r\n\r\n0\r\n\r\n", 400},
+        {"a bad chunk", Post + "Transfer-Encoding: chunked\r\n\r\n-1\r\nabc", 400},
+        {"a huge chunk", Post + "Transfer-Encoding: chunked\r\n\r\nFFFFFFFFFFFFFFFF\r\nabc", 0},
+        {"a length below zero", Post + "Content-Length: -3\r\n\r\nabc", 400},
+        {"a length with a sign", Post + "Content-Length: +3\r\n\r\nabc", 400},
+        {"a blank before the colon", Get + "Host : x\r\n\r\n", 400},
+        {"NUL in a header", Get + "Host: x\0y\r\n\r\n"s, 400},
+        {"NUL in the path", "GET /a%00b HTTP/1.1\r\nHost: x\r\n\r\n", 400},
+        {"no host", Get + "\r\n", 400},
+        {"two hosts", Get + "Host: x\r\nHost: y\r\n\r\n", 400},
+        {"line feeds alone", "GET / HTTP/1.1\nHost: x\n\n", 400},
+        {"another version", "GET / HTTP/3.0\r\nHost: x\r\n\r\n", 400},
+        {"no slash", "GET x HTTP/1.1\r\nHost: x\r\n\r\n", 400},
+        {"another method", "TRACE / HTTP/1.1\r\nHost: x\r\n\r\n", 405},
+        {"a tunnel", "CONNECT x:1 HTTP/1.1\r\nHost: x\r\n\r\n", 400},
+        {"an endless head", Get + "X: " + std::string(40000, 'x') + "\r\n\r\n", 431},
+        {"a large body", Post + "Content-Length: 50000000\r\n\r\n", 413},
+        {"a large body in chunks",
+         Post + "Transfer-Encoding: chunked\r\n\r\n5000\r\n" + std::string(0x5000, 'x') + "\r\n",
+         413},
+        {"no request at all", "\x16\x03\x01\x02\x00\x01\x00"s + std::string(300, '\xFC'), 400},
+    };
+    for (const auto& [name, bytes, status] : cases) {
+        RawSocket client(server.Port());
+        client.Send(bytes + Hidden);
+        const std::string reply = client.Receive();
+        EXPECT_TRUE(client.HasEnded() || reply.empty()) << name;
+        EXPECT_LE(CountOf(reply, "HTTP/1.1 "), 1u) << name << ": " << reply;
+        if (status != 0)
+            EXPECT_TRUE(reply.starts_with("HTTP/1.1 " + std::to_string(status))) << name << reply;
+        else
+            EXPECT_TRUE(reply.starts_with("HTTP/1.1 4")) << name << reply;
+    }
+    // Two good ones behind each other are two answers, and a cut one is none.
+    RawSocket client(server.Port());
+    client.Send(Get + "Host: x\r\n\r\n" + Get + "Host: x\r\nConnection: close\r\n\r\n");
+    EXPECT_EQ(CountOf(client.Receive(), "The server doesn't know this call."), 2u);
+    RawSocket(server.Port()).Send(Post + "Content-Length: 30\r\n\r\nabc");
+    EXPECT_EQ(server.Stop(), 0);
+}
+
+TEST(HttpServer, SlowAndIdleClientsHoldNobodyUpAndAreSentAway) {
+    ServerProcess server("request-seconds = 2\nconnections-per-address = 500\n");
+    std::vector<std::unique_ptr<RawSocket>> slow;
+    for (int i = 0; i < 300; ++i) {
+        slow.push_back(std::make_unique<RawSocket>(server.Port()));
+        const std::string starts[] = {"", "GET / HT", Post + "Content-Length: 100\r\n\r\nab"};
+        slow.back()->Send(starts[i % 3]);
+    }
+    const auto started = std::chrono::steady_clock::now();
+    const auto seconds = [&] {
+        return std::chrono::duration<double>(std::chrono::steady_clock::now() - started).count();
+    };
+    RawSocket quick(server.Port());
+    quick.Send(Get + "Host: x\r\n\r\n");
+    EXPECT_NE(quick.Receive("call."), "");
+    EXPECT_LT(seconds(), 1);
+    for (const auto& client : slow) {
+        client->Send("x"); // a byte now and then helps nobody
+        client->Receive();
+    }
+    EXPECT_LT(seconds(), 15);
+    // One too many from one address.
+    std::vector<std::unique_ptr<RawSocket>> many;
+    for (int i = 0; i < 501; ++i)
+        many.push_back(std::make_unique<RawSocket>(server.Port()));
+    EXPECT_EQ(many.back()->Receive(), "");
+    EXPECT_EQ(server.Stop(), 0);
+}
+
+TEST(HttpServer, BadSettingsStopItWithOneLine) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"http = nonsense\n",
+         "line 3: http has to be an address and a port, such as 127.0.0.1:8421"},
+        {"# fine\n\nbody-bytes = 5\n",
+         "line 5: body-bytes has to be a number from 1024 to 67108864"},
+        {"colour = red\n", "line 3: there is no setting \"colour\""},
+        {"url =\n", "line 3: url has no value"},
+        {"http = 127.0.0.1:1\n", "Can't listen on 127.0.0.1 port 1"},
+    };
+    QTemporaryDir directory;
+    for (const auto& [lines, message] : cases) {
+        const QString file = directory.filePath("settings");
+        QFile settings(file);
+        ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+        settings.write("\n\n");
+        settings.write(lines);
+        settings.close();
+        if (geteuid() == 0 && QString(message).contains("port 1"))
+            continue; // to root all ports are open
+        QProcess process;
+        process.setProcessChannelMode(QProcess::MergedChannels);
+        process.start(DataFile("pollarix-server"),
+                      {"--data", directory.filePath("data"), "--config", file, "serve"});
+        ASSERT_TRUE(process.waitForFinished());
+        const QString said = QString::fromUtf8(process.readAll());
+        EXPECT_TRUE(said.contains(message)) << said.toStdString();
+        EXPECT_EQ(said.count('\n'), 1);
+        EXPECT_NE(process.exitCode(), 0);
+    }
+}
+
+TEST(ACall, IsPartedOnlyAtItsOwnMarks) {
+    using Values = std::vector<std::string>;
+    const struct {
+        const char* query;
+        std::optional<Values> values;
+    } cases[] = {
+        {"func=GetWebUserID&param1=a+b%20c&param2=p#%d?=&x&param3=y&refreshme=1&refreshme=2%2F3",
+         Values{"a+b c", "p#%d?=&x&param3=y&refreshme=1"}},
+        {"func=GetSurveyID&param1=a&param2=b&param2=7", Values{"a&param2=b", "7"}},
+        {"func=CreateSurvey&param1=7&param2=a&param2=b", Values{"7", "a&param2=b"}},
+        // Each part in its own code page, as it is sent.
+        {"func=GetSurveyName&param1=%E9 & %C3%A9&%80", Values{"\u00e9 & \u00e9&\u20ac"}},
+        {"func=GetSurveyName&param1=%41%1", Values{"%41%1"}},
+        {"func=MoveNewSurvey&param1=a&param2=b&param4=c", std::nullopt},
+        {"func=getsurveyname&param1=1", std::nullopt},
+        {"func=GetSurveyName", std::nullopt},
+        {"", std::nullopt},
+    };
+    for (const auto& [query, values] : cases) {
+        const auto call = server::ReadCall(query);
+        EXPECT_EQ(call ? std::optional(call->values) : std::nullopt, values) << query;
+    }
+}
