@@ -11,6 +11,7 @@
 #include "server/app/DataDirectory.h"
 #include "server/app/Log.h"
 #include "server/protocol/Exchange.h"
+#include "server/web/Pages.h"
 
 namespace pollarix::server {
 
@@ -65,6 +66,9 @@ void Serve(const Settings& settings) {
         return dynamic_cast<const StoreFailure*>(&failure) ? 503 : 500;
     });
     exchange.AddRoutes(router);
+    AddPages(router, {store, accounts, questionnaires, settings.url,
+                      [] { return static_cast<Time>(std::time(nullptr)); }, settings.retention,
+                      settings.submissionsPerMinute});
 
     FtpReceiver ftp(
         settings.ftpBounds,

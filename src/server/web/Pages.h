@@ -1,0 +1,30 @@
+// All pages of the server, hung onto its router: the form for respondents, and the surveys there
+// are.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "server/accounts/Accounts.h"
+#include "server/net/Router.h"
+#include "server/store/Store.h"
+#include "server/survey/Questionnaires.h"
+
+namespace pollarix::server {
+
+// What the pages stand on. All of it has to live as long as the router.
+struct Site {
+    Store& store;
+    Accounts& accounts;
+    Questionnaires& questionnaires;
+    // The server's address as others see it, with "/" at its end; "" for that of the request.
+    std::string base;
+    std::function<Time()> now;
+    Retention retention = {};
+    int submissionsPerMinute = 60; // of one address
+};
+
+// Also the page for what nobody answers.
+void AddPages(Router& router, const Site& site);
+
+} // namespace pollarix::server
