@@ -1,14 +1,11 @@
 // What the user does in the main window while something is wrong with the disk: one message that
 // names the file, everything as it was before, in the window and in the file, and the same action
 // succeeds once the fault is gone.
-#include <QAction>
+#include <QAbstractButton>
 #include <QCryptographicHash>
+#include <QDir>
 #include <QLabel>
-#include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -19,47 +16,21 @@
 
 #include <csignal>
 
-#include "platform/base/Handlers.h"
+#include "platform/base/Failure.h"
 #include "platform/controls/Grid.h"
 #include "platform/controls/ListBox.h"
-#include "platform/controls/RichTextBox.h"
 #include "platform/controls/TreeView.h"
 #include "platform/files/Files.h"
+#include "reliability/Session.h"
 #include "reliability/SystemCalls.h"
-#include "shell/Attendant.h"
-#include "shell/MainBas.h"
-#include "shell/frmMain.h"
 #include "support/FakeViews.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
-#include "web/ResultsReader.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
 
 namespace {
 
-enum class Operation {
-    Save,
-    SaveAs,
-    Import,
-    TurnPage,
-    ApplyScale,
-    DeleteRespondent,
-    Export,
-    Table,
-    Report,
-    Form
-};
-
-enum class Fault { DiskFull, FileVanished, DirectoryVanished, PermissionGone, Locked };
-
-std::string NameOf(Operation operation) {
-    constexpr const char* names[] = {
-        "Save",   "SaveAs", "Import", "TurnPage", "ApplyScale", "DeleteRespondent",
-        "Export", "Table",  "Report", "Form"};
-    return names[static_cast<int>(operation)];
-}
+enum class Fault { FileVanished, DirectoryVanished, PermissionGone, Locked };
 
 // Another program that has the database for itself until it is ended.
 class Locker {
@@ -97,109 +68,71 @@ class Locker {
     pid_t child_ = -1;
 };
 
-QByteArray Content(const QString& path) {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return "none";
-    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1).toHex();
-}
+// What the user sees, and what lies on the disk.
+struct Seen {
+    QString name, path;
+    bool changed, open;
+    QStringList tree, files;
+    int respondents; // listed
+    QByteArray survey, target;
+    bool operator==(const Seen&) const = default;
+};
 
 class FaultTest : public testing::Test {
   protected:
-    // What the user sees, and what lies on the disk.
-    struct Seen {
-        QString name, path;
-        bool changed, open;
-        int questions;
-        QStringList tree;
-        int respondents; // listed
-        QByteArray survey, target;
-        bool operator==(const Seen&) const = default;
-    };
-
-    TestState program;
-    ApplicationState& state = program.state;
-    QueuedDialogs& dialogs = program.dialogs;
-    const QString directory = program.Path("work");
-    QString target = directory + "/target";
-    std::unique_ptr<frmMain> window;
-    Attendant user;
-    int acts = 0;
+    QTemporaryDir temporary;
+    const QString directory = temporary.filePath("work");
+    Session session{directory};
+    QueuedDialogs& dialogs = session.dialogs;
 
     FaultTest() {
-        SetFailureReporter([this](const Failure& failure) {
-            dialogs.MsgBox(FailureText(failure, state.CurrentFilename), MsgIcon::Critical,
-                           MsgButtons::Ok);
-        });
         SystemCalls::hurry = true;
-        QDir().mkpath(directory);
         // Another user may have to come by here.
-        chmod(qPrintable(program.directory.path()), 0755);
-        const QString path = program.BlankSurvey("work/survey.plxs");
-        RunSql(path,
-               {"INSERT INTO question (question, questionno, qtype, pos) VALUES ('Why?', '1', 0, "
-                "1), ('Which?', '2', 1, 2), ('How?', '3', 3, 3)",
-                "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
-                "(2, 'these', 1, 2), (2, 'those', 2, 2), (3, 'fast', 1, 11)"});
-        WriteWholeFile(program.Path("results.txt"),
-                       "<userresponse>\r\n<r><DatabaseID>1</DatabaseID><QuestionNo>1</QuestionNo>"
-                       "<QType>0</QType><text>because</text></r>\r\n</userresponse>\r\n");
-        window = std::make_unique<frmMain>(state);
-        window->Form_Load({});
-        window->resize(1024, 740);
-        window->show();
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
-        dialogs.fileNames = {{path, 0}};
-        Menu("mnuFileOpen");
-        for (int i = 0; i < 8; ++i)
-            DoLoadXML(state, program.Path("results.txt"));
-        dialogs.TakeTexts();
+        chmod(qPrintable(temporary.path()), 0755);
+        chmod(qPrintable(session.program.directory.path()), 0755);
     }
-    ~FaultTest() override {
-        DoEvents(); // a repaint that failed is told a little later
-        SystemCalls::hurry = false;
-        SetFailureReporter({});
-    }
+    ~FaultTest() override { SystemCalls::hurry = false; }
 
-    template <typename Control> Control* Find(const char* name, const QWidget* in = nullptr) {
-        Control* control = (in ? in : window.get())->findChild<Control*>(name);
-        EXPECT_NE(control, nullptr) << name;
-        return control;
+    static QByteArray Content(const QString& path) {
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly))
+            return "none";
+        return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha1).toHex();
     }
-    void Menu(const char* name) { Find<QAction>(name)->trigger(); }
-    std::int64_t Count(const char* sql) { return state.SurveyConnection.Count(sql); }
-
-    Seen Look() {
+    Seen Look() const {
+        const auto* nodes = session.Find<TreeView>("tvTreeView");
         QStringList tree;
-        for (int i = 1; i <= Find<TreeView>("tvTreeView")->Count(); ++i)
-            tree << Find<TreeView>("tvTreeView")->Item(i).Text();
-        return {state.CurrentFilename,
-                Find<QLabel>("StatusBar")->text(),
-                state.FileChanged,
-                state.SurveyConnection.IsOpen(),
-                state.CurrentSurvey.QCount,
+        for (int i = 1; i <= nodes->Count(); ++i)
+            tree << nodes->Item(i).Text();
+        const QString& open = session.state.CurrentFilename;
+        return {open,
+                session.Find<QLabel>("StatusBar")->text(),
+                session.state.FileChanged,
+                session.state.SurveyConnection.IsOpen(),
                 tree,
-                Find<Grid>("gRespondents")->Rows() - 1,
-                Content(state.CurrentFilename),
-                Content(target)};
+                QDir(directory).entryList(QDir::Files | QDir::Hidden),
+                session.Find<Grid>("gRespondents")->Rows() - 1,
+                Content(open),
+                Content(session.target)};
     }
 
     // Does something about the disk, runs the action and puts all right again. False if that could
     // not be done here.
     bool During(Fault fault, const std::function<void()>& action) {
-        const QString path = state.CurrentFilename;
-        const QString away = fault == Fault::FileVanished ? path : directory;
+        const QString path = session.state.CurrentFilename;
         switch (fault) {
         case Fault::FileVanished:
-        case Fault::DirectoryVanished:
-            EXPECT_EQ(rename(qPrintable(away), qPrintable(program.Path("away"))), 0);
+        case Fault::DirectoryVanished: {
+            const QString gone = fault == Fault::FileVanished ? path : directory;
+            const QString elsewhere = temporary.filePath("away");
+            EXPECT_EQ(rename(qPrintable(gone), qPrintable(elsewhere)), 0);
             action();
-            EXPECT_EQ(rename(qPrintable(program.Path("away")), qPrintable(away)), 0);
-            return true;
+            EXPECT_EQ(rename(qPrintable(elsewhere), qPrintable(gone)), 0);
+            break;
+        }
         case Fault::PermissionGone: {
             // The system's administrator may write everywhere, so another user tries.
-            const bool administrator = geteuid() == 0;
-            if (administrator && seteuid(65534) != 0) {
+            if (geteuid() == 0 && seteuid(65534) != 0) {
                 std::cout << "Permission was not tried: there is no other user to be\n";
                 return false;
             }
@@ -214,186 +147,78 @@ class FaultTest : public testing::Test {
             action();
             allow(0755, 0644);
             EXPECT_EQ(seteuid(getuid()), 0);
-            return true;
+            break;
         }
         case Fault::Locked: {
             const Locker locker(path);
             action();
-            return true;
+            break;
         }
-        default:
-            return false;
         }
+        return true;
     }
 };
 
-class Faults : public FaultTest, public testing::WithParamInterface<Operation> {
+class Faults : public FaultTest, public testing::WithParamInterface<Action> {
   protected:
-    QWidget* dialog = nullptr; // in which the action is done
-
-    // Leads the user to where the action can be done.
-    void Around(const std::function<void()>& body) {
-        const auto in = [&](QWidget& shown) {
-            dialog = &shown;
-            body();
-        };
-        switch (GetParam()) {
-        case Operation::Save:
-        case Operation::SaveAs: {
-            auto* txtQ = Find<RichTextBox>("txtQ");
-            txtQ->setFocus();
-            QTest::keyClicks(txtQ, "x");
-            body();
-            break;
-        }
-        case Operation::TurnPage:
-            Menu("mnuViewDataCollection");
-            user.tasks["frmManualResponse"] = in;
-            Find<QPushButton>("cmdEditResponse")->click();
-            break;
-        case Operation::ApplyScale:
-            user.tasks["frmMatrixDefine"] = [&](QWidget& define) {
-                QTimer::singleShot(0, &define, [&] {
-                    QWidget* const add = QApplication::activeModalWidget();
-                    QTest::keyClicks(add->findChild<QLineEdit*>("txtName"), "Seldom");
-                    Find<QPushButton>("cmdAdd", add)->click();
-                    in(*add);
-                    add->close();
-                });
-                Find<QPushButton>("cmdOK", &define)->click();
-            };
-            Find<QPushButton>("cmdMatrixDefine")->click();
-            break;
-        case Operation::DeleteRespondent:
-            Menu("mnuViewDataCollection");
-            body();
-            break;
-        default:
-            body();
-        }
-    }
-
-    void Act() {
-        dialogs.fileNames = {{target, GetParam() == Operation::Table ? 1 : 0}};
-        dialogs.answers = {GetParam() == Operation::DeleteRespondent ? MsgAnswer::Yes
-                                                                     : MsgAnswer::No};
-        switch (GetParam()) {
-        case Operation::Save:
-            Menu("mnuFileSave");
-            break;
-        case Operation::SaveAs:
-            Menu("mnuFileSaveAs");
-            break;
-        case Operation::Import:
-            RunHandler([this] { DoLoadXML(state, program.Path("results.txt")); });
-            break;
-        case Operation::TurnPage:
-            Find<QPlainTextEdit>("txtDCSimpleResponse", dialog)
-                ->setPlainText(QString("typed %1").arg(++acts));
-            Find<QPushButton>("cmdDCAnswersNext", dialog)->click();
-            break;
-        case Operation::ApplyScale:
-            Find<QPushButton>("cmdOK", dialog)->click();
-            break;
-        case Operation::DeleteRespondent:
-            Find<QPushButton>("cmdDeleteResponse")->click();
-            break;
-        case Operation::Export:
-        case Operation::Table:
-            Menu("mnuFileExport");
-            break;
-        case Operation::Report:
-            Menu("mnuAnalyseDetail");
-            break;
-        case Operation::Form:
-            Menu("mnuDataCollectionPaperSurvey");
-            break;
-        }
-    }
-
-    bool WritesTheSurvey() const { return GetParam() < Operation::Export; }
-
-    // What is shown when all is well.
-    QStringList Told() const {
-        switch (GetParam()) {
-        case Operation::Import:
-            return {"Successfully imported 1 respondent(s)."};
-        case Operation::DeleteRespondent:
-            return {"Delete Respondent? This will delete all responses provided by this "
-                    "Respondent."};
-        case Operation::Report:
-            return {"View detailed report now?"};
-        case Operation::Form:
-            return {"View paper based survey now?"};
-        default:
-            return {};
-        }
-    }
+    const Action action = GetParam();
 
     void ExpectRefusal(const Seen& before, QStringList told) {
-        if (GetParam() == Operation::DeleteRespondent) {
-            EXPECT_EQ(told.takeFirst(), Told().front());
+        if (action == Action::DeleteRespondent) {
+            EXPECT_EQ(told.takeFirst(), Session::Told(action).front());
         }
         // When the copy can be made but not changed, opening the old file again is told as well.
-        if (GetParam() == Operation::SaveAs && told.size() == 2) {
+        if (action == Action::SaveAs && told.size() == 2) {
             EXPECT_TRUE(told.takeLast().contains("is open already"));
         }
         ASSERT_EQ(told.size(), 1) << told.join("\n").toStdString();
-        const bool namesTarget = !WritesTheSurvey() || GetParam() == Operation::SaveAs;
-        EXPECT_TRUE(told[0].contains(namesTarget ? target : state.CurrentFilename))
+        const bool namesTarget = !WritesTheSurvey(action) || action == Action::SaveAs;
+        EXPECT_TRUE(told[0].contains(namesTarget ? session.target : session.state.CurrentFilename))
             << told[0].toStdString();
-        if (qEnvironmentVariableIsSet("POLLARIX_SHOW"))
-            std::cout << told[0].toStdString() << std::endl;
-        const Seen now = Look();
-        EXPECT_TRUE(now == before) << "after: " << told[0].toStdString();
-        EXPECT_EQ(QDir(directory).entryList(QDir::Files | QDir::Hidden), files_);
-        if (GetParam() == Operation::TurnPage) {
-            EXPECT_EQ(Find<QLabel>("lblDCQuestion", dialog)->text(), "1. Why?");
-        } else if (GetParam() == Operation::ApplyScale) {
-            EXPECT_EQ(Find<ListBox>("lstList", dialog)->ListCount(), 1);
+        EXPECT_TRUE(Look() == before) << "after: " << told[0].toStdString();
+        if (action == Action::TurnPage) {
+            EXPECT_EQ(session.Find<QLabel>("lblDCQuestion", session.dialog)->text(), "1. Why?");
+        } else if (action == Action::AddScale) {
+            EXPECT_EQ(session.Find<ListBox>("lstList", session.dialog)->ListCount(), 1);
         }
     }
 
     void ExpectDone(const Seen& before, const QStringList& told) {
-        EXPECT_EQ(told, Told());
+        EXPECT_EQ(told, Session::Told(action));
         const Seen now = Look();
-        switch (GetParam()) {
-        case Operation::Save:
+        EXPECT_EQ(now.survey == before.survey, !WritesTheSurvey(action));
+        EXPECT_EQ(now.target == before.target, WritesTheSurvey(action) && action != Action::SaveAs);
+        switch (action) {
+        case Action::Save:
             EXPECT_FALSE(now.changed);
-            EXPECT_NE(now.survey, before.survey);
-            EXPECT_EQ(now.tree, before.tree);
             break;
-        case Operation::SaveAs:
+        case Action::SaveAs:
             EXPECT_FALSE(now.changed);
-            EXPECT_EQ(now.name, target);
-            EXPECT_EQ(now.path, target);
+            EXPECT_EQ(now.name, session.target);
+            EXPECT_EQ(now.path, session.target);
             EXPECT_EQ(Content(before.name), before.survey);
             break;
-        case Operation::TurnPage:
-            EXPECT_EQ(Find<QLabel>("lblDCQuestion", dialog)->text(), "2. Which?");
-            EXPECT_EQ(SqlRows(state.CurrentFilename,
+        case Action::TurnPage:
+            EXPECT_EQ(session.Find<QLabel>("lblDCQuestion", session.dialog)->text(), "2. Which?");
+            EXPECT_EQ(SqlRows(now.name,
                               "SELECT simpleresponse FROM respondent_responses ORDER BY id DESC", 1)
                           .front(),
-                      QString("typed %1").arg(acts));
+                      session.typed);
             break;
-        case Operation::ApplyScale:
-            EXPECT_FALSE(dialog->isVisible());
-            EXPECT_NE(now.survey, before.survey);
+        case Action::AddScale:
+            EXPECT_FALSE(session.dialog->isVisible());
             break;
-        case Operation::DeleteRespondent:
-            EXPECT_EQ(now.respondents, before.respondents - 1);
-            EXPECT_EQ(now.respondents, Count("SELECT count(*) FROM respondent"));
-            break;
-        case Operation::Import:
-            EXPECT_NE(now.survey, before.survey);
+        case Action::AddRespondent:
+        case Action::DeleteRespondent:
+            EXPECT_EQ(now.respondents,
+                      before.respondents + (action == Action::AddRespondent ? 1 : -1));
+            EXPECT_EQ(SqlRows(now.name, "SELECT count(*) FROM respondent", 1),
+                      QStringList(QString::number(now.respondents)));
             break;
         default:
-            EXPECT_NE(now.target, before.target);
-            EXPECT_EQ(now.survey, before.survey);
+            break;
         }
     }
-
-    QStringList files_; // of the directory, before the fault
 };
 
 } // namespace
@@ -402,21 +227,20 @@ TEST_P(Faults, AreToldOnceAndLeaveAllAsItWas) {
     for (const Fault fault :
          {Fault::FileVanished, Fault::DirectoryVanished, Fault::PermissionGone, Fault::Locked}) {
         SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault));
-        target = directory + QString("/target%1").arg(static_cast<int>(fault));
-        WriteWholeFile(target, "old");
-        Around([&] {
-            files_ = QDir(directory).entryList(QDir::Files | QDir::Hidden);
+        session.target = directory + QString("/target%1").arg(static_cast<int>(fault));
+        WriteWholeFile(session.target, "old");
+        session.Around(action, [&] {
             const Seen before = Look();
-            if (During(fault, [&] { Act(); })) {
+            if (During(fault, [&] { session.Act(action); })) {
                 const QStringList told = dialogs.TakeTexts();
                 // An open file whose name is gone can still be read.
-                if (fault == Fault::FileVanished && !WritesTheSurvey()) {
+                if (fault == Fault::FileVanished && !WritesTheSurvey(action)) {
                     ExpectDone(before, told);
                     return;
                 }
                 ExpectRefusal(before, told);
             }
-            Act();
+            session.Act(action);
             ExpectDone(before, dialogs.TakeTexts());
         });
     }
@@ -424,17 +248,15 @@ TEST_P(Faults, AreToldOnceAndLeaveAllAsItWas) {
 
 // With room for nothing, then for a little more each time, until the action fits.
 TEST_P(Faults, AFullDiskIsToldWhereverItIsMet) {
-    WriteWholeFile(target, "old");
-    Around([&] {
-        files_ = QDir(directory).entryList(QDir::Files | QDir::Hidden);
+    session.Around(action, [&] {
         const Seen before = Look();
         int refusals = 0;
-        for (std::int64_t room = 0;; room += WritesTheSurvey() ? 1500 : 200, ++refusals) {
+        for (std::int64_t room = 0;; room += WritesTheSurvey(action) ? 1500 : 200, ++refusals) {
             SystemCalls::room = room;
-            Act();
+            session.Act(action);
             SystemCalls::room.reset();
             const QStringList told = dialogs.TakeTexts();
-            if (told == Told()) {
+            if (told == Session::Told(action)) {
                 ExpectDone(before, told);
                 break;
             }
@@ -447,46 +269,42 @@ TEST_P(Faults, AFullDiskIsToldWhereverItIsMet) {
     });
 }
 
-INSTANTIATE_TEST_SUITE_P(, Faults,
-                         testing::Values(Operation::Save, Operation::SaveAs, Operation::Import,
-                                         Operation::TurnPage, Operation::ApplyScale,
-                                         Operation::DeleteRespondent, Operation::Export,
-                                         Operation::Table, Operation::Report, Operation::Form),
+INSTANTIATE_TEST_SUITE_P(, Faults, testing::ValuesIn(Actions),
                          [](const auto& info) { return NameOf(info.param); });
 
 // The page that is on the screen is the one whose answer is stored.
 TEST_F(FaultTest, APageThatCannotBeReadTakesNoAnswer) {
-    Menu("mnuViewDataCollection");
+    session.Menu("mnuViewDataCollection");
     const auto answers = [this] {
-        return SqlRows(state.CurrentFilename,
+        return SqlRows(session.survey,
                        "SELECT questionid, simpleresponse FROM respondent_responses WHERE "
                        "respondentid = 8 ORDER BY id",
                        2);
     };
-    auto locker = std::make_unique<Locker>(state.CurrentFilename);
-    user.tasks["frmManualResponse"] = [&](QWidget& shown) {
-        const auto question = [&] { return Find<QLabel>("lblDCQuestion", &shown)->text(); };
-        auto* answer = Find<QPlainTextEdit>("txtDCSimpleResponse", &shown);
-        auto* next = Find<QPushButton>("cmdDCAnswersNext", &shown);
+    auto locker = std::make_unique<Locker>(session.survey);
+    session.user.tasks["frmManualResponse"] = [&](QWidget& shown) {
+        const auto question = [&] { return session.Find<QLabel>("lblDCQuestion", &shown)->text(); };
+        auto* answer = session.Find<QPlainTextEdit>("txtDCSimpleResponse", &shown);
+        auto* next = session.Find<QAbstractButton>("cmdDCAnswersNext", &shown);
         EXPECT_EQ(dialogs.TakeTexts().size(), 1);
         locker.reset();
         next->click(); // reads the first page anew
         EXPECT_EQ(question(), "1. Why?");
         EXPECT_EQ(answers(), QStringList("1|because"));
 
-        RunSql(state.CurrentFilename, {"ALTER TABLE question RENAME COLUMN questionno TO gone"});
+        RunSql(session.survey, {"ALTER TABLE question RENAME COLUMN questionno TO gone"});
         answer->setPlainText("first");
         next->click();
         EXPECT_EQ(dialogs.TakeTexts().size(), 1);
         EXPECT_EQ(question(), "1. Why?");
-        RunSql(state.CurrentFilename, {"ALTER TABLE question RENAME COLUMN gone TO questionno"});
+        RunSql(session.survey, {"ALTER TABLE question RENAME COLUMN gone TO questionno"});
         answer->setPlainText("second");
         next->click();
         EXPECT_EQ(question(), "2. Which?");
         EXPECT_EQ(answers(), QStringList("1|second"));
     };
     // The newest stands in the first row.
-    Find<QPushButton>("cmdEditResponse")->click();
+    session.Press("cmdEditResponse");
     EXPECT_EQ(dialogs.TakeTexts(), QStringList());
 }
 
