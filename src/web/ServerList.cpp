@@ -10,8 +10,9 @@ namespace {
 constexpr auto Section = "ServerList";
 
 ServerEntry BuiltInEntry() {
-    return {"Kelvane", "http://survey.kelvane.example/", "ftp.kelvane.example",
-            "anonymous@pollarix.example", "survey@pollarix.example"};
+    // The server of this machine, unless the build names another one.
+    return {"Kelvane", POLLARIX_SERVER_URL, POLLARIX_FTP_SERVER, "anonymous@pollarix.example",
+            "survey@pollarix.example"};
 }
 
 } // namespace
