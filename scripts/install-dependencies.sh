@@ -7,6 +7,7 @@
 #   scripts/install-dependencies.sh --package  also for making the Debian package and checking it
 #   scripts/install-dependencies.sh --fuzz     also for the fuzzers
 #   scripts/install-dependencies.sh --memory   also for running the tests under valgrind
+#   scripts/install-dependencies.sh --statistics   also for holding the statistics against other programs
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
@@ -28,7 +29,7 @@ packages=(
     python3
     # Talking to a survey server
     libcurl4-openssl-dev
-    # Survey server: HTTP, passwords and tokens
+    # Survey server: HTTP, passwords and tokens. Statistics: distributions
     libboost-dev libsodium-dev
     # Text on a machine without a desktop
     fonts-dejavu-core
@@ -43,6 +44,7 @@ for group in "$@"; do
     # The last one gives names to the lines of a finding.
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
     --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
+    --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven) ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -70,6 +72,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;
+        --statistics) tools=(pspp Rscript) ;;
         *) tools=(debootstrap) ;;
         esac
         for tool in "${tools[@]}"; do
