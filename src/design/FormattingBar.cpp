@@ -2,17 +2,18 @@
 
 #include <QColorDialog>
 #include <QComboBox>
-#include <QDoubleValidator>
 #include <QEvent>
 #include <QFontComboBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QMenu>
+#include <QRegularExpressionValidator>
 #include <QTextList>
 #include <QTimer>
 #include <QToolButton>
 
 #include <array>
+#include <cmath>
 
 #include "platform/base/Handlers.h"
 #include "platform/controls/Focus.h"
@@ -77,7 +78,10 @@ FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
         cboFontSize_->addItem(QString::number(size));
     cboFontSize_->setEditable(true);
     cboFontSize_->setInsertPolicy(QComboBox::NoInsert);
-    cboFontSize_->setValidator(new QDoubleValidator(SmallestSize, LargestSize, 1, cboFontSize_));
+    // With comma or point, whatever the desktop's language, and never completed to another size.
+    cboFontSize_->setValidator(new QRegularExpressionValidator(
+        QRegularExpression("[0-9]{0,3}([.,][0-9]?)?"), cboFontSize_));
+    cboFontSize_->setCompleter(nullptr);
     cboFontSize_->setMinimumContentsLength(3);
     cboFontSize_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(cboFontSize_, &QComboBox::textActivated, this, [this] { ApplySize(); });
@@ -170,9 +174,12 @@ void FormattingBar::ApplyColour(const QColor& colour) {
 
 void FormattingBar::ApplySize() {
     bool isNumber = false;
-    const double size = cboFontSize_->currentText().toDouble(&isNumber);
+    const double typed = cboFontSize_->currentText().replace(',', '.').toDouble(&isNumber);
+    const double size = std::round(typed * 2) / 2; // rich text counts in half points
     if (isNumber && size >= SmallestSize && size <= LargestSize)
         Apply([&] { box_.SetSelFontSize(size); });
+    else
+        ShowFormatSoon();
 }
 
 void FormattingBar::Apply(const std::function<void()>& change) {
