@@ -9,6 +9,7 @@
 #include <QVBoxLayout>
 
 #include "design/ArrowButton.h"
+#include "design/EntryLines.h"
 #include "design/SelectedQuestion.h"
 #include "platform/controls/Focus.h"
 #include "platform/controls/OnClick.h"
@@ -34,12 +35,19 @@ QPushButton* NewButton(const char* name, const char* caption, const QString& say
     return button;
 }
 
+std::vector<std::shared_ptr<clsResponse>> ResponsesOf(const clsQ& q) {
+    std::vector<std::shared_ptr<clsResponse>> responses;
+    for (int i = 1; i <= q.ResponsesCount; ++i)
+        responses.push_back(q.GetResponse(Narrow16(i)));
+    return responses;
+}
+
 } // namespace
 
-ResponsePanel::ResponsePanel(const Words& words, ApplicationState& state, TreeView& tvTreeView,
-                             QWidget* parent)
-    : QWidget(parent), state_(state), tvTreeView_(tvTreeView), list_(new ListBox(this)),
-      box_(new QLineEdit(this)),
+ResponsePanel::ResponsePanel(const Words& words, ApplicationState& state, SurveyEditor& editor,
+                             TreeView& tvTreeView, QWidget* parent)
+    : QWidget(parent), state_(state), editor_(editor), tvTreeView_(tvTreeView),
+      list_(new ListBox(this)), box_(new QLineEdit(this)),
       add_(NewButton(words.add, "Add", QString("Add %1").arg(words.what), this)),
       up_(NewArrowButton(words.up, "up", QString("Move %1 up").arg(words.what), this)),
       down_(NewArrowButton(words.down, "down", QString("Move %1 down").arg(words.what), this)),
@@ -103,6 +111,14 @@ std::shared_ptr<clsQ> ResponsePanel::CurrentQuestion() const {
     return SelectedQuestion(state_, tvTreeView_);
 }
 
+std::shared_ptr<clsQ> ResponsePanel::QuestionOfList() {
+    std::shared_ptr<clsQ> q = CurrentQuestion();
+    if (!q || shown_ == ResponsesOf(*q))
+        return q;
+    Fill(*q);
+    return nullptr;
+}
+
 void ResponsePanel::AddRow(QWidget* label, QWidget* field, QWidget* button) {
     const int row = grid_->rowCount();
     grid_->addWidget(label, row, 0, 1, 2);
@@ -112,11 +128,16 @@ void ResponsePanel::AddRow(QWidget* label, QWidget* field, QWidget* button) {
 
 void ResponsePanel::Fill(const clsQ& q) {
     list_->Clear();
-    for (int i = 1; i <= q.ResponsesCount; ++i) {
-        const std::shared_ptr<clsResponse> r = q.GetResponse(Narrow16(i));
+    shown_ = ResponsesOf(q);
+    for (const std::shared_ptr<clsResponse>& r : shown_) {
         list_->AddItem(r->Text);
         list_->SetItemData(list_->NewIndex(), r->DatabaseID);
     }
+}
+
+void ResponsePanel::ClearList() {
+    list_->Clear();
+    shown_.clear();
 }
 
 void ResponsePanel::FocusBox() {
@@ -124,40 +145,57 @@ void ResponsePanel::FocusBox() {
 }
 
 void ResponsePanel::Add_Click() {
-    if (!box_->text().isEmpty()) {
-        if (const std::shared_ptr<clsQ> q = CurrentQuestion()) {
-            list_->AddItem(box_->text());
-            q->AddResponse(box_->text(), -1, -1, "");
-            state_.CurrentSurvey.SetQ(q->Key, q);
-        }
-    }
+    const std::shared_ptr<clsQ> q = QuestionOfList();
+    if (!q)
+        return;
+    const QStringList texts = EntryLines(box_->text());
+    // For an empty box too: it adds nothing, but it does mark the survey.
+    editor_.AddResponses(*q, texts);
+    for (const QString& text : texts)
+        list_->AddItem(text);
+    shown_ = ResponsesOf(*q);
     box_->clear();
     FocusBox();
-    // For an empty box too: it adds nothing, but it does mark the survey.
-    state_.MarkFileChanged();
 }
 
 void ResponsePanel::Delete_Click() {
+    const std::shared_ptr<clsQ> q = QuestionOfList();
     const int index = list_->ListIndex();
-    const std::shared_ptr<clsQ> q = CurrentQuestion();
-    if (index == -1 || !q)
+    if (!q || index == -1)
         return;
-    q->RemoveResponse(Narrow16(index + 1));
+    editor_.DeleteResponse(*q, Narrow16(index + 1));
     // Nothing is selected afterwards, and the arrows stay as they were until the next click.
     list_->RemoveItem(index);
-    state_.MarkFileChanged();
+    shown_ = ResponsesOf(*q);
+}
+
+void ResponsePanel::Move(int step) {
+    const std::shared_ptr<clsQ> q = QuestionOfList();
+    const int index = list_->ListIndex();
+    const int neighbour = index + step;
+    if (!q || index == -1 || neighbour < 0 || neighbour >= list_->ListCount())
+        return;
+    MoveInQuestion(*q, Narrow16(index + 1), Narrow16(neighbour + 1));
+    shown_ = ResponsesOf(*q);
+    // The texts alone; the ItemData stays with the place.
+    const QString kept = list_->List(index);
+    list_->SetList(index, list_->List(neighbour));
+    list_->SetList(neighbour, kept);
+    list_->SetListIndex(neighbour);
 }
 
 void ResponsePanel::List_Click() {
     const int index = list_->ListIndex();
-    up_->setEnabled(index >= 1);
-    down_->setEnabled(index < list_->ListCount() - 1);
+    SetArrow(*up_, index >= 1);
+    SetArrow(*down_, index < list_->ListCount() - 1);
 }
 
-void ResponsePanel::ExchangeTexts(int index, int neighbour) {
-    const QString kept = list_->List(index);
-    list_->SetList(index, list_->List(neighbour));
-    list_->SetList(neighbour, kept);
+// An arrow that goes off under the focus would hand it on to Delete, which the next press of the
+// Space key would then be.
+void ResponsePanel::SetArrow(QToolButton& arrow, bool on) {
+    if (!on && arrow.hasFocus())
+        MoveFocusQuietly(*list_);
+    arrow.setEnabled(on);
 }
 
 } // namespace pollarix

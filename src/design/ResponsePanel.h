@@ -1,11 +1,14 @@
 // What the panels of answers (picCheck) and of sub questions (picMatrix) have in common: the box
-// with its Add button, the list, Delete, and the focus. How an entry moves up or down is each
-// panel's own, since the two differ there.
+// with its Add button, the list, its moves and Delete, and the focus. What of a move reaches the
+// question is each panel's own, since the two differ there.
 #pragma once
 
 #include <QWidget>
 
-#include "document/ApplicationState.h"
+#include <memory>
+#include <vector>
+
+#include "document/SurveyEditor.h"
 #include "platform/controls/ListBox.h"
 #include "platform/controls/TreeView.h"
 
@@ -24,38 +27,58 @@ class ResponsePanel : public QWidget {
     void Fill(const clsQ& q);
     // Puts the caret into the box.
     void FocusBox();
-    void ClearList() { list_->Clear(); }
+    void ClearList();
 
   protected:
     // The controls' names and captions. "What" is an entry in a screen reader's words.
     struct Words {
-        const char *panel, *boxHeading, *boxCaption, *box, *add, *listHeading, *listCaption, *list,
-            *up, *down, *remove, *what;
+        const char* panel;
+        const char* boxHeading;
+        const char* boxCaption;
+        const char* box;
+        const char* add;
+        const char* listHeading;
+        const char* listCaption;
+        const char* list;
+        const char* up;
+        const char* down;
+        const char* remove;
+        const char* what;
     };
-    ResponsePanel(const Words& words, ApplicationState& state, TreeView& tvTreeView,
-                  QWidget* parent);
+    ResponsePanel(const Words& words, ApplicationState& state, SurveyEditor& editor,
+                  TreeView& tvTreeView, QWidget* parent);
 
     std::shared_ptr<clsQ> CurrentQuestion() const;
+    // The current question, if the list shows its responses. A list that doesn't, as after a save
+    // with the root selected, is filled anew, and no object is given: whatever was asked for would
+    // meet another response than the one in sight.
+    std::shared_ptr<clsQ> QuestionOfList();
 
     void Add_Click();
     void Delete_Click();
     void List_Click();
-    virtual void Up_Click() = 0;
-    virtual void Down_Click() = 0;
-
-    // Exchanges the texts of two neighbours in the list; their ItemData stays with the place.
-    void ExchangeTexts(int index, int neighbour);
+    void Up_Click() { Move(-1); }
+    void Down_Click() { Move(1); }
+    // Called before two neighbours change places in the list; positions are 1-based.
+    virtual void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) = 0;
 
     QVBoxLayout& ButtonColumn() { return *column_; }
     // Below list and buttons, over the whole width.
     void AddRow(QWidget* label, QWidget* field, QWidget* button);
 
     ApplicationState& state_;
+    SurveyEditor& editor_;
     TreeView& tvTreeView_;
     ListBox* list_;
 
   private:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void Move(int step);
+    void SetArrow(QToolButton& arrow, bool on);
+
+    // What the list was last filled with, in the question's order. The list itself may have another
+    // one: that of the sub questions moves by itself.
+    std::vector<std::shared_ptr<clsResponse>> shown_;
 
     QLineEdit* box_;
     QPushButton* add_;

@@ -8,6 +8,7 @@
 
 #include <utility>
 
+#include "document/QuestionLabels.h"
 #include "platform/controls/OnClick.h"
 #include "platform/richtext/RichText.h"
 
@@ -20,11 +21,10 @@ constexpr int LinesOfWhen = 6; // of a long response that show at once
 
 } // namespace
 
-frmLogic::frmLogic(ApplicationState& state, std::shared_ptr<clsQ> LogicQuestion,
-                   std::shared_ptr<clsResponse> LogicResponse, std::int16_t LogicResponseIndex,
-                   QWidget* parent)
-    : QDialog(parent), state_(state), LogicQuestion_(std::move(LogicQuestion)),
-      LogicResponse_(std::move(LogicResponse)), LogicResponseIndex_(LogicResponseIndex),
+frmLogic::frmLogic(SurveyEditor& editor, std::shared_ptr<clsQ> LogicQuestion,
+                   std::int16_t LogicResponseIndex, QWidget* parent)
+    : QDialog(parent), editor_(editor), LogicQuestion_(std::move(LogicQuestion)),
+      LogicResponseIndex_(LogicResponseIndex),
       lblWhen_(new QLabel("When response <response.name> is selected:")),
       cboList_(new ComboBox(this)) {
     setObjectName("frmLogic");
@@ -74,19 +74,19 @@ frmLogic::frmLogic(ApplicationState& state, std::shared_ptr<clsQ> LogicQuestion,
 }
 
 void frmLogic::Form_Load() {
-    const clsSurvey& survey = state_.CurrentSurvey;
+    const clsSurvey& survey = editor_.Survey();
+    const std::shared_ptr<clsResponse> response = LogicQuestion_->GetResponse(LogicResponseIndex_);
     cboList_->AddItem("Next Question (Default)");
     cboList_->SetItemData(cboList_->NewIndex(), -1);
     // Every question is a target, the one that is asked about too, and backwards as well.
     for (int i = 1; i <= survey.QCount; ++i) {
         const std::shared_ptr<clsQ> q = survey.GetQIndex(Narrow16(i));
         const QString text = PlainTextOf(q->Question);
-        cboList_->AddItem(q->qType == kind::Text ? text : q->QuestionNo + ". " + text);
+        cboList_->AddItem(IsNumbered(q->qType) ? NumberAndDot(q->QuestionNo) + text : text);
         cboList_->SetItemData(cboList_->NewIndex(), i);
     }
-    if (!LogicResponse_->LogicJumpToQuestionKey.isEmpty()) {
-        const std::int16_t position =
-            survey.GetQIndexFromKey(LogicResponse_->LogicJumpToQuestionKey);
+    if (!response->LogicJumpToQuestionKey.isEmpty()) {
+        const std::int16_t position = survey.GetQIndexFromKey(response->LogicJumpToQuestionKey);
         if (position != -1)
             SelectComboItemByData(*cboList_, QString::number(position));
     }
@@ -96,16 +96,15 @@ void frmLogic::Form_Load() {
     // Once only: a response whose own text holds the token is shown as it is.
     const QString token = "<response.name>";
     QString when = lblWhen_->text();
-    lblWhen_->setText(when.replace(when.indexOf(token), token.size(), LogicResponse_->Text));
+    lblWhen_->setText(when.replace(when.indexOf(token), token.size(), response->Text));
 }
 
 void frmLogic::cmdOK_Click() {
     if (cboList_->ListIndex() != -1) {
         const std::int64_t position = cboList_->ItemData(cboList_->ListIndex());
-        LogicResponse_->LogicJumpToQuestionID = -1;
-        LogicResponse_->LogicJumpToQuestionKey =
-            position == -1 ? QString() : state_.CurrentSurvey.GetQIndex(Narrow16(position))->Key;
-        LogicQuestion_->UpdateResponse(LogicResponseIndex_, LogicResponse_);
+        editor_.SetJump(*LogicQuestion_, LogicResponseIndex_,
+                        position == -1 ? QString()
+                                       : editor_.Survey().GetQIndex(Narrow16(position))->Key);
     }
     close();
 }

@@ -4,7 +4,7 @@
 
 #include <QDialog>
 
-#include "document/ApplicationState.h"
+#include "document/SurveyEditor.h"
 #include "platform/controls/ComboBox.h"
 
 class QLabel;
@@ -15,9 +15,8 @@ class frmLogic : public QDialog {
     Q_OBJECT
   public:
     // The response at the position (1-based) of the question.
-    frmLogic(ApplicationState& state, std::shared_ptr<clsQ> LogicQuestion,
-             std::shared_ptr<clsResponse> LogicResponse, std::int16_t LogicResponseIndex,
-             QWidget* parent);
+    frmLogic(SurveyEditor& editor, std::shared_ptr<clsQ> LogicQuestion,
+             std::int16_t LogicResponseIndex, QWidget* parent);
 
     void cmdOK_Click();
     void cmdCancel_Click();
@@ -25,9 +24,8 @@ class frmLogic : public QDialog {
   private:
     void Form_Load();
 
-    ApplicationState& state_;
+    SurveyEditor& editor_;
     std::shared_ptr<clsQ> LogicQuestion_;
-    std::shared_ptr<clsResponse> LogicResponse_;
     std::int16_t LogicResponseIndex_;
     QLabel* lblWhen_;
     ComboBox* cboList_;

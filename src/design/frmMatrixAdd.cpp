@@ -6,6 +6,7 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include "design/EntryLines.h"
 #include "design/ResponseScales.h"
 #include "platform/controls/OnClick.h"
 
@@ -53,12 +54,14 @@ frmMatrixAdd::frmMatrixAdd(ApplicationState& state, QWidget* parent)
 }
 
 void frmMatrixAdd::cmdAdd_Click() {
-    if (txtName_->text().isEmpty()) {
+    const QStringList texts = EntryLines(txtName_->text());
+    if (texts.isEmpty()) {
         state_.dialogs.MsgBox(
             "No response text has been entered. Please enter some text to continue.",
             MsgIcon::Critical);
     } else {
-        lstList_->AddItem(txtName_->text());
+        for (const QString& text : texts)
+            lstList_->AddItem(text);
         txtName_->clear();
     }
     txtName_->setFocus();

@@ -9,22 +9,20 @@ namespace pollarix {
 class picCheck : public ResponsePanel {
     Q_OBJECT
   public:
-    picCheck(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+    picCheck(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView, QWidget* parent);
 
     // Jumps belong to single-answer questions only.
     void SetLogicVisible(bool on);
 
     void cmdCheckAdd_Click() { Add_Click(); }
-    void cmdCheckUp_Click();
-    void cmdCheckDown_Click();
+    void cmdCheckUp_Click() { Up_Click(); }
+    void cmdCheckDown_Click() { Down_Click(); }
     void cdmCheckDelete_Click() { Delete_Click(); }
     void lstCheckResponses_Click() { List_Click(); }
     void cmdRadioLogic_Click();
 
   private:
-    void Up_Click() override { cmdCheckUp_Click(); }
-    void Down_Click() override { cmdCheckDown_Click(); }
-    void Move(int step);
+    void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) override;
 
     QPushButton* cmdRadioLogic_;
 };

@@ -8,6 +8,7 @@
 #include "design/picMatrix.h"
 #include "design/picQProperties.h"
 #include "design/picTreeView.h"
+#include "document/QuestionLabels.h"
 #include "document/SurveyViews.h"
 #include "platform/base/Failure.h"
 #include "platform/controls/ScreenTitle.h"
@@ -35,17 +36,18 @@ void Place(QWidget& control, int left, int top, int width, int height) {
 } // namespace
 
 picDesign::picDesign(ApplicationState& state, QWidget* parent)
-    : QWidget(parent), state_(state), picTitle_(NewScreenTitle("picTitle", "Design", this)),
+    : QWidget(parent), editor_(state), picTitle_(NewScreenTitle("picTitle", "Design", this)),
       picTitles_(new QWidget(this)),
       lblInstructions_(NewInstructions(
           "Instructions - You are currently designing your survey. To add a question press the "
           "'Add Question' button above, enter your Question Text and select the Question Type. "
           "For more help press F1.",
           picTitles_)),
-      picTreeView_(new pollarix::picTreeView(state, this)), tvTreeView_(picTreeView_->Tree()),
+      picTreeView_(new pollarix::picTreeView(state, editor_, this)),
+      tvTreeView_(picTreeView_->Tree()),
       picLibraryView_(new pollarix::picLibraryView(
           state, [this](const QString& name) { AddLibraryText(name); }, this)),
-      picQProperties_(new pollarix::picQProperties(state, tvTreeView_, this)) {
+      picQProperties_(new pollarix::picQProperties(state, editor_, tvTreeView_, this)) {
     setObjectName("picDesign");
     picTitles_->setObjectName("picTitles");
     picQProperties_->setVisible(false);
@@ -95,11 +97,10 @@ void picDesign::LoadMatrixResponses() {
 }
 
 void picDesign::AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID) {
-    const QString key = state_.CurrentSurvey.AddQ("", qType, -1, ResponseMatrixGroupID);
+    const QString key = editor_.AddQuestion(qType, ResponseMatrixGroupID);
     TreeNode& node = tvTreeView_.Add(RootKey, TreeView::tvwChild, key, NoTextYet);
     node.SetSelected();
     picQProperties_->tvTreeView_NodeClick(node);
-    state_.MarkFileChanged();
 }
 
 void picDesign::mnuDesignAddOpenEndedQuestion_Click() {
@@ -128,15 +129,15 @@ void picDesign::AddLibraryText(const QString& name) {
     if (!EditorText().isEmpty())
         mnuDesignAddOpenEndedQuestion_Click();
     picQProperties_->Editor().SetTextRTF(name);
-    txtQ_LostFocus();
+    CommitText();
 }
 
 bool picDesign::picQPropertiesVisible() const {
     return !picQProperties_->isHidden();
 }
 
-void picDesign::txtQ_LostFocus() {
-    picQProperties_->txtQ_LostFocus();
+void picDesign::CommitText() {
+    picQProperties_->CommitText();
 }
 
 void picDesign::ClearTree() {

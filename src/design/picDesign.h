@@ -7,7 +7,7 @@
 
 #include <optional>
 
-#include "document/ApplicationState.h"
+#include "document/SurveyEditor.h"
 
 class QLabel;
 
@@ -40,7 +40,7 @@ class picDesign : public QWidget {
 
     // Whether a question is shown, on whatever screen the user is.
     bool picQPropertiesVisible() const;
-    void txtQ_LostFocus(); // the text commit
+    void CommitText(); // as picQProperties tells
 
     // What opening, saving and closing a survey ask of the screen, as SurveyViews tells.
     void ClearTree();
@@ -59,7 +59,7 @@ class picDesign : public QWidget {
     void AddLibraryText(const QString& name);
     int BodyTop() const;
 
-    ApplicationState& state_;
+    SurveyEditor editor_;
     QLabel* picTitle_;
     QWidget* picTitles_;
     QLabel* lblInstructions_;

@@ -9,11 +9,21 @@
 
 namespace pollarix {
 
-picMatrix::picMatrix(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
-    : ResponsePanel({"picMatrix", "Label1(8)", "Sub Question:", "txtMatrixResponse", "cmdMatrixAdd",
-                     "Label1(7)", "Added Sub Questions:", "lstMatrixResponses", "cmdMatrixUp",
-                     "cmdMatrixDown", "cmdMatrixDelete", "sub question"},
-                    state, tvTreeView, parent),
+picMatrix::picMatrix(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
+                     QWidget* parent)
+    : ResponsePanel({.panel = "picMatrix",
+                     .boxHeading = "Label1(8)",
+                     .boxCaption = "Sub Question:",
+                     .box = "txtMatrixResponse",
+                     .add = "cmdMatrixAdd",
+                     .listHeading = "Label1(7)",
+                     .listCaption = "Added Sub Questions:",
+                     .list = "lstMatrixResponses",
+                     .up = "cmdMatrixUp",
+                     .down = "cmdMatrixDown",
+                     .remove = "cmdMatrixDelete",
+                     .what = "sub question"},
+                    state, editor, tvTreeView, parent),
       cmbMatrixResponses_(new ComboBox(this)) {
     auto* const heading = new QLabel("Responses:", this);
     heading->setObjectName("Label1(9)");
@@ -30,10 +40,9 @@ picMatrix::picMatrix(ApplicationState& state, TreeView& tvTreeView, QWidget* par
 
 void picMatrix::LoadMatrixResponses() {
     const int remembered = cmbMatrixResponses_->ListIndex();
-    // Read before the box is cleared: a file that gives none leaves the box as it was.
-    const std::vector<ResponseScale> scales = ReadResponseScales(state_.SurveyConnection);
+    // Cleared before it is read: the scales of the survey before must not stand beside this one.
     cmbMatrixResponses_->Clear();
-    for (const ResponseScale& scale : scales) {
+    for (const ResponseScale& scale : ReadResponseScales(state_.SurveyConnection)) {
         cmbMatrixResponses_->AddItem(scale.text);
         cmbMatrixResponses_->SetItemData(cmbMatrixResponses_->NewIndex(), scale.id);
     }
@@ -62,14 +71,12 @@ void picMatrix::SetCovered(bool covered) {
     }
 }
 
-// Choosing a scale alone does not mark the survey as changed.
 void picMatrix::cmbMatrixResponses_Click() {
     const int index = cmbMatrixResponses_->ListIndex();
     const std::shared_ptr<clsQ> q = CurrentQuestion();
     if (index == -1 || !q)
         return;
-    q->ResponseMatrixGroupID = Narrow16(cmbMatrixResponses_->ItemData(index));
-    state_.CurrentSurvey.SetQ(q->Key, q);
+    editor_.ChooseScale(*q, Narrow16(cmbMatrixResponses_->ItemData(index)));
 }
 
 void picMatrix::cmdMatrixDefine_Click() {
@@ -77,23 +84,9 @@ void picMatrix::cmdMatrixDefine_Click() {
     LoadMatrixResponses();
 }
 
-void picMatrix::cmdMatrixUp_Click() {
-    if (list_->ListIndex() > 0)
-        Move(-1);
-}
-
-void picMatrix::cmdMatrixDown_Click() {
-    if (list_->ListIndex() != -1 && list_->ListIndex() != list_->ListCount() - 1)
-        Move(1);
-}
-
-// Moves in the list only: the question keeps its order and the survey its changed flag, and the
-// next filling of the list shows the old order again. Until then Delete takes another sub question
-// out of the question than out of the list. Required behaviour, unlike the choice lists'.
-void picMatrix::Move(int step) {
-    const int index = list_->ListIndex();
-    ExchangeTexts(index, index + step);
-    list_->SetListIndex(index + step);
-}
+// Nothing of it: the question keeps its order and the survey its changed flag, and the next filling
+// of the list shows the old order again. Until then Delete takes another sub question out of the
+// question than out of the list. Required behaviour, unlike the choice lists'.
+void picMatrix::MoveInQuestion(clsQ&, std::int16_t, std::int16_t) {}
 
 } // namespace pollarix

@@ -9,10 +9,11 @@ namespace pollarix {
 class picMatrix : public ResponsePanel {
     Q_OBJECT
   public:
-    picMatrix(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+    picMatrix(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView, QWidget* parent);
 
-    // Refills cmbMatrixResponses from the open survey file. The index that was selected is put back
-    // unguarded: InvalidArgument when there are fewer scales than that.
+    // Refills cmbMatrixResponses from the open survey file; one that can't be read leaves it empty.
+    // The index that was selected is put back unguarded: InvalidArgument when there are fewer
+    // scales than that.
     void LoadMatrixResponses();
 
     // Selects the scale, if it is there; raises the combo box's click.
@@ -24,17 +25,15 @@ class picMatrix : public ResponsePanel {
     void SetCovered(bool covered);
 
     void cmdMatrixAdd_Click() { Add_Click(); }
-    void cmdMatrixUp_Click();
-    void cmdMatrixDown_Click();
+    void cmdMatrixUp_Click() { Up_Click(); }
+    void cmdMatrixDown_Click() { Down_Click(); }
     void cmdMatrixDelete_Click() { Delete_Click(); }
     void lstMatrixResponses_Click() { List_Click(); }
     void cmbMatrixResponses_Click();
     void cmdMatrixDefine_Click();
 
   private:
-    void Up_Click() override { cmdMatrixUp_Click(); }
-    void Down_Click() override { cmdMatrixDown_Click(); }
-    void Move(int step);
+    void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) override;
 
     ComboBox* cmbMatrixResponses_;
 };

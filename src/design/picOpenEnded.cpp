@@ -14,8 +14,9 @@ constexpr int MostRows = 6;
 
 } // namespace
 
-picOpenEnded::picOpenEnded(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
-    : QWidget(parent), state_(state), tvTreeView_(tvTreeView),
+picOpenEnded::picOpenEnded(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
+                           QWidget* parent)
+    : QWidget(parent), state_(state), editor_(editor), tvTreeView_(tvTreeView),
       cmdOpenEndedNoOfRows_(new ComboBox(this)) {
     setObjectName("picOpenEnded");
     setAutoFillBackground(true);
@@ -41,10 +42,8 @@ void picOpenEnded::ShowNoOfRows(std::int16_t rows) {
 
 void picOpenEnded::cmdOpenEndedNoOfRows_LostFocus() {
     const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
-    if (!q)
-        return;
-    q->OpenEnded_NoOfRows = ToNumber16(cmdOpenEndedNoOfRows_->Text());
-    state_.CurrentSurvey.SetQ(q->Key, q);
+    if (q)
+        editor_.SetNoOfRows(*q, ToNumber16(cmdOpenEndedNoOfRows_->Text()));
 }
 
 } // namespace pollarix

@@ -4,7 +4,7 @@
 
 #include <QWidget>
 
-#include "document/ApplicationState.h"
+#include "document/SurveyEditor.h"
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/TreeView.h"
 
@@ -13,7 +13,8 @@ namespace pollarix {
 class picOpenEnded : public QWidget {
     Q_OBJECT
   public:
-    picOpenEnded(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+    picOpenEnded(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
+                 QWidget* parent);
 
     // Selects nothing for 0, the value of a question read from a file. InvalidArgument beyond 6.
     void ShowNoOfRows(std::int16_t rows);
@@ -24,6 +25,7 @@ class picOpenEnded : public QWidget {
 
   private:
     ApplicationState& state_;
+    SurveyEditor& editor_;
     TreeView& tvTreeView_;
     ComboBox* cmdOpenEndedNoOfRows_;
 };

@@ -21,7 +21,7 @@
 #include "design/picCheck.h"
 #include "design/picMatrix.h"
 #include "design/picOpenEnded.h"
-#include "design/picTreeView.h"
+#include "document/QuestionLabels.h"
 #include "document/SurveyViews.h"
 #include "platform/base/Handlers.h"
 #include "platform/controls/ScreenTitle.h"
@@ -65,28 +65,31 @@ QLabel* NewLabel1(int index, const char* caption, QWidget* parent) {
 
 } // namespace
 
-picQProperties::picQProperties(ApplicationState& state, TreeView& tvTreeView, QWidget* parent)
-    : QFrame(parent), state_(state), tvTreeView_(tvTreeView), scroll_(new QScrollArea(this)),
-      body_(new QWidget(scroll_)), txtQ_(new RichTextBox(body_)),
+picQProperties::picQProperties(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
+                               QWidget* parent)
+    : QFrame(parent), state_(state), editor_(editor), tvTreeView_(tvTreeView),
+      scroll_(new QScrollArea(this)), body_(new QWidget(scroll_)), txtQ_(new RichTextBox(body_)),
       bar_(new FormattingBar(*txtQ_, body_)), options_(new QGridLayout),
       lblResponses_(NewLabel1(4, "Responses:", body_)),
-      picOpenEnded_(new pollarix::picOpenEnded(state, tvTreeView, body_)),
-      picCheck_(new pollarix::picCheck(state, tvTreeView, body_)),
-      picMatrix_(new pollarix::picMatrix(state, tvTreeView, body_)) {
+      picOpenEnded_(new pollarix::picOpenEnded(state, editor, tvTreeView, body_)),
+      picCheck_(new pollarix::picCheck(state, editor, tvTreeView, body_)),
+      picMatrix_(new pollarix::picMatrix(state, editor, tvTreeView, body_)) {
     setObjectName("picQProperties");
     setFrameShape(StyledPanel);
     txtQ_->setObjectName("txtQ");
     txtQ_->setAccessibleName("Question Text");
     // Whatever the key: a press marks the survey, a release commits.
-    txtQ_->KeyDown = [this](QKeyEvent&) { state_.MarkFileChanged(); };
-    txtQ_->KeyUp = [this](QKeyEvent&) { txtQ_LostFocus(); };
+    txtQ_->KeyDown = [this](QKeyEvent&) { editor_.TextEdited(); };
+    txtQ_->KeyUp = [this](QKeyEvent&) { CommitText(); };
     txtQ_->LostFocus = [this] { txtQ_LostFocus(); };
     txtQ_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(txtQ_, &QWidget::customContextMenuRequested, this, &picQProperties::ShowContextMenu);
     txtQ_->viewport()->installEventFilter(this);
-    // A format has no key whose release would commit it, and it must not be lost when the next
-    // thing is a menu.
-    bar_->Changed = [this] { txtQ_LostFocus(); };
+    // A format counts as a key and its release, and must not be lost when the next thing is a menu.
+    bar_->Changed = [this] {
+        editor_.TextEdited();
+        CommitText();
+    };
 
     BuildOptions();
     LayOutRows();
@@ -226,10 +229,14 @@ void picQProperties::SetOption(int Index) {
 
 void picQProperties::optQType_Click(int Index) {
     TreeNode* const node = tvTreeView_.SelectedItem();
-    if (!node || node->Key() == RootKey)
+    if (!node || node->Key() == RootKey) {
+        // The panel of a deleted question: it goes on showing that one's kind.
+        const QSignalBlocker noEvent(*optQType_[shownOption_]);
+        optQType_[shownOption_]->setChecked(true);
         return;
+    }
     SelectQType(Index, *node);
-    state_.MarkFileChanged();
+    editor_.KindClicked();
 }
 
 void picQProperties::SelectQType(int Index, TreeNode& Node) {
@@ -239,6 +246,7 @@ void picQProperties::SelectQType(int Index, TreeNode& Node) {
     // The Tab key goes to the option that is on; the others are reached from there.
     for (int i = 0; i < Options; ++i)
         optQType_[i]->setFocusPolicy(i == Index ? Qt::StrongFocus : Qt::ClickFocus);
+    shownOption_ = Index;
     const std::int32_t qType = KindOfOption[Index];
     switch (qType) {
     case kind::OpenEnded:
@@ -259,7 +267,7 @@ void picQProperties::SelectQType(int Index, TreeNode& Node) {
         break;
     }
     picMatrix_->SetCovered(qType == kind::Check);
-    state_.CurrentSurvey.UpdateQuestionType(Node.Key(), qType);
+    editor_.SetKind(*q, qType);
     lblResponses_->setVisible(HasResponses(qType));
     if (qType == kind::Matrix) {
         picMatrix_->Fill(*q);
@@ -288,31 +296,39 @@ void picQProperties::ClearCheckResponses() {
     picCheck_->ClearList();
 }
 
-void picQProperties::txtQ_LostFocus() {
+void picQProperties::CommitText() {
     TreeNode* const node = tvTreeView_.SelectedItem();
-    if (!node || node->Key() == RootKey)
+    const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
+    if (!q)
         return;
-    clsSurvey& survey = state_.CurrentSurvey;
-    survey.UpdateQuestion(node->Key(), txtQ_->TextRTF());
-    const QString prefix = survey.GetQuestionTypeFromKey(node->Key()) == kind::Text
-                               ? QString()
-                               : NumberPrefix(survey.GetQuestionNoFromKey(node->Key()));
+    editor_.SetText(*q, txtQ_->TextRTF());
     const QString text = txtQ_->Text();
-    node->SetText(prefix + (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
+    node->SetText(PrefixOf(q->qType, q->QuestionNo) +
+                  (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
 }
 
-// Pasting and dropping with the mouse have no key either; they are committed like a format.
+// What the mouse pastes, drops or takes away counts as a key does, if it did anything.
+void picQProperties::CommitIfEdited(int revisionBefore) {
+    if (txtQ_->document()->revision() == revisionBefore)
+        return;
+    editor_.TextEdited();
+    CommitText();
+}
+
 void picQProperties::ShowContextMenu(const QPoint& position) {
+    const int revision = txtQ_->document()->revision();
     const std::unique_ptr<QMenu> menu(txtQ_->createStandardContextMenu(position));
     menu->exec(txtQ_->mapToGlobal(position));
-    RunHandler([&] { txtQ_LostFocus(); });
+    RunHandler([&] { CommitIfEdited(revision); });
 }
 
 bool picQProperties::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::Drop ||
         (event->type() == QEvent::MouseButtonRelease &&
          static_cast<QMouseEvent*>(event)->button() == Qt::MiddleButton))
-        QTimer::singleShot(0, this, [this] { RunHandler([&] { txtQ_LostFocus(); }); });
+        QTimer::singleShot(0, this, [this, revision = txtQ_->document()->revision()] {
+            RunHandler([&] { CommitIfEdited(revision); });
+        });
     return QFrame::eventFilter(watched, event);
 }
 

@@ -6,7 +6,7 @@
 
 #include <array>
 
-#include "document/ApplicationState.h"
+#include "document/SurveyEditor.h"
 #include "platform/controls/RichTextBox.h"
 #include "platform/controls/TreeView.h"
 
@@ -25,15 +25,17 @@ class picOpenEnded;
 class picQProperties : public QFrame {
     Q_OBJECT
   public:
-    picQProperties(ApplicationState& state, TreeView& tvTreeView, QWidget* parent);
+    picQProperties(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
+                   QWidget* parent);
 
     // Shows the node's question, or hides the panel for the root. Both the tree's event and called
     // with a node that code has just selected.
     void tvTreeView_NodeClick(TreeNode& Node);
 
-    // The text commit: what the box shows becomes the selected question's text and, as far as its
-    // first line goes, the node's. It marks nothing as changed.
-    void txtQ_LostFocus();
+    // What the box shows becomes the selected question's text and, as far as its first line goes,
+    // the node's. With the root selected, as after a delete, nothing happens.
+    void CommitText();
+    void txtQ_LostFocus() { CommitText(); }
 
     // Sets the question of the node to the kind of the option and shows its panel. An index outside
     // 0 to 4, or a node without a question, does nothing.
@@ -59,14 +61,17 @@ class picQProperties : public QFrame {
     void FocusBox(std::int32_t qType);
     bool eventFilter(QObject* watched, QEvent* event) override;
     void ShowContextMenu(const QPoint& position);
+    void CommitIfEdited(int revisionBefore);
 
     ApplicationState& state_;
+    SurveyEditor& editor_;
     TreeView& tvTreeView_;
     QScrollArea* scroll_; // for windows that are too small for the rows
     QWidget* body_;
     RichTextBox* txtQ_;
     FormattingBar* bar_;
     std::array<QRadioButton*, 5> optQType_;
+    int shownOption_ = 0; // of the question in the panel
     QGridLayout* options_;
     int optionColumns_ = 0;
     QLabel* lblResponses_; // Label1(4)

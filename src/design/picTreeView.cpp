@@ -5,6 +5,7 @@
 #include <QToolButton>
 
 #include "design/ArrowButton.h"
+#include "document/QuestionLabels.h"
 #include "document/SurveyViews.h"
 #include "platform/controls/OnClick.h"
 #include "platform/controls/Twips.h"
@@ -12,13 +13,9 @@
 
 namespace pollarix {
 
-QString NumberPrefix(const QString& QuestionNo) {
-    return QuestionNo.isEmpty() ? QString() : QuestionNo + ". ";
-}
-
-picTreeView::picTreeView(ApplicationState& state, QWidget* parent)
+picTreeView::picTreeView(ApplicationState& state, SurveyEditor& editor, QWidget* parent)
     : ListPanel("picTreeView", "picBlankPanel", 20, "Questions", parent), state_(state),
-      tvTreeView_(new TreeView(parent)),
+      editor_(editor), tvTreeView_(new TreeView(parent)),
       cmdUp_(NewArrowButton("cmdUp", "up", "Move question up", this)),
       cmdDown_(NewArrowButton("cmdDown", "down", "Move question down", this)),
       cmdDelete_(new QPushButton("Delete", this)) {
@@ -56,12 +53,12 @@ void picTreeView::ReindexTreeQuestionNos() {
         TreeNode& node = tvTreeView_->Item(i);
         if (node.Key() == RootKey)
             continue;
-        const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(node.Key());
+        const std::shared_ptr<clsQ> q = editor_.Survey().GetQ(node.Key());
         if (!q)
             continue;
         // An instruction text carries on the prefix of the question visited before it: the prefix
         // is not cleared for it, on purpose.
-        if (q->qType != kind::Text)
+        if (IsNumbered(q->qType))
             prefix = NumberPrefix(q->QuestionNo);
         // It is the node's present text that is asked, not the question's: a question without text
         // keeps its bare number, and an instruction text without one changes at each turn.
@@ -71,26 +68,26 @@ void picTreeView::ReindexTreeQuestionNos() {
 }
 
 TreeNode& picTreeView::MoveTo(const TreeNode& neighbour, TreeView::Relationship side,
-                              TreeNode& moved) {
+                              const TreeNode& moved) {
     // Copies: the node itself goes.
     const QString key = moved.Key();
     const QString text = moved.Text();
+    editor_.SwapQuestions(key, neighbour.Key());
     tvTreeView_->Remove(key);
     TreeNode& node = tvTreeView_->Add(neighbour.Key(), side, key, text);
     node.SetSelected();
-    state_.CurrentSurvey.SwapQ(key, neighbour.Key());
     return node;
 }
 
 void picTreeView::Relabel(TreeNode& node) {
-    const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(node.Key());
-    if (q)
-        node.SetText(QString::number(state_.CurrentSurvey.GetQIndexFromKey(node.Key())) + ". " +
+    const clsSurvey& survey = editor_.Survey();
+    if (const std::shared_ptr<clsQ> q = survey.GetQ(node.Key()))
+        node.SetText(NumberAndDot(QString::number(survey.GetQIndexFromKey(node.Key()))) +
                      PlainTextOf(q->Question));
 }
 
 void picTreeView::cmdUp_Click() {
-    TreeNode* const selected = tvTreeView_->SelectedItem();
+    const TreeNode* const selected = tvTreeView_->SelectedItem();
     TreeNode* const previous = selected ? selected->Previous() : nullptr;
     if (!previous)
         return;
@@ -99,24 +96,20 @@ void picTreeView::cmdUp_Click() {
     // number where after Down it gives the words for a missing text.
     Relabel(moved);
     Relabel(*previous);
-    state_.CurrentSurvey.ReorderQ_QuestionNos();
     ReindexTreeQuestionNos();
-    state_.MarkFileChanged();
 }
 
 void picTreeView::cmdDown_Click() {
-    TreeNode* const selected = tvTreeView_->SelectedItem();
-    TreeNode* const next = selected ? selected->Next() : nullptr;
+    const TreeNode* const selected = tvTreeView_->SelectedItem();
+    const TreeNode* const next = selected ? selected->Next() : nullptr;
     if (!next)
         return;
     MoveTo(*next, TreeView::tvwNext, *selected);
-    state_.CurrentSurvey.ReorderQ_QuestionNos();
     ReindexTreeQuestionNos();
-    state_.MarkFileChanged();
 }
 
 void picTreeView::cmdDelete_Click() {
-    if (state_.CurrentSurvey.QCount == 1) {
+    if (editor_.Survey().QCount == 1) {
         state_.dialogs.MsgBox("Can't delete last question.", MsgIcon::Critical);
         return;
     }
@@ -124,12 +117,13 @@ void picTreeView::cmdDelete_Click() {
     if (!selected || selected->Key() == RootKey)
         return;
     const QString key = selected->Key();
-    // The panel goes on showing the deleted question until the next click on a node.
+    editor_.DeleteQuestion(key);
+    // The root inherits the selection. The panel goes on showing the deleted question until the
+    // next click on a node, and what is entered there must not become a neighbour's.
+    if (TreeNode* const root = tvTreeView_->Find(RootKey))
+        root->SetSelected();
     tvTreeView_->Remove(key);
-    state_.CurrentSurvey.DeleteQ(key);
-    state_.CurrentSurvey.ReorderQ_QuestionNos();
     ReindexTreeQuestionNos();
-    state_.MarkFileChanged();
 }
 
 } // namespace pollarix

@@ -3,7 +3,7 @@
 #pragma once
 
 #include "design/ListPanel.h"
-#include "document/ApplicationState.h"
+#include "document/SurveyEditor.h"
 #include "platform/controls/TreeView.h"
 
 class QPushButton;
@@ -11,17 +11,11 @@ class QToolButton;
 
 namespace pollarix {
 
-// What a question without text shows in the tree.
-inline constexpr const char* NoTextYet = "<Text not yet entered>";
-
-// The number with ". ", or "" where there is no number: never a lone ". ".
-QString NumberPrefix(const QString& QuestionNo);
-
 class picTreeView : public ListPanel {
     Q_OBJECT
   public:
     // The tree itself becomes a child of the parent and stands in front of this panel.
-    picTreeView(ApplicationState& state, QWidget* parent);
+    picTreeView(ApplicationState& state, SurveyEditor& editor, QWidget* parent);
 
     TreeView& Tree() { return *tvTreeView_; }
 
@@ -36,10 +30,11 @@ class picTreeView : public ListPanel {
     void cmdDelete_Click();
 
   private:
-    TreeNode& MoveTo(const TreeNode& neighbour, TreeView::Relationship side, TreeNode& moved);
+    TreeNode& MoveTo(const TreeNode& neighbour, TreeView::Relationship side, const TreeNode& moved);
     void Relabel(TreeNode& node);
 
     ApplicationState& state_;
+    SurveyEditor& editor_;
     TreeView* tvTreeView_;
     QToolButton* cmdUp_;
     QToolButton* cmdDown_;

@@ -7,22 +7,10 @@
 #include <memory>
 #include <vector>
 
+#include "document/Kinds.h"
 #include "document/clsResponse.h"
 
 namespace pollarix {
-
-// Codes of clsQ::qType and of the column question.qtype.
-namespace kind {
-constexpr std::int32_t OpenEnded = 0;
-constexpr std::int32_t Check = 1;  // many answers
-constexpr std::int32_t Radio = 2;  // one answer
-constexpr std::int32_t Matrix = 3; // its responses are the sub questions
-constexpr std::int32_t Text = 4;   // instruction text: gets no number
-} // namespace kind
-
-constexpr bool HasResponses(std::int32_t qType) {
-    return qType == kind::Check || qType == kind::Radio || qType == kind::Matrix;
-}
 
 class clsQ {
   public:

@@ -29,7 +29,7 @@ void clsSurvey::Append(std::shared_ptr<clsQ> q) {
 void clsSurvey::ReorderQ_QuestionNos() {
     int number = 1;
     for (int i = 1; i <= QCount; ++i)
-        if (questions_[i]->qType != kind::Text)
+        if (IsNumbered(questions_[i]->qType))
             questions_[i]->QuestionNo = QString::number(number++);
 }
 
@@ -42,10 +42,10 @@ QString clsSurvey::AddQ(const QString& Question, std::int32_t qType, std::int16_
     q->ResponseMatrixGroupID = ResponseMatrixGroupID;
     q->Key = CreateGUIDKey("{}-");
     q->DatabaseID = DatabaseID;
-    if (qType != kind::Text) {
+    if (IsNumbered(qType)) {
         int numbered = 0;
         for (int i = 1; i <= QCount; ++i)
-            if (questions_[i]->qType != kind::Text)
+            if (IsNumbered(questions_[i]->qType))
                 ++numbered;
         q->QuestionNo = QString::number(numbered + 1);
     }

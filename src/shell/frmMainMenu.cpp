@@ -234,7 +234,7 @@ void frmMain::SetupToolbar() {
 
 void frmMain::Toolbar_ButtonClick(const QString& key) {
     if (picDesign_->picQPropertiesVisible())
-        picDesign_->txtQ_LostFocus();
+        picDesign_->CommitText();
     if (key == "Design")
         mnuViewDesign_Click();
     else if (key == "Data Collection")

@@ -9,6 +9,7 @@
 #include "design/frmLogic.h"
 #include "design/frmMatrixAdd.h"
 #include "design/frmMatrixDefine.h"
+#include "platform/base/Failure.h"
 
 namespace pollarix::test {
 namespace {
@@ -67,8 +68,8 @@ TEST_F(Logic, AJumpIsChosenKeptAndTakenBack) {
 
 class Scales : public DesignScreen {
   protected:
-    // "Define..." twice, then the points one by one, then the button. Gives what the first dialog
-    // lists afterwards.
+    // "Define..." twice, then the points as lines of a paste, then the button. Gives what the first
+    // dialog lists afterwards.
     QString MakeScale(const QStringList& points, const char* leaveBy) {
         QString listed;
         InDialog<frmMatrixDefine>([&, leaveBy](QWidget& define) {
@@ -76,10 +77,8 @@ class Scales : public DesignScreen {
             lstList.SetListIndex(2); // whichever, a new scale is made
             InDialog<frmMatrixAdd>([&, leaveBy](QWidget& add) {
                 EXPECT_EQ(add.findChild<ListBox*>("lstList")->ListCount(), 0);
-                for (const QString& point : points) {
-                    add.findChild<QLineEdit*>("txtName")->setText(point);
-                    QTest::keyClick(add.findChild<QLineEdit*>("txtName"), Qt::Key_Return);
-                }
+                add.findChild<QLineEdit*>("txtName")->setText(points.join('\n'));
+                QTest::keyClick(add.findChild<QLineEdit*>("txtName"), Qt::Key_Return);
                 add.findChild<QAbstractButton*>(leaveBy)->click();
             });
             define.findChild<QAbstractButton*>("cmdOK")->click();
@@ -135,6 +134,10 @@ TEST_F(Scales, ANewScaleIsWrittenAtOnceAndOfferedLast) {
     EXPECT_TRUE(dialogs.TakeTexts().value(0).endsWith(". Invalid argument. 5"));
     NewSurvey();
     EXPECT_EQ(combo.ListIndex(), 0);
+    // Scales that can't be read are not those of the survey before.
+    state.SurveyConnection.Run("DROP TABLE responsematrix");
+    EXPECT_THROW(design_->LoadMatrixResponses(), Failure);
+    EXPECT_EQ(Combo(), "");
 }
 
 TEST_F(Scales, AQuestionKeepsItsScaleOnlyWithSubQuestions) {

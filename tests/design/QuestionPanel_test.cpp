@@ -2,6 +2,10 @@
 #include "design/DesignScreen.h"
 
 #include <QApplication>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QLineEdit>
+#include <QMimeData>
 #include <QRadioButton>
 #include <QTest>
 
@@ -31,10 +35,45 @@ TEST_F(QuestionPanel, EachKeyMarksAndEachReleaseCommits) {
     txtQ.selectAll();
     EXPECT_TRUE(Marks([&] { Key("txtQ", Qt::Key_B, Qt::ControlModifier); }));
     EXPECT_TRUE(Format().bold);
-    // A click on the bar has no key: it is committed all the same and leaves the flag.
-    EXPECT_FALSE(Marks([&] { Press("cmdItalic"); }));
+    // A click on the bar has no key, and counts as one.
+    EXPECT_TRUE(Marks([&] { Press("cmdItalic"); }));
     EXPECT_TRUE(txtQ.hasFocus());
     EXPECT_TRUE(Format().italic);
+    // So does what the mouse brings, and not a click that brings nothing.
+    EXPECT_FALSE(Marks([&] {
+        QTest::mouseClick(txtQ.viewport(), Qt::MiddleButton);
+        QTest::qWait(1);
+    }));
+    QMimeData dropped;
+    dropped.setText("dropped");
+    QDragEnterEvent enter({1, 1}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
+    QDropEvent drop({1, 1}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
+    EXPECT_TRUE(Marks([&] {
+        QApplication::sendEvent(txtQ.viewport(), &enter);
+        QApplication::sendEvent(txtQ.viewport(), &drop);
+        QTest::qWait(1);
+    }));
+    EXPECT_TRUE(Text(1).contains("dropped"));
+}
+
+TEST_F(QuestionPanel, TheSizeBoxTakesWhatIsASizeAndShowsWhatIsSet) {
+    Add(OpenEnded);
+    QTest::keyClicks(&txtQ, "a");
+    auto& size = Get<QComboBox>("cboFontSize");
+    for (const auto& [typed, shown] : {std::pair("7", "7"),
+                                       {"10,5", "10.5"},
+                                       {"10.4", "10.5"},
+                                       {"0", "10.5"},
+                                       {"300", "10.5"},
+                                       {",", "10.5"}}) {
+        txtQ.selectAll();
+        size.setFocus();
+        size.lineEdit()->selectAll();
+        QTest::keyClicks(&size, QString(typed) + "\r");
+        QTest::qWait(1);
+        EXPECT_EQ(size.currentText(), shown) << typed;
+        EXPECT_EQ(QString::number(Format().fontSize), shown) << typed;
+    }
 }
 
 TEST_F(QuestionPanel, LeavingTheBoxCommitsToTheQuestionOneLeaves) {

@@ -73,6 +73,45 @@ TEST_P(ResponsePanels, ArrowsAndDeleteGoByTheSelectedEntry) {
     EXPECT_EQ(Entries(panel.list), Responses(1)) << "filled anew";
 }
 
+TEST_P(ResponsePanels, PastedLinesAreAnEntryEach) {
+    Get<QLineEdit>(panel.box).setText("one\n two\r\n\nthree\n");
+    Press(panel.add);
+    EXPECT_EQ(Responses(1), "one| two|three");
+    EXPECT_EQ(Entries(panel.list), Responses(1));
+}
+
+TEST_P(ResponsePanels, AnArrowThatGoesOffGivesTheFocusToTheList) {
+    AddResponses(panel.box, {"a", "b", "c"});
+    ClickEntry(panel.list, 1);
+    Get<QWidget>(panel.up).setFocus();
+    for (int press = 0; press < 3; ++press)
+        QTest::keyClick(window_.focusWidget(), Qt::Key_Space);
+    EXPECT_TRUE(Get<QWidget>(panel.list).hasFocus());
+    EXPECT_EQ(Entries(panel.list), "b|a|c") << "and Delete was not pressed";
+}
+
+// After a save with the root selected the panel shows the last question without its responses.
+TEST_P(ResponsePanels, AListThatDiffersFromItsQuestionIsOnlyFilledAnew) {
+    SurveyOf({OpenEnded, panel.qType});
+    AddResponses(panel.box, {"a", "b", "c"});
+    std::vector<std::function<void()>> acts = {[&] { AddResponses(panel.box, {"d"}); },
+                                               [&] { Press(panel.remove); },
+                                               [&] {
+                                                   Get<QWidget>(panel.up).setEnabled(true);
+                                                   Press(panel.up);
+                                               }};
+    if (panel.qType == Radio)
+        acts.push_back([&] { Press("cmdRadioLogic"); });
+    for (const auto& act : acts) {
+        ClickNode(0);
+        document_.DoSave();
+        ASSERT_EQ(Entries(panel.list), "");
+        EXPECT_FALSE(Marks(act));
+        EXPECT_EQ(Responses(2), "a|b|c");
+        EXPECT_EQ(Entries(panel.list), "a|b|c");
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Of, ResponsePanels, testing::Values(Choice, SubQuestions),
                          [](const auto& panel) { return panel.param.list; });
 
