@@ -29,8 +29,8 @@ packages=(
     python3
     # Talking to a survey server
     libcurl4-openssl-dev
-    # Survey server: HTTP, passwords and tokens. Statistics: distributions
-    libboost-dev libsodium-dev
+    # Survey server: HTTP, passwords and tokens, links as pictures. Statistics: distributions
+    libboost-dev libsodium-dev libqrencode-dev
     # Text on a machine without a desktop
     fonts-dejavu-core
     # Tests and measurements are configured with the rest
@@ -61,7 +61,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         command -v "$tool" >/dev/null || missing+=("$tool")
     done
     for module in Qt6Widgets Qt6PrintSupport Qt6Svg Qt6Charts Qt6Help Qt6Test sqlite3 libcurl \
-        libsodium gtest benchmark; do
+        libsodium libqrencode gtest benchmark; do
         pkg-config --exists "$module" 2>/dev/null || missing+=("$module")
     done
     for group in "$@"; do

@@ -6,7 +6,6 @@
 #include "exchange/CodePage.h"
 #include "exchange/ResultsWriter.h"
 #include "exchange/SurveyReader.h"
-#include "server/survey/StoredAnswers.h"
 
 namespace pollarix::server {
 
@@ -229,13 +228,8 @@ Response Exchange::GetSurveyResults(const std::string& file, const std::string& 
                        ticket = *NumberOf(name->user)](std::string& chunk) {
         while (fetch->next && chunk.size() < ChunkBytes) {
             const Submission& row = *fetch->next;
-            const auto questionnaire = questionnaires_.Find(id, row.version);
-            const auto answers =
-                questionnaire ? ReadStoredAnswers(*questionnaire, row.answers) : std::nullopt;
-            // Leaving it out would let it be dropped with the others.
-            if (!answers)
-                throw StoreFailure("submission " + std::to_string(row.id) + " can't be read");
-            chunk += exchange::ResultsOf(*questionnaire, *answers, fetch->lost);
+            const auto [questionnaire, answers] = questionnaires_.Read(id, row);
+            chunk += exchange::ResultsOf(*questionnaire, answers, fetch->lost);
             fetch->last = row.id;
             ++fetch->count;
             fetch->next = rows->Next();

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "exchange/SurveyReader.h"
+#include "server/survey/StoredAnswers.h"
 
 namespace pollarix::server {
 
@@ -30,6 +31,15 @@ std::shared_ptr<const exchange::Questionnaire> Questionnaires::Find(Id survey, i
         throw StoreFailure("version " + std::to_string(version) + " of survey " +
                            std::to_string(survey) + " can't be read: " + fault.what());
     }
+}
+
+Questionnaires::Answered Questionnaires::Read(Id survey, const Submission& submission) {
+    auto questionnaire = Find(survey, submission.version);
+    auto answers =
+        questionnaire ? ReadStoredAnswers(*questionnaire, submission.answers) : std::nullopt;
+    if (!answers)
+        throw StoreFailure("submission " + std::to_string(submission.id) + " can't be read");
+    return {std::move(questionnaire), std::move(*answers)};
 }
 
 void Questionnaires::Keep(const Key& key, std::size_t size,

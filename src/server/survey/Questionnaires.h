@@ -24,6 +24,14 @@ class Questionnaires {
     // published and can't be read any more.
     std::shared_ptr<const exchange::Questionnaire> Find(Id survey, int version);
 
+    // What a respondent answered, with the questions as they were. Throws StoreFailure also when
+    // the two don't fit: leaving answers out in silence would lose them.
+    struct Answered {
+        std::shared_ptr<const exchange::Questionnaire> questionnaire;
+        exchange::Answers answers;
+    };
+    Answered Read(Id survey, const Submission& submission);
+
   private:
     using Key = std::pair<Id, int>;
     struct Kept {

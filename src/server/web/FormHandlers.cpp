@@ -262,6 +262,7 @@ void AddPages(Router& router, const Site& site) {
                [form](const Request& request, const PathParts& parts) {
                    return form->Resume(request, parts[0], parts[1]);
                });
+    AddHolderPages(router, site);
     router.SetErrorPage([](int status, const Request& request) {
         return PageResponse(WordsOf(request), FaultPage(WordsOf(request), status));
     });

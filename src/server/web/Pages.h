@@ -1,5 +1,5 @@
-// All pages of the server, hung onto its router: the form for respondents, and the surveys there
-// are.
+// All pages of the server, hung onto its router: the form for respondents, the surveys there are,
+// and the pages of those who hold them.
 #pragma once
 
 #include <functional>
@@ -26,5 +26,8 @@ struct Site {
 
 // Also the page for what nobody answers.
 void AddPages(Router& router, const Site& site);
+
+// The half of it that takes a login, and what leads to one.
+void AddHolderPages(Router& router, const Site& site);
 
 } // namespace pollarix::server
