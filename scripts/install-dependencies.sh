@@ -8,6 +8,7 @@
 #   scripts/install-dependencies.sh --fuzz     also for the fuzzers
 #   scripts/install-dependencies.sh --memory   also for running the tests under valgrind
 #   scripts/install-dependencies.sh --statistics   also for holding the statistics against other programs
+#   scripts/install-dependencies.sh --server   also for measuring the survey server
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
@@ -45,6 +46,7 @@ for group in "$@"; do
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
     --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
     --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven) ;;
+    --server) packages+=(wrk) ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -69,6 +71,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --screen) tools=(Xvfb xauth openbox x11vnc) ;;
         --tests) tools=(vsftpd) ;;
         --memory) tools=(valgrind vsftpd) ;;
+        --server) tools=(wrk) ;;
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;

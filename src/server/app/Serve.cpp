@@ -47,7 +47,9 @@ void Serve(const Settings& settings) {
     // Threads would else have a heap each, and memory that one has freed helps no other.
     mallopt(M_ARENA_MAX, 2);
     RaiseDescriptors();
+    // A client that has gone, or a file that can't grow, is a failed write and no end.
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN);
     sigset_t signals;
     sigemptyset(&signals);
     sigaddset(&signals, SIGTERM);
