@@ -60,6 +60,8 @@ void AnswerReader::ReadAnswer() {
         answer.simpleresponse = TextOrNull(rows_, SimpleResponse);
     } else {
         answer.response = PlaceIn(question.responseIndex, rows_, ResponseId);
+        if (answer.response < 0)
+            return; // of another question, or gone
         if (question.qtype == kind::Matrix)
             answer.point = PlaceIn(layout_.pointIndex, rows_, PointId);
     }
@@ -77,13 +79,13 @@ std::span<const ReportAnswer> AnswerReader::AnswersTo(std::size_t question) cons
     return {answers_.data() + begin, end - begin};
 }
 
-const std::vector<const ReportAnswer*>& AnswerReader::AnswersToMatrix(std::size_t question) {
-    matrix_.assign(layout_.questions[question].responses.size(), nullptr);
+const std::vector<const ReportAnswer*>& AnswerReader::FirstByResponse(std::size_t question) {
+    byResponse_.assign(layout_.questions[question].responses.size(), nullptr);
     for (const ReportAnswer& answer : AnswersTo(question)) {
-        if (answer.response >= 0 && !matrix_[answer.response])
-            matrix_[answer.response] = &answer;
+        if (!byResponse_[answer.response])
+            byResponse_[answer.response] = &answer;
     }
-    return matrix_;
+    return byResponse_;
 }
 
 } // namespace pollarix

@@ -15,7 +15,7 @@
 namespace pollarix {
 
 struct ReportAnswer {
-    int response = -1; // place in the question's responses; -1 for one that is not of the question
+    int response = -1; // place in the question's responses; -1 for an open ended question
     int point = -1;    // place in the survey's points; -1 for none
     std::optional<QString> simpleresponse; // read for open ended questions only; none for Null
 };
@@ -36,11 +36,13 @@ class AnswerReader {
     const Respondent& Current() const { return respondent_; }
 
     // The respondent's answers to the question at this place of the survey's questions, in the
-    // order in which they were stored.
+    // order in which they were stored. Those to a response that the question does not have are left
+    // out.
     std::span<const ReportAnswer> AnswersTo(std::size_t question) const;
 
-    // The first answer to each of the question's sub questions; null for one without answer.
-    const std::vector<const ReportAnswer*>& AnswersToMatrix(std::size_t question);
+    // The first answer to each of the question's responses or sub questions; null for one without.
+    // It stands until the next call.
+    const std::vector<const ReportAnswer*>& FirstByResponse(std::size_t question);
 
   private:
     void ReadAnswer();
@@ -51,7 +53,7 @@ class AnswerReader {
     std::vector<ReportAnswer> answers_;
     std::vector<std::pair<std::size_t, std::size_t>> ranges_; // of answers_, for each question
     std::vector<std::size_t> answered_;                       // questions with a range
-    std::vector<const ReportAnswer*> matrix_;
+    std::vector<const ReportAnswer*> byResponse_;
 };
 
 } // namespace pollarix

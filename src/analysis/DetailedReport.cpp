@@ -1,9 +1,7 @@
 #include "analysis/DetailedReport.h"
 
-#include "analysis/AnswerReader.h"
+#include "analysis/AnswerVisitor.h"
 #include "analysis/SaveCommand.h"
-#include "document/clsQ.h"
-#include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
 
@@ -16,37 +14,64 @@ QString DateOf(const Respondent& respondent) {
                                     : QString();
 }
 
-void AddOpenEnded(QString& text, std::span<const ReportAnswer> answers) {
-    text += '\t';
-    if (answers.empty()) {
-        text += "Data not found";
-    } else if (!answers.front().simpleresponse) {
-        throw Failure(failure::InvalidNull);
-    } else {
-        QString answer = *answers.front().simpleresponse;
-        text += answer.replace("\r\n", "\r\n\t");
-    }
-    text += "\r\n";
-}
+class Report : public AnswerVisitor {
+  public:
+    Report(RichTextFileWriter& out, const ReportSurvey& layout) : out_(out), layout_(layout) {}
 
-void AddMatrix(QString& text, const ReportQuestion& question, const ReportSurvey& layout,
-               const std::vector<const ReportAnswer*>& answers) {
-    for (std::size_t i = 0; i < question.responses.size(); ++i) {
-        text += '\t' + question.responses[i] + '\t';
-        // Without an answer no line end follows: the next sub question goes on in the same line,
-        // and behind the last one the next question does.
-        if (answers[i] && answers[i]->point >= 0)
-            text += layout.points[answers[i]->point] + "\r\n";
+    void Begin(const Respondent& respondent) override {
+        out_.SetSelBold(true);
+        const double size = out_.SelFontSize();
+        out_.SetSelFontSize(size + 1);
+        out_.Append(respondent.source.value_or(QString()) + " on " + DateOf(respondent) + "\r\n");
+        out_.SetSelBold(false);
+        out_.SetSelFontSize(size);
+        out_.Append(u"\r\n");
     }
-}
 
-void AddChoices(QString& text, const ReportQuestion& question,
-                std::span<const ReportAnswer> answers) {
-    for (const ReportAnswer& answer : answers) {
-        if (answer.response >= 0)
-            text += '\t' + question.responses[answer.response] + "\r\n";
+    void Ask(std::size_t place, const ReportQuestion& question) override {
+        // Made for the first respondent: without one no question's text is read.
+        if (headLines_.size() == place)
+            headLines_.push_back(question.HeadLine() + "\r\n");
+        out_.SetSelBold(true);
+        out_.Append(headLines_[place]);
+        out_.SetSelBold(false);
+        text_.resize(0); // keeps its memory
     }
-}
+
+    void OpenEnded(const QuestionAnswers& answers) override {
+        const QString* const answer = answers.Text();
+        text_ += '\t';
+        text_ += answer ? QString(*answer).replace("\r\n", "\r\n\t") : "Data not found";
+        text_ += "\r\n";
+        out_.Append(text_);
+    }
+
+    void Choices(const QuestionAnswers& answers) override {
+        for (const ReportAnswer& answer : answers.stored)
+            text_ += '\t' + answers.question.responses[answer.response] + "\r\n";
+        out_.Append(text_);
+    }
+
+    void Matrix(const QuestionAnswers& answers) override {
+        const std::vector<const ReportAnswer*>& byResponse = answers.ByResponse();
+        for (std::size_t i = 0; i < byResponse.size(); ++i) {
+            text_ += '\t' + answers.question.responses[i] + '\t';
+            // Without an answer no line end follows: the next sub question goes on in the same
+            // line, and behind the last one the next question does.
+            if (byResponse[i] && byResponse[i]->point >= 0)
+                text_ += layout_.points[byResponse[i]->point] + "\r\n";
+        }
+        out_.Append(text_);
+    }
+
+    void End() override { out_.Append(u"\r\n"); }
+
+  private:
+    RichTextFileWriter& out_;
+    const ReportSurvey& layout_;
+    std::vector<QString> headLines_;
+    QString text_; // of the question being answered
+};
 
 } // namespace
 
@@ -56,7 +81,7 @@ void DetailedReport::mnuAnalyseDetail_Click() {
     request.fileName = "DetailReport.rtf";
     request.filter = "Rich Text Format (*.rtf)|*.rtf";
     request.promptOverwrite = true;
-    RunSaveCommand(state_.dialogs, work_, request, [this](const FileDialogResult& chosen) {
+    RunSaveCommand(state_, work_, request, [this](const FileDialogResult& chosen) {
         work_.Do("Detailed report: respondent", [&](const ProgressStep& step) {
             Write(state_.SurveyConnection, chosen.fileName, step);
         });
@@ -73,39 +98,8 @@ void DetailedReport::Write(Connection& survey, const QString& path, const Progre
     out.Append(u"\r\n");
 
     const ReportSurvey layout(survey);
-    std::vector<QString> headLines; // made for the first respondent: without one nothing is read
-    AnswerReader reader(survey, layout);
-    QString text;
-    for (std::int64_t done = 0; reader.Next(); ++done) {
-        out.SetSelBold(true);
-        const double size = out.SelFontSize();
-        out.SetSelFontSize(size + 1);
-        out.Append(reader.Current().source.value_or(QString()) + " on " + DateOf(reader.Current()) +
-                   "\r\n");
-        out.SetSelBold(false);
-        out.SetSelFontSize(size);
-        out.Append(u"\r\n");
-
-        for (std::size_t i = 0; i < layout.questions.size(); ++i) {
-            const ReportQuestion& question = layout.questions[i];
-            step(done, count);
-            if (headLines.size() == i)
-                headLines.push_back(question.HeadLine() + "\r\n");
-            out.SetSelBold(true);
-            out.Append(headLines[i]);
-            out.SetSelBold(false);
-
-            text.resize(0); // keeps its memory
-            if (question.qtype == kind::OpenEnded)
-                AddOpenEnded(text, reader.AnswersTo(i));
-            else if (question.qtype == kind::Matrix)
-                AddMatrix(text, question, layout, reader.AnswersToMatrix(i));
-            else
-                AddChoices(text, question, reader.AnswersTo(i));
-            out.Append(text);
-        }
-        out.Append(u"\r\n");
-    }
+    Report report(out, layout);
+    VisitAnswers(survey, layout, report, step);
     out.Save();
 }
 

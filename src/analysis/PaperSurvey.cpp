@@ -1,7 +1,9 @@
 #include "analysis/PaperSurvey.h"
 
+#include "analysis/AnswerCounts.h"
 #include "analysis/SaveCommand.h"
 #include "document/clsQ.h"
+#include "platform/base/Failure.h"
 #include "platform/richtext/RichText.h"
 
 namespace pollarix {
@@ -16,35 +18,26 @@ void AppendBox(RichTextFileWriter& out, QStringView box) {
     out.SetSelFontName(kept);
 }
 
-// Names of the points of the scale that a row of `response` stands on; none for a row without one.
-QStringList PointsOf(Connection& survey, const Recordset& row) {
-    QStringList names;
-    const DbValue group = row.IsNull("responseMatrixGroupID")
-                              ? DbValue()
-                              : DbValue(row.Integer("responseMatrixGroupID"));
-    for (Recordset points = survey.Execute("SELECT name FROM responsematrix "
-                                           "WHERE responsematrixgroupid = ? ORDER BY pos, id",
-                                           {group});
-         !points.AtEnd(); points.MoveNext())
-        names << points.NullToString("name");
-    return names;
+// Without a scale there is nothing to tick, and the form would be one that can't be filled in.
+std::vector<Point> PointsFor(Connection& survey, const Choice& sub) {
+    if (std::holds_alternative<std::monostate>(sub.group.Value()))
+        throw Failure(failure::InvalidNull, "\"" + sub.name + "\" has no response scale");
+    return PointsOf(survey, sub.group);
 }
 
-// Each sub question prints the points of its own scale; the head is that of the first, whose row
-// must therefore be there.
+// Each sub question prints the points of its own scale; the head is that of the first, which must
+// therefore be there.
 void AppendMatrix(RichTextFileWriter& out, Connection& survey, std::int64_t questionId) {
-    Recordset rows = survey.Execute("SELECT id, name, responseMatrixGroupID FROM response "
-                                    "WHERE questionid = ? ORDER BY pos, id",
-                                    {questionId});
-    const QStringList head = PointsOf(survey, rows);
+    const std::vector<Choice> subs = ChoicesOf(survey, questionId);
+    if (subs.empty())
+        throw Failure(failure::NoCurrentRecord);
     out.Append(u"\t\t");
-    for (const QString& name : head)
-        out.Append(name + '\t');
+    for (const Point& point : PointsFor(survey, subs.front()))
+        out.Append(point.name + '\t');
     out.Append(u"\r\n");
-    for (; !rows.AtEnd(); rows.MoveNext()) {
-        out.Append(rows.NullToString("name") + '\t');
-        const qsizetype count = PointsOf(survey, rows).size();
-        for (qsizetype i = 0; i < count; ++i)
+    for (const Choice& sub : subs) {
+        out.Append(sub.name + '\t');
+        for ([[maybe_unused]] const Point& point : PointsFor(survey, sub))
             AppendBox(out, u"o\t");
         out.Append(u"\r\n");
     }
@@ -70,7 +63,7 @@ void PaperSurvey::mnuDataCollectionPaperSurvey_Click() {
     request.fileName = "PaperSurvey.rtf";
     request.filter = "Rich Text Format (*.rtf)|*.rtf";
     request.promptOverwrite = true;
-    RunSaveCommand(state_.dialogs, work_, request, [this](const FileDialogResult& chosen) {
+    RunSaveCommand(state_, work_, request, [this](const FileDialogResult& chosen) {
         work_.Do("Paper based survey: question", [&](const ProgressStep& step) {
             Write(state_.SurveyConnection, chosen.fileName, step);
         });

@@ -14,8 +14,8 @@ class PaperSurvey {
     void mnuDataCollectionPaperSurvey_Click();
 
     // Writes the form; the file at the path is replaced when the new one is whole. Throws what the
-    // database and the file throw, InvalidNull for a question without text, NoCurrentRecord for a
-    // matrix without sub questions.
+    // database and the file throw, InvalidNull for a question without text and a sub question
+    // without scale, NoCurrentRecord for a matrix without sub questions.
     static void Write(Connection& survey, const QString& path, const ProgressStep& step);
 
   private:

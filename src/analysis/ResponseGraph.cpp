@@ -1,5 +1,8 @@
 #include "analysis/ResponseGraph.h"
 
+#include <algorithm>
+
+#include "analysis/AnswerCounts.h"
 #include "document/clsQ.h"
 #include "platform/base/Failure.h"
 
@@ -7,53 +10,35 @@ namespace pollarix {
 
 namespace {
 
-std::vector<ChartRow> Choices(Connection& file, std::int64_t question) {
+ChartRow RowOf(const QString& name, std::int64_t count) {
+    return {' ' + name, static_cast<double>(count)};
+}
+
+std::vector<ChartRow> GraphOfChoices(Connection& file, std::int64_t question) {
     std::vector<ChartRow> table;
-    for (Recordset row = file.Execute(
-             "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos", {question});
-         !row.AtEnd(); row.MoveNext())
-        table.push_back(
-            {' ' + row.NullToString(1),
-             static_cast<double>(file.Count("SELECT COUNT(*) FROM respondent_responses WHERE "
-                                            "responseid = ? AND questionid = ?",
-                                            {row.Integer(0), question}))});
+    for (const Choice& choice : ChoicesOf(file, question))
+        table.push_back(RowOf(choice.name, CountOfChoice(file, choice.id, question)));
     return table;
 }
 
-std::optional<std::vector<ChartRow>> Points(Connection& file, std::int64_t question,
-                                            std::int16_t key) {
-    DbValue group;
-    {
-        const Recordset first = file.Execute("SELECT id, ResponseMatrixGroupID FROM response WHERE "
-                                             "questionid = ? ORDER BY id",
-                                             {question});
-        if (first.AtEnd())
-            return std::nullopt;
-        if (!first.IsNull(1))
-            group = first.Integer(1);
-    }
-    const std::int64_t n = file.Count(
-        "SELECT COUNT(*) FROM responsematrix WHERE responsematrix.responsematrixgroupid = ?",
-        {group});
-    std::vector<ChartRow> table(static_cast<std::size_t>(n));
-    const Recordset sub = file.Execute("SELECT id, name, responseMatrixGroupID FROM response WHERE "
-                                       "id = ? AND questionid = ? ORDER BY pos",
-                                       {key, question});
-    if (sub.AtEnd())
+// The table has a row for each point of the scale of the sub question that was made first, whatever
+// the scale of the one that is drawn.
+std::optional<std::vector<ChartRow>> GraphOfMatrix(Connection& file, std::int64_t question,
+                                                   std::int16_t key) {
+    const std::vector<Choice> subs = ChoicesOf(file, question);
+    if (subs.empty())
+        return std::nullopt;
+    const auto first = std::ranges::min_element(subs, {}, &Choice::id);
+    std::vector<ChartRow> table(PointsOf(file, first->group).size());
+    const auto sub = std::ranges::find(subs, key, &Choice::id);
+    if (sub == subs.end())
         return table; // the key belongs to another question: the rows stay empty
-    std::size_t i = 0;
-    for (Recordset point =
-             file.Execute("SELECT id, name FROM ResponseMatrix WHERE responseMatrixGroupID = ? "
-                          "ORDER BY pos",
-                          {sub.IsNull(2) ? DbValue() : DbValue(sub.Integer(2))});
-         !point.AtEnd(); point.MoveNext(), ++i) {
-        const std::int64_t count =
-            file.Count("SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND "
-                       "responseMatrixID = ?",
-                       {sub.Integer(0), point.Integer(0)});
+    const std::vector<Point> points = PointsOf(file, sub->group);
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const std::int64_t count = CountOfPoint(file, sub->id, points[i].id);
         if (i >= table.size())
             throw Failure(failure::Subscript);
-        table[i] = {' ' + point.NullToString(1), static_cast<double>(count)};
+        table[i] = RowOf(points[i].name, count);
     }
     return table;
 }
@@ -88,8 +73,8 @@ GraphQuestion QuestionOfGraph(Connection& file, std::int64_t RowData) {
 std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, std::int64_t question,
                                                std::int64_t qtype, std::int16_t Key) {
     if (qtype == kind::Matrix)
-        return Points(file, question, Key);
-    return Choices(file, question);
+        return GraphOfMatrix(file, question, Key);
+    return GraphOfChoices(file, question);
 }
 
 } // namespace pollarix

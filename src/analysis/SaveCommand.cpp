@@ -2,26 +2,39 @@
 
 #include "platform/base/Handlers.h"
 #include "platform/desktop/LongWork.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 
-void RunSaveCommand(Dialogs& dialogs, const LongWork& work, const FileDialogRequest& request,
+namespace {
+
+// All questions and answers would be gone, and the connection left without a file.
+void RefuseOpenSurvey(const Connection& survey, const QString& path) {
+    if (survey.IsOpen() && IsSameFile(survey.Path(), path))
+        throw Failure(failure::PathOrFileAccess, path + ": it is the open survey");
+}
+
+} // namespace
+
+void RunSaveCommand(ApplicationState& state, const LongWork& work, const FileDialogRequest& request,
                     const std::function<void(const FileDialogResult&)>& action) {
     if (work.IsRunning())
         return;
     QString FileName = request.fileName;
     try {
-        const FileDialogResult chosen = dialogs.ShowSave(request);
+        const FileDialogResult chosen = state.dialogs.ShowSave(request);
         FileName = chosen.fileName;
-        if (!FileName.isEmpty())
-            action(chosen);
+        if (FileName.isEmpty())
+            return;
+        RefuseOpenSurvey(state.SurveyConnection, FileName);
+        action(chosen);
     } catch (const std::exception&) {
         const Failure failure = CaughtFailure();
         if (failure.Number() == failure::DialogCancelled)
             return;
-        dialogs.MsgBox("Unable to write to file " + FileName + ' ' + failure.Description() + ' ' +
-                           QString::number(failure.Number()) + ' ' + failure.Source(),
-                       MsgIcon::Critical);
+        state.dialogs.MsgBox("Unable to write to file " + FileName + ' ' + failure.Description() +
+                                 ' ' + QString::number(failure.Number()) + ' ' + failure.Source(),
+                             MsgIcon::Critical);
     }
 }
 

@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "platform/desktop/Dialogs.h"
+#include "document/ApplicationState.h"
 
 namespace pollarix {
 
@@ -12,8 +12,10 @@ class LongWork;
 
 // Asks for the file and runs the action with the answer. A cancelled dialog ends it silently; any
 // other failure, of the dialog or the action, is shown in one critical box with the file's name
-// (the request's preset one until the dialog has given another). Does nothing while long work runs.
-void RunSaveCommand(Dialogs& dialogs, const LongWork& work, const FileDialogRequest& request,
+// (the request's preset one until the dialog has given another). The file of the open survey,
+// however its path is spelt, is refused in the same way, before the action. Does nothing while long
+// work runs.
+void RunSaveCommand(ApplicationState& state, const LongWork& work, const FileDialogRequest& request,
                     const std::function<void(const FileDialogResult&)>& action);
 
 } // namespace pollarix

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "analysis/AnswerCounts.h"
+#include "document/clsQ.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
@@ -18,16 +20,6 @@ constexpr std::size_t MostRows = 1'000'000;
 // The order is that of the text: "10" comes before "2".
 constexpr const char* Questions = "SELECT question.id, question, qtype, questionno FROM question "
                                   "WHERE qtype<>4 ORDER BY questionno, id";
-constexpr const char* Choices = "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos";
-constexpr const char* ChoiceCount = "SELECT COUNT(*) FROM respondent_responses WHERE "
-                                    "responseid = ? AND questionid = ?";
-constexpr const char* SubQuestions = "SELECT id, name, responseMatrixGroupID FROM response "
-                                     "WHERE questionid = ? ORDER BY pos";
-constexpr const char* Points = "SELECT id, name FROM ResponseMatrix WHERE "
-                               "responseMatrixGroupID = ? ORDER BY pos";
-// Limited to the sub question and the point, and not to the question.
-constexpr const char* PointCount = "SELECT COUNT(*) FROM respondent_responses WHERE "
-                                   "responseid = ? AND responseMatrixID = ?";
 
 class Builder {
   public:
@@ -40,9 +32,9 @@ class Builder {
         const QString text =
             question.NullToString(3) + ". " + PlainTextOf(question.NullToString(1));
         // After a matrix this row is the matrix's last one, which is overwritten. Required.
-        Write({qtype == 0 ? "n/a" : "", text, -1});
+        Write({qtype == kind::OpenEnded ? "n/a" : "", text, -1});
         report_.AddEntry(-1, -1);
-        if (qtype == 3)
+        if (qtype == kind::Matrix)
             AddMatrix(id);
         else
             AddChoices(id);
@@ -64,43 +56,39 @@ class Builder {
 
     void AddChoices(std::int64_t question) {
         ++R_;
-        for (Recordset row = file_.Execute(Choices, {question}); !row.AtEnd(); row.MoveNext()) {
-            const std::int64_t id = row.Integer(0);
-            const std::int64_t count = file_.Count(ChoiceCount, {id, question});
+        for (const Choice& choice : ChoicesOf(file_, question)) {
+            const std::int64_t count = CountOfChoice(file_, choice.id, question);
             report_.AddEntry(Narrow32(count), -1);
-            Write({PercentageText(count, report_.totals.all), "     " + row.NullToString(1), id});
-            SelectIfAsked(id);
+            Write({PercentageText(count, report_.totals.all), "     " + choice.name, choice.id});
+            SelectIfAsked(choice.id);
             ++R_;
         }
     }
 
     void AddMatrix(std::int64_t question) {
-        for (Recordset row = file_.Execute(SubQuestions, {question}); !row.AtEnd();
-             row.MoveNext()) {
-            const std::int64_t id = row.Integer(0);
-            report_.AddEntry(0, id);
+        for (const Choice& sub : ChoicesOf(file_, question)) {
+            report_.AddEntry(0, sub.id);
             ++R_;
-            Write({"", "     " + row.NullToString(1), id});
-            SelectIfAsked(id);
-            report_.AddEntry(0, id);
+            Write({"", "     " + sub.name, sub.id});
+            SelectIfAsked(sub.id);
+            report_.AddEntry(0, sub.id);
             ++R_;
-            AddPoints(id, row);
+            AddPoints(sub);
         }
         // R stays on the last row written, not on the next free one. Required: the graph counts on
         // the entries being one ahead from here.
     }
 
-    void AddPoints(std::int64_t response, const Recordset& row) {
-        const DbValue group = row.IsNull(2) ? DbValue() : DbValue(row.Integer(2));
-        for (Recordset point = file_.Execute(Points, {group}); !point.AtEnd();) {
-            const std::int64_t count = file_.Count(PointCount, {response, point.Integer(0)});
-            Write({PercentageText(count, report_.totals.all), "          " + point.NullToString(1),
-                   response});
-            point.MoveNext();
-            if (!point.AtEnd()) {
+    void AddPoints(const Choice& sub) {
+        const std::vector<Point> points = PointsOf(file_, sub.group);
+        for (std::size_t i = 0; i < points.size(); ++i) {
+            if (i > 0) {
                 ++R_;
-                report_.AddEntry(0, response);
+                report_.AddEntry(0, sub.id);
             }
+            const std::int64_t count = CountOfPoint(file_, sub.id, points[i].id);
+            Write(
+                {PercentageText(count, report_.totals.all), "          " + points[i].name, sub.id});
         }
     }
 
@@ -129,10 +117,7 @@ QString PercentageText(std::int64_t count, std::int64_t total) {
 
 void CheckSummary(Connection& file) {
     file.Execute(Questions);
-    for (const char* sql : {Choices, SubQuestions, Points})
-        file.Execute(sql, {nullptr});
-    for (const char* sql : {ChoiceCount, PointCount})
-        file.Execute(sql, {nullptr, nullptr});
+    CheckCounts(file);
     const bool nobody = file.Execute("SELECT source FROM respondent LIMIT 1").AtEnd();
     if (nobody && !file.Execute("SELECT id FROM respondent_responses LIMIT 1").AtEnd()) {
         SummaryReport report;

@@ -2,11 +2,10 @@
 
 #include <QByteArray>
 
-#include "analysis/AnswerReader.h"
+#include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
 #include "analysis/SaveCommand.h"
 #include "analysis/TableExport.h"
-#include "document/clsQ.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/base/Windows1252.h"
@@ -29,14 +28,67 @@ QByteArray FieldOf(const std::optional<QString>& value) {
     return ToWindows1252(SurveyExport::QuoteMe(*value));
 }
 
-void AddMatrix(QByteArray& line, const std::vector<QByteArray>& subQuestions,
-               const std::vector<QByteArray>& points,
-               const std::vector<const ReportAnswer*>& answers) {
-    for (std::size_t i = 0; i < subQuestions.size(); ++i) {
-        line += subQuestions[i];
-        if (answers[i] && answers[i]->point >= 0)
-            line += points[answers[i]->point];
+class Lines : public AnswerVisitor {
+  public:
+    Lines(BlockWriter& out, const ReportSurvey& layout)
+        : out_(out), line_(out.Text()), points_(FieldsOf(layout.points)) {
+        for (const ReportQuestion& question : layout.questions)
+            responses_.push_back(FieldsOf(question.responses));
     }
+
+    void Begin(const Respondent& respondent) override {
+        line_ += FieldOf(respondent.source);
+        line_ += ", ";
+        if (!respondent.submitteddate)
+            throw Failure(failure::InvalidNull);
+        line_ += FieldOf(GeneralDate(StoredDate(*respondent.submitteddate)));
+    }
+    void OpenEnded(const QuestionAnswers& answers) override {
+        const QString* const answer = answers.Text();
+        line_ += ", ";
+        line_ += answer ? FieldOf(*answer) : QByteArray("\"Data not found\"");
+    }
+    void Choices(const QuestionAnswers& answers) override {
+        for (const ReportAnswer& answer : answers.stored)
+            line_ += responses_[answers.place][answer.response];
+    }
+    void Matrix(const QuestionAnswers& answers) override {
+        const std::vector<const ReportAnswer*>& byResponse = answers.ByResponse();
+        for (std::size_t i = 0; i < byResponse.size(); ++i) {
+            line_ += responses_[answers.place][i];
+            if (byResponse[i] && byResponse[i]->point >= 0)
+                line_ += points_[byResponse[i]->point];
+        }
+    }
+    void End() override {
+        line_ += "\r\n";
+        out_.WriteIfFull();
+    }
+
+  private:
+    BlockWriter& out_;
+    QByteArray& line_;
+    std::vector<QByteArray> points_;
+    std::vector<std::vector<QByteArray>> responses_; // by question
+};
+
+// Each entry of the dialog's list of file types, and what writes it.
+struct ExportFormat {
+    const char* name;
+    const char* pattern;
+    void (*write)(Connection& survey, const QString& path, const ProgressStep& step);
+};
+
+constexpr ExportFormat Formats[] = {
+    {"Comma Seperated Values (*.csv)", "*.csv", &SurveyExport::Write},
+    {"UTF-8 table (*.csv)", "*.csv", &TableExport::Write},
+};
+
+QString FilterOfFormats() {
+    QStringList parts;
+    for (const ExportFormat& format : Formats)
+        parts << format.name << format.pattern;
+    return parts.join('|');
 }
 
 } // namespace
@@ -45,12 +97,11 @@ void SurveyExport::mnuFileExport_Click() {
     FileDialogRequest request;
     request.title = "Save As";
     request.fileName = "SurveyExport.csv";
-    request.filter = "Comma Seperated Values (*.csv)|*.csv|UTF-8 table (*.csv)|*.csv";
+    request.filter = FilterOfFormats();
     request.promptOverwrite = true;
-    RunSaveCommand(state_.dialogs, work_, request, [this](const FileDialogResult& chosen) {
+    RunSaveCommand(state_, work_, request, [this](const FileDialogResult& chosen) {
         work_.Do("Export: respondent", [&](const ProgressStep& step) {
-            const auto write = chosen.filterIndex == 1 ? &TableExport::Write : &Write;
-            write(state_.SurveyConnection, chosen.fileName, step);
+            Formats[chosen.filterIndex].write(state_.SurveyConnection, chosen.fileName, step);
         });
     });
 }
@@ -69,41 +120,9 @@ QString SurveyExport::QuoteMe(const QString& s) {
 
 void SurveyExport::Write(Connection& survey, const QString& path, const ProgressStep& step) {
     BlockWriter out(path);
-    const std::int64_t count = survey.Count("SELECT count(*) FROM respondent");
     const ReportSurvey layout(survey);
-    const std::vector<QByteArray> points = FieldsOf(layout.points);
-    std::vector<std::vector<QByteArray>> responses;
-    for (const ReportQuestion& question : layout.questions)
-        responses.push_back(FieldsOf(question.responses));
-
-    AnswerReader reader(survey, layout);
-    for (std::int64_t done = 0; reader.Next(); ++done) {
-        QByteArray& line = out.Text();
-        line += FieldOf(reader.Current().source);
-        line += ", ";
-        if (!reader.Current().submitteddate)
-            throw Failure(failure::InvalidNull);
-        line += FieldOf(GeneralDate(StoredDate(*reader.Current().submitteddate)));
-        for (std::size_t i = 0; i < layout.questions.size(); ++i) {
-            step(done, count);
-            const ReportQuestion& question = layout.questions[i];
-            const std::span<const ReportAnswer> answers = reader.AnswersTo(i);
-            if (question.qtype == kind::OpenEnded) {
-                line += ", ";
-                line += answers.empty() ? QByteArray("\"Data not found\"")
-                                        : FieldOf(answers.front().simpleresponse);
-            } else if (question.qtype == kind::Matrix) {
-                AddMatrix(line, responses[i], points, reader.AnswersToMatrix(i));
-            } else {
-                for (const ReportAnswer& answer : answers) {
-                    if (answer.response >= 0)
-                        line += responses[i][answer.response];
-                }
-            }
-        }
-        line += "\r\n";
-        out.WriteIfFull();
-    }
+    Lines lines(out, layout);
+    VisitAnswers(survey, layout, lines, step);
     out.Save();
 }
 

@@ -1,14 +1,14 @@
 #include "analysis/TableExport.h"
 
 #include <QHash>
+#include <QRegularExpression>
 #include <QSet>
 
 #include <algorithm>
 
-#include "analysis/AnswerReader.h"
+#include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
 #include "document/clsQ.h"
-#include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
 
@@ -18,10 +18,20 @@ namespace {
 
 constexpr const char* Utf8Mark = "\xEF\xBB\xBF";
 
+// A spreadsheet takes such a text for a formula and works it out, whoever has sent it. An
+// apostrophe in front makes it a text. A number stays one.
+bool LooksLikeFormula(const QString& text) {
+    static const QRegularExpression number(R"(^[-+]?\d+([.,]\d+)?$)");
+    return !text.isEmpty() && QStringView(u"=+-@\t\r").contains(text[0]) &&
+           !number.match(text).hasMatch();
+}
+
 // Quoted only where it must be: readers that know no quotes can then read most files, and the byte
 // order mark never stands in front of a quote.
 QByteArray Cell(const QString& text) {
     QByteArray cell = text.toUtf8();
+    if (LooksLikeFormula(text))
+        cell.prepend('\'');
     const bool quote = std::any_of(cell.cbegin(), cell.cend(), [](char byte) {
         return byte == '"' || byte == ',' || byte == '\r' || byte == '\n';
     });
@@ -77,39 +87,63 @@ class HeadLine {
     QHash<QString, int> numbers_; // how many are taken of those set behind a title, from 2
 };
 
-// One cell for the answer to a radio question; should a file hold several, none is lost.
-void AddChosen(QByteArray& line, const ReportQuestion& question,
-               std::span<const ReportAnswer> answers) {
-    QStringList names;
-    for (const ReportAnswer& answer : answers) {
-        if (answer.response >= 0)
-            names << question.responses[answer.response];
-    }
-    line += ',' + Cell(names.join("; "));
-}
+class Rows : public AnswerVisitor {
+  public:
+    Rows(BlockWriter& out, const ReportSurvey& layout)
+        : out_(out), line_(out.Text()), points_(CellsOf(layout.points)) {}
 
-// The mean of such a column is the share that the summary shows for the choice.
-void AddTicks(QByteArray& line, const std::vector<const ReportAnswer*>& answers) {
-    for (const ReportAnswer* answer : answers)
-        line += answer ? ",1" : ",0";
-}
-
-void AddPoints(QByteArray& line, const std::vector<QByteArray>& points,
-               const std::vector<const ReportAnswer*>& answers) {
-    for (const ReportAnswer* answer : answers) {
-        line += ',';
-        if (answer && answer->point >= 0)
-            line += points[answer->point];
+    void Begin(const Respondent& respondent) override {
+        line_ += QByteArray::number(static_cast<qlonglong>(respondent.id)) + ',';
+        if (respondent.submitteddate)
+            line_ += IsoDate(StoredDate(*respondent.submitteddate));
+        line_ += ',' + Cell(respondent.source.value_or(QString()));
     }
-}
+
+    // A stored answer without text is an empty cell here.
+    void OpenEnded(const QuestionAnswers& answers) override {
+        line_ += ',';
+        if (!answers.stored.empty())
+            line_ += Cell(answers.stored.front().simpleresponse.value_or(QString()));
+    }
+
+    void Choices(const QuestionAnswers& answers) override {
+        if (HasColumnForEachResponse(answers.question)) {
+            // The mean of such a column is the share that the summary shows for the choice.
+            for (const ReportAnswer* answer : answers.ByResponse())
+                line_ += answer ? ",1" : ",0";
+            return;
+        }
+        // One cell for the answer to a radio question; should a file hold several, none is lost.
+        QStringList names;
+        for (const ReportAnswer& answer : answers.stored)
+            names << answers.question.responses[answer.response];
+        line_ += ',' + Cell(names.join("; "));
+    }
+
+    void Matrix(const QuestionAnswers& answers) override {
+        for (const ReportAnswer* answer : answers.ByResponse()) {
+            line_ += ',';
+            if (answer && answer->point >= 0)
+                line_ += points_[answer->point];
+        }
+    }
+
+    void End() override {
+        line_ += "\r\n";
+        out_.WriteIfFull();
+    }
+
+  private:
+    BlockWriter& out_;
+    QByteArray& line_;
+    std::vector<QByteArray> points_;
+};
 
 } // namespace
 
 void TableExport::Write(Connection& survey, const QString& path, const ProgressStep& step) {
     BlockWriter out(path);
-    const std::int64_t count = survey.Count("SELECT count(*) FROM respondent");
     const ReportSurvey layout(survey);
-    const std::vector<QByteArray> points = CellsOf(layout.points);
 
     QByteArray& line = out.Text();
     line += Utf8Mark;
@@ -120,31 +154,8 @@ void TableExport::Write(Connection& survey, const QString& path, const ProgressS
         head.AddQuestion(question);
     line += "\r\n";
 
-    AnswerReader reader(survey, layout);
-    for (std::int64_t done = 0; reader.Next(); ++done) {
-        const Respondent& respondent = reader.Current();
-        line += QByteArray::number(static_cast<qlonglong>(respondent.id)) + ',';
-        if (respondent.submitteddate)
-            line += IsoDate(StoredDate(*respondent.submitteddate));
-        line += ',' + Cell(respondent.source.value_or(QString()));
-        for (std::size_t i = 0; i < layout.questions.size(); ++i) {
-            step(done, count);
-            const ReportQuestion& question = layout.questions[i];
-            const std::span<const ReportAnswer> answers = reader.AnswersTo(i);
-            if (question.qtype == kind::OpenEnded)
-                line += ',' + (answers.empty()
-                                   ? QByteArray()
-                                   : Cell(answers.front().simpleresponse.value_or(QString())));
-            else if (question.qtype == kind::Radio)
-                AddChosen(line, question, answers);
-            else if (question.qtype == kind::Matrix)
-                AddPoints(line, points, reader.AnswersToMatrix(i));
-            else
-                AddTicks(line, reader.AnswersToMatrix(i));
-        }
-        line += "\r\n";
-        out.WriteIfFull();
-    }
+    Rows rows(out, layout);
+    VisitAnswers(survey, layout, rows, step);
     out.Save();
 }
 

@@ -1,12 +1,16 @@
 #include "analysis/picAnalyse.h"
 
+#include <QBuffer>
+#include <QFileInfo>
 #include <QFormLayout>
 #include <QGroupBox>
 #include <QImage>
+#include <QImageWriter>
 #include <QLabel>
 #include <QPushButton>
 
 #include "analysis/ResponseGraph.h"
+#include "analysis/SaveCommand.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
 #include "platform/charts/Chart.h"
@@ -15,6 +19,7 @@
 #include "platform/controls/RedrawOff.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/controls/Twips.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 
@@ -31,9 +36,23 @@ constexpr int Margin = ToPixels(120);
 constexpr int SmallestText = 6; // points
 constexpr int CellPadding = 12;
 
+// The picture as the bytes of its file, whose kind the name tells; PNG where it tells none.
+QByteArray BytesOf(const QImage& picture, const QString& path) {
+    QByteArray suffix = QFileInfo(path).suffix().toLatin1().toLower();
+    if (!QImageWriter::supportedImageFormats().contains(suffix))
+        suffix = "png";
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, suffix);
+    if (!writer.write(picture))
+        throw Failure(failure::PathOrFileAccess, path + ": " + writer.errorString());
+    return bytes;
+}
+
 } // namespace
 
-picAnalyse::picAnalyse(ApplicationState& state, QWidget* parent) : QWidget(parent), state_(state) {
+picAnalyse::picAnalyse(ApplicationState& state, const LongWork& work, QWidget* parent)
+    : QWidget(parent), state_(state), work_(work) {
     setObjectName("picAnalyse");
     picSummaryReport_ = new QWidget(this);
     picSummaryReport_->setObjectName("picSummaryReport");
@@ -73,13 +92,13 @@ picAnalyse::picAnalyse(ApplicationState& state, QWidget* parent) : QWidget(paren
     c_ = new Chart(this);
     c_->setObjectName("c");
     c_->setAccessibleName("Graph");
-    c_->SavePicture = [this](const QImage& picture) { RunHandler([&] { SavePicture(picture); }); };
-    cmdExpand_ = new QPushButton("Expand Graph", this);
+    c_->SavePicture = [this](const QImage& picture) { SavePicture(picture); };
+    cmdExpand_ = new QPushButton(this);
     cmdExpand_->setObjectName("cmdExpand");
     cmdExpand_->setAutoDefault(false);
     connect(cmdExpand_, &QPushButton::clicked, this,
             [this] { RunHandler([this] { cmdExpand_Click(); }); });
-    c_->move(GraphLeft, GraphTop);
+    PlaceGraph();
     ShowGraph(false);
 }
 
@@ -217,21 +236,19 @@ void picAnalyse::ShowGraph(bool on) {
         Form_Resize(); // the grid takes the room that the graph leaves
 }
 
-bool picAnalyse::IsExpanded() const {
-    return cmdExpand_->text() == "Shrink Graph";
+void picAnalyse::PlaceGraph() {
+    cmdExpand_->setText(isExpanded_ ? "Shrink Graph" : "Expand Graph");
+    c_->move(isExpanded_ ? QPoint(picSummaryReport_->x() + ToPixels(50), 0)
+                         : QPoint(GraphLeft, GraphTop));
 }
 
 void picAnalyse::cmdExpand_Click() {
     c_->raise();
     cmdExpand_->raise();
-    if (!IsExpanded()) {
-        c_->move(picSummaryReport_->x() + ToPixels(50), 0);
-        cmdExpand_->setText("Shrink Graph");
-    } else {
+    isExpanded_ = !isExpanded_;
+    if (!isExpanded_)
         gSummaryReport_->raise();
-        c_->move(GraphLeft, GraphTop);
-        cmdExpand_->setText("Expand Graph");
-    }
+    PlaceGraph();
     if (Form_Resize)
         Form_Resize();
 }
@@ -242,14 +259,9 @@ void picAnalyse::SavePicture(const QImage& picture) {
     request.fileName = "Graph.png";
     request.filter = "Portable Network Graphics (*.png)|*.png";
     request.promptOverwrite = true;
-    try {
-        const QString path = state_.dialogs.ShowSave(request).fileName;
-        if (!picture.save(path))
-            state_.dialogs.MsgBox("Unable to write to file " + path, MsgIcon::Critical);
-    } catch (const Failure& failure) {
-        if (failure.Number() != failure::DialogCancelled)
-            throw;
-    }
+    RunSaveCommand(state_, work_, request, [&](const FileDialogResult& chosen) {
+        WriteWholeFile(chosen.fileName, BytesOf(picture, chosen.fileName));
+    });
 }
 
 // The button stands on the chart's corner, where the last label would be.
@@ -280,17 +292,16 @@ void picAnalyse::LayOut(int windowWidth, int windowHeight) {
         if (width > 0 && height > 0)
             control->setGeometry(left, top, width, height);
     };
-    const bool expanded = IsExpanded();
     place(c_, c_->x(), c_->y(), windowWidth - c_->x(),
-          windowHeight - c_->y() - ToPixels(expanded ? 2500 : 2700));
+          windowHeight - c_->y() - ToPixels(isExpanded_ ? 2500 : 2700));
     const QSize button = cmdExpand_->sizeHint();
     place(cmdExpand_, windowWidth - button.width() - ToPixels(350),
-          windowHeight - button.height() - ToPixels(expanded ? 2700 : 2600), button.width(),
+          windowHeight - button.height() - ToPixels(isExpanded_ ? 2700 : 2600), button.width(),
           button.height());
     LeaveRoomForButton();
 
     // The expanded graph doesn't reach to the left edge: a strip of the title would show beside it.
-    const bool titleShows = !expanded || c_->isHidden();
+    const bool titleShows = !isExpanded_ || c_->isHidden();
     picTitleAnalyse_->setVisible(titleShows);
     lblInstructions_->setVisible(titleShows);
     place(picTitleAnalyse_, 0, 0, width(), ScreenTitleHeight);

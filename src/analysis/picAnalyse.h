@@ -17,11 +17,13 @@ namespace pollarix {
 class Chart;
 class ComboBox;
 class Grid;
+class LongWork;
 
 class picAnalyse : public QWidget {
     Q_OBJECT
   public:
-    picAnalyse(ApplicationState& state, QWidget* parent);
+    // The graph's picture is not saved while the long work runs.
+    picAnalyse(ApplicationState& state, const LongWork& work, QWidget* parent);
 
     // Steps of the start-up, in their order.
     void AddFirstSummaryEntry();
@@ -53,10 +55,12 @@ class picAnalyse : public QWidget {
     void ShowGraph(bool on);
     void cmdExpand_Click();
     void SavePicture(const QImage& picture);
-    bool IsExpanded() const;
+    void PlaceGraph();
 
     ApplicationState& state_;
+    const LongWork& work_;
     SummaryReport summary_;
+    bool isExpanded_ = false; // the graph covers the rest of the screen
 
     QLabel* picTitleAnalyse_;
     QLabel* lblInstructions_;

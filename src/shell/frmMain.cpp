@@ -67,7 +67,7 @@ void frmMain::BuildPanels() {
     picDesign_ = new picDesign(state_, canvas_);
     picCollect_ = new picCollect(state_, canvas_);
     picCollect_->RespondentList().ShowScreen = [this](const QString& name) { ShowScreen(name); };
-    picAnalyse_ = new picAnalyse(state_, canvas_);
+    picAnalyse_ = new picAnalyse(state_, work_, canvas_);
     picAnalyse_->Form_Resize = [this] { Form_Resize(); };
     ToolBarTopLine_ = new QFrame(canvas_);
     ToolBarTopLine_->setObjectName("ToolBarTopLine");

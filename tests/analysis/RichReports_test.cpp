@@ -125,7 +125,9 @@ Taste	[o	o	o	]
 )");
 }
 
-TEST_F(RichReports, PaperNeedsSubQuestionsButNoQuestions) {
+TEST_F(RichReports, PaperNeedsSubQuestionsWithScalesButNoQuestions) {
+    Sql("UPDATE response SET responseMatrixGroupID = NULL WHERE id = 6");
+    EXPECT_EQ(NumberOf([&] { Written(&PaperSurvey::Write); }), failure::InvalidNull);
     Sql("DELETE FROM response WHERE questionid = 13");
     EXPECT_EQ(NumberOf([&] { Written(&PaperSurvey::Write); }), failure::NoCurrentRecord);
     Sql("DELETE FROM question");

@@ -26,23 +26,31 @@ TEST_F(SurveyExportTest, OneRecordARespondentInOneByteACharacter) {
 }
 
 TEST_F(SurveyExportTest, TheTableHasTheSameColumnsInEveryRow) {
-    // Two answers to a radio question, a Null answer, a cell that is all quotes, names alike.
+    // Two answers to a radio question, a Null answer, a cell that is all quotes, names alike,
+    // texts that a spreadsheet would work out.
     Sql("INSERT INTO respondent (id, submitteddate) VALUES (3, '2024-03-06 01:02:03.999');\n"
         "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, SimpleResponse) "
         "VALUES (3, 14, 5, ''), (3, 14, 4, ''), (3, 11, 1, NULL), (3, 16, 1, '\"'), (3, 15, 1, "
         "'');\n"
         "UPDATE response SET name = 'Leek%2' WHERE id IN (1, 3);\n"
-        "UPDATE question SET question = 'Two' || char(13, 10) || 'lines' WHERE id = 16");
+        "UPDATE question SET question = 'Two' || char(13, 10) || 'lines' WHERE id = 16;\n"
+        "UPDATE question SET questionno = '=3' WHERE id = 14;\n"
+        "UPDATE responsematrix SET name = '@No' WHERE id = 512;\n"
+        "INSERT INTO respondent (id, submitteddate, source) VALUES (4, '2024-03-07', '+1 2'), "
+        "(5, '2024-03-08', '-1,5'), (6, '2024-03-09', '-A1')");
     EXPECT_EQ(
         Exported<TableExport>(),
         "\xEF\xBB\xBFRespondent id,Submitted,Source,1. What do you think of us?,"
         "\"2. Which soups, if any?: Pea, \"\"green\"\"\",\"2. Which soups, if any?: Leek%2\","
-        "\"2. Which soups, if any?: Leek%2 (2)\",3. The best one ☺?,4. Rate us: Service,"
+        "\"2. Which soups, if any?: Leek%2 (2)\",'=3. The best one ☺?,4. Rate us: Service,"
         "4. Rate us: Price,4. Rate us: Taste,Two lines\r\n"
         "2,2024-03-04 00:00:00,Web,,0,0,0,,,,,\r\n"
         "1,2024-03-05 14:30:15,Manual Entry,\"Fine, \"\"really\"\"\r\nŽluťoučký €\",1,0,1,Leek,"
-        "Bad,,No,\r\n"
-        "3,2024-03-06 01:02:03,,,0,1,0,Leek; Tomato,,,,\"\"\"\"\r\n");
+        "Bad,,'@No,\r\n"
+        "3,2024-03-06 01:02:03,,,0,1,0,Leek; Tomato,,,,\"\"\"\"\r\n"
+        "4,2024-03-07 00:00:00,'+1 2,,0,0,0,,,,,\r\n"
+        "5,2024-03-08 00:00:00,\"-1,5\",,0,0,0,,,,,\r\n"
+        "6,2024-03-09 00:00:00,'-A1,,0,0,0,,,,,\r\n");
 }
 
 TEST_F(SurveyExportTest, ManyBlocksAreWrittenInOrder) {

@@ -29,18 +29,23 @@ void RequireWritable(const QString& path) {
     const QFileInfo info(path);
     if (info.isDir())
         Refuse(path, "it is a directory");
+    // A device or a pipe would be replaced by the file, and lost to all who use it.
+    if (info.exists() && !info.isFile())
+        Refuse(path, "it is no regular file");
     constexpr auto anyWrite =
         QFileDevice::WriteOwner | QFileDevice::WriteGroup | QFileDevice::WriteOther;
     if (info.exists() && !(info.permissions() & anyWrite))
         Refuse(path, "it is read-only");
 }
 
+std::filesystem::path EncodedPath(const QString& path) {
+    return QFile::encodeName(path).toStdString();
+}
+
 void RequireTwoFiles(const QString& from, const QString& to) {
     if (!QFileInfo(from).isFile())
         throw Failure(failure::FileNotFound, "File not found: " + from);
-    const QString source = QFileInfo(from).canonicalFilePath();
-    const QString target = QFileInfo(to).canonicalFilePath();
-    if (source == target)
+    if (IsSameFile(from, to))
         Refuse(to, "a file can't be copied onto itself");
 }
 
@@ -83,6 +88,11 @@ QString NewTempFileName(const QString& directory, const QString& prefix) {
             Refuse(directory, file.errorString());
     }
     Refuse(directory, "no free name for a temporary file");
+}
+
+bool IsSameFile(const QString& one, const QString& other) {
+    std::error_code missing;
+    return std::filesystem::equivalent(EncodedPath(one), EncodedPath(other), missing);
 }
 
 WholeFile::WholeFile(const QString& path) : path_(path), file_(path) {
@@ -158,11 +168,8 @@ PendingCopy::~PendingCopy() {
 
 void PendingCopy::Finish() {
     SyncToDisk(path_);
-    const auto encoded = [](const QString& path) {
-        return std::filesystem::path(QFile::encodeName(path).toStdString());
-    };
     std::error_code why;
-    std::filesystem::rename(encoded(path_), encoded(target_), why);
+    std::filesystem::rename(EncodedPath(path_), EncodedPath(target_), why);
     if (why)
         Refuse(target_, QString::fromLocal8Bit(why.message().c_str()));
     path_.clear();

@@ -11,10 +11,14 @@ namespace pollarix {
 // full path. Throws PathOrFileAccess, naming the directory.
 QString NewTempFileName(const QString& directory, const QString& prefix);
 
+// Whether both paths lead to one file: by another spelling, a link or a second name of it. False
+// where one leads nowhere.
+bool IsSameFile(const QString& one, const QString& other);
+
 // Copies a file over another or to a new one. The target is replaced only when the copy is whole on
 // the disk, and keeps its old content at any failure. Throws FileNotFound for a missing source and
-// PathOrFileAccess for a copy onto itself, a target that may not be written and anything the system
-// says; the path is named.
+// PathOrFileAccess for a copy onto itself, a target that may not be written or is no regular file,
+// and anything the system says; the path is named.
 void CopyFileOver(const QString& from, const QString& to);
 
 // A copy of a file that lies beside its later name until it is finished, so that it can be changed
@@ -38,7 +42,8 @@ class PendingCopy {
 };
 
 // Writes a file piece by piece, in bounded memory and in the same way: only Finish replaces the
-// target, and without it the target keeps its old content. All throw PathOrFileAccess with the
+// target, and without it the target keeps its old content. A target that is there and no regular
+// file is refused. All throw PathOrFileAccess with the
 // path and the system's words.
 class WholeFile {
   public:

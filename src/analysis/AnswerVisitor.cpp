@@ -1,0 +1,38 @@
+#include "analysis/AnswerVisitor.h"
+
+#include "document/clsQ.h"
+#include "platform/base/Failure.h"
+
+namespace pollarix {
+
+const QString* QuestionAnswers::Text() const {
+    if (stored.empty())
+        return nullptr;
+    if (!stored.front().simpleresponse)
+        throw Failure(failure::InvalidNull);
+    return &*stored.front().simpleresponse;
+}
+
+void VisitAnswers(Connection& survey, const ReportSurvey& layout, AnswerVisitor& visitor,
+                  const ProgressStep& step) {
+    const std::int64_t count = survey.Count("SELECT count(*) FROM respondent");
+    AnswerReader reader(survey, layout);
+    for (std::int64_t done = 0; reader.Next(); ++done) {
+        visitor.Begin(reader.Current());
+        for (std::size_t place = 0; place < layout.questions.size(); ++place) {
+            step(done, count);
+            const ReportQuestion& question = layout.questions[place];
+            visitor.Ask(place, question);
+            const QuestionAnswers answers{place, question, reader.AnswersTo(place), reader};
+            if (question.qtype == kind::OpenEnded)
+                visitor.OpenEnded(answers);
+            else if (question.qtype == kind::Matrix)
+                visitor.Matrix(answers);
+            else
+                visitor.Choices(answers);
+        }
+        visitor.End();
+    }
+}
+
+} // namespace pollarix
