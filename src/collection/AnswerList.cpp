@@ -166,11 +166,10 @@ bool AnswerList::eventFilter(QObject* watched, QEvent* event) {
         if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
             ensureWidgetVisible(static_cast<QWidget*>(watched));
     } else if (event->type() == QEvent::KeyPress) {
-        // On some desktops Enter would press the button.
+        // On some desktops Enter would press the button. It is the window's.
         const auto& key = static_cast<const QKeyEvent&>(*event);
         if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
-            if (Enter && !key.isAutoRepeat())
-                Enter();
+            event->ignore();
             return true;
         }
     }

@@ -6,7 +6,6 @@
 #include <QScrollArea>
 
 #include <cstdint>
-#include <functional>
 #include <vector>
 
 class QAbstractButton;
@@ -39,9 +38,6 @@ class AnswerList : public QScrollArea {
     void FocusButton(int i);
     // The button that the Tab key would come to: the chosen one of radio buttons, else the first.
     int EntryButton() const;
-
-    // Enter was pressed on a button, which is no use of it.
-    std::function<void()> Enter;
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

@@ -1,21 +1,23 @@
 // Manual entry: one respondent's answers are typed in or changed, one question a page. It works on
-// the tables of the open file; each page turn is written at once, as one batch.
+// the tables of the open file; each page turn is written at once, as one batch. What a page shows
+// and stores is its own class for each shape of answer.
 #pragma once
 
 #include <QDialog>
+
+#include <array>
 
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
 
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 class QScrollArea;
 
 namespace pollarix {
 
-class AnswerList;
-class Grid;
+class AnswerPage;
+struct AnswerPlace;
 
 class frmManualResponse : public QDialog {
     Q_OBJECT
@@ -41,31 +43,14 @@ class frmManualResponse : public QDialog {
     void BuildAnswers();
     void BuildFooter();
     void FitQuestion();
-    void ShowPanel(QWidget* panel);
-    bool HasAnswers() const; // the page shows something to answer with
     void Form_Load();
 
-    void ShowOpenEnded(std::int64_t question);
-    int LoadAnswers(AnswerList& list, std::int64_t question);
-    bool IsAnswered(std::int64_t response, std::int64_t question);
-    void ShowCheck(std::int64_t question);
-    void ShowRadio(std::int64_t question);
-    void ShowMatrix(std::int64_t question);
-    bool LoadMatrixRows(std::int64_t question, std::int16_t& group);
-    bool LoadMatrixPoints(std::int16_t group);
-    void LoadMatrixAnswers(std::int64_t question);
-    void AddMatrixHead(int row, int col, const QString& text);
-    int ChosenCol(int row) const;
-
-    void StoreOpenEnded(std::int64_t question);
-    void StoreChecked(const AnswerList& list, std::int64_t question);
-    void StoreMatrix(std::int64_t question);
-
+    AnswerPage* Page() const; // of the kind of question that shows; none for a text
+    void ShowPage(const AnswerPlace& place);
+    void PlaceFocus(bool isLost); // whether it was in what does not show any more
     bool MoveTo(std::int32_t position);
     void cmdDCAnswersNext_Click();
     void cmdDCAnswersPrevious_Click();
-    void gMatrix_Click();
-    void gMatrix_KeyDown(QKeyEvent& event);
 
     ApplicationState& state_;
     ManualEntryState& entry_;
@@ -75,12 +60,7 @@ class frmManualResponse : public QDialog {
     QLabel* lblDCQuestion_;
     QScrollArea* scrollDCQuestion_;
     QWidget* picDCAnswers_;
-    QWidget* picDCResponseSimple_;
-    QPlainTextEdit* txtDCSimpleResponse_;
-    AnswerList* chkDCCheck_; // picDCResponseCheck
-    AnswerList* optDCRadio_; // picDCResponseRadio
-    QWidget* picDCResponseMatrix_;
-    Grid* gMatrix_;
+    std::array<AnswerPage*, 4> pages_{}; // by kind of question
     QPushButton* cmdDCAnswersPrevious_;
     QPushButton* cmdDCAnswersNext_;
     QPushButton* cmdDCAnswersCancel_;

@@ -200,9 +200,9 @@ void picRespondentList::FillExampleQuestions() {
     lblSample_->setVisible(any);
     if (any) {
         ExampleQuestionEventsOn = false;
-        // By position and not by question. It fails where there are fewer questions now, and leaves
-        // none selected and the events off until the next refresh. Required.
-        cboDCExampleQuestion_->SetListIndex(remembered);
+        // By position and not by question. Where there are fewer questions now, by none.
+        cboDCExampleQuestion_->SetListIndex(
+            remembered < cboDCExampleQuestion_->ListCount() ? remembered : -1);
         if (cboDCExampleQuestion_->ListIndex() == -1) {
             cboDCExampleQuestion_->SetListIndex(0);
             cboDCExampleQuestion_->setVisible(true);
@@ -315,8 +315,8 @@ void picRespondentList::EnterAnswers() {
         frmManualResponse form(state_, entry_, window());
         form.exec();
     }
-    if (ShowScreen)
-        ShowScreen("Respondent");
+    if (ShowRespondentScreen)
+        ShowRespondentScreen();
     RefreshRespondentList(1, 0);
 }
 

@@ -31,16 +31,17 @@ class picRespondentList : public QWidget {
     // Rebuilds the list, newest first; of equal dates the higher id comes first. Row is the grid
     // row to select, overridden by the row of the respondent with RespondentID if it is listed.
     // While the list is hidden, the respondents are read when it is shown; until then it is its
-    // head alone. Throws what the database throws, and InvalidArgument where the survey has fewer
-    // sample questions than the index that is kept; no respondent is listed then.
+    // head alone. Throws what the database throws; no respondent is listed then. The sample
+    // question is the one at the place of the one before, the first where there is none at that
+    // place.
     void RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID);
 
     // Places what lies inside. The window's outer size, and the height that shows of this panel, in
     // pixels.
     void LayOut(int windowWidth, int windowHeight, int visibleHeight);
 
-    // Shows a screen of the main window; set by it.
-    std::function<void(const QString& name)> ShowScreen;
+    // Shows the screen of the main window that this list is on; set by it.
+    std::function<void()> ShowRespondentScreen;
 
     // False while a refresh sets the combo's index, so that its click does not refresh again.
     bool ExampleQuestionEventsOn = false;

@@ -66,7 +66,7 @@ void frmMain::BuildPanels() {
     picToolbar_->setObjectName("picToolbar");
     picDesign_ = new picDesign(state_, canvas_);
     picCollect_ = new picCollect(state_, canvas_);
-    picCollect_->RespondentList().ShowScreen = [this](const QString& name) { ShowScreen(name); };
+    picCollect_->RespondentList().ShowRespondentScreen = [this] { ShowScreen("Respondent"); };
     picAnalyse_ = new picAnalyse(state_, work_, canvas_);
     picAnalyse_->Form_Resize = [this] { Form_Resize(); };
     ToolBarTopLine_ = new QFrame(canvas_);

@@ -8,6 +8,8 @@
 #include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScreen>
+#include <QSet>
 #include <QTest>
 #include <QTimer>
 
@@ -40,6 +42,19 @@ struct EntryPage {
     }
     QString FocusedControl() const {
         return window.focusWidget() ? window.focusWidget()->objectName() : QString();
+    }
+    // How many colours stand on the screen where the answers are.
+    qsizetype ColoursOfAnswers() const {
+        const auto& answers = Find<QWidget>("picDCAnswers");
+        const QImage image = window.screen()
+                                 ->grabWindow(window.winId())
+                                 .toImage()
+                                 .copy(QRect(answers.mapTo(&window, QPoint()), answers.size()));
+        QSet<QRgb> colours;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                colours << image.pixel(x, y);
+        return colours.size();
     }
     // Numbers of the answers that are on.
     QList<int> Chosen(const char* array) const {

@@ -1,0 +1,49 @@
+#include "collection/TextPage.h"
+
+#include <QPlainTextEdit>
+#include <QTextDocument>
+
+namespace pollarix {
+
+namespace {
+
+// As it was typed: the editor's own way out would turn no-break spaces into plain ones.
+QString TypedText(const QPlainTextEdit& editor) {
+    QString text = editor.document()->toRawText();
+    text.replace(QChar::ParagraphSeparator, "\r\n").replace(QChar::LineSeparator, "\r\n");
+    return text;
+}
+
+} // namespace
+
+TextPage::TextPage(QWidget* parent)
+    : AnswerPage("picDCResponseSimple", parent), txtDCSimpleResponse_(new QPlainTextEdit) {
+    txtDCSimpleResponse_->setObjectName("txtDCSimpleResponse");
+    txtDCSimpleResponse_->setAccessibleName("Answer");
+    txtDCSimpleResponse_->setTabChangesFocus(true);
+    Fill(*txtDCSimpleResponse_);
+}
+
+void TextPage::ShowAnswer(const AnswerPlace& place) {
+    txtDCSimpleResponse_->setPlainText({});
+    const Recordset answer = place.file.Execute(
+        "SELECT simpleresponse FROM Respondent_Responses WHERE questionid = ? AND respondentid = ? "
+        "ORDER BY id",
+        {place.question, place.respondent});
+    if (!answer.AtEnd())
+        txtDCSimpleResponse_->setPlainText(answer.Text(0));
+}
+
+std::int16_t TextPage::Store(const AnswerPlace& place) {
+    TableInsert insert(place.file, "Respondent_Responses",
+                       {"QuestionID", "RespondentID", "ResponseID", "SimpleResponse"});
+    // 1 refers to nothing: an open ended question has no responses.
+    insert.Add({place.question, place.respondent, 1, TypedText(*txtDCSimpleResponse_)});
+    return NoJump;
+}
+
+void TextPage::TakeFocus() {
+    txtDCSimpleResponse_->setFocus();
+}
+
+} // namespace pollarix
