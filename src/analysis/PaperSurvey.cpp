@@ -1,5 +1,7 @@
 #include "analysis/PaperSurvey.h"
 
+#include <algorithm>
+
 #include "analysis/AnswerCounts.h"
 #include "analysis/SaveCommand.h"
 #include "document/clsQ.h"
@@ -45,11 +47,10 @@ void AppendMatrix(RichTextFileWriter& out, Connection& survey, std::int64_t ques
 
 // The answers stand in the order in which they were made, not in that of the screen.
 void AppendChoices(RichTextFileWriter& out, Connection& survey, std::int64_t questionId) {
-    for (Recordset rows = survey.Execute(
-             "SELECT response.name FROM response WHERE response.questionid = ? ORDER BY id",
-             {questionId});
-         !rows.AtEnd(); rows.MoveNext()) {
-        out.Append('\t' + rows.NullToString("name"));
+    std::vector<Choice> choices = ChoicesOf(survey, questionId);
+    std::ranges::sort(choices, {}, &Choice::id);
+    for (const Choice& choice : choices) {
+        out.Append('\t' + choice.name);
         AppendBox(out, u"\to");
         out.Append(u"\r\n");
     }

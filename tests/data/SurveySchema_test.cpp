@@ -30,15 +30,6 @@ class SurveySchema : public testing::Test {
     std::string Text(const std::string& sql) { return survey_.execAndGet(sql).getString(); }
     std::int64_t Number(const std::string& sql) { return survey_.execAndGet(sql).getInt64(); }
 
-    std::string Plan(const std::string& sql) {
-        SQLite::Statement explain(survey_, "EXPLAIN QUERY PLAN " + sql);
-        std::string plan;
-        while (explain.executeStep()) {
-            plan += explain.getColumn(3).getString() + '\n';
-        }
-        return plan;
-    }
-
   private:
     QTemporaryDir directory_;
 
@@ -116,46 +107,6 @@ TEST_F(SurveySchema, ComparesSourcesWithoutCaseAndKeepsNullFromEmpty) {
     EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source='Manual Entry'"), 1);
     EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source=''"), 1);
     EXPECT_EQ(Number("SELECT count(*) FROM respondent WHERE source IS NULL"), 1);
-}
-
-// Every statement that reads or deletes answers finds them through an index, and the counts never
-// touch the table.
-TEST_F(SurveySchema, NoStatementScansTheAnswers) {
-    const std::vector<std::pair<std::string, std::string>> statements = {
-        {"SELECT simpleresponse FROM respondent_responses WHERE respondentid = ? AND questionid = "
-         "?",
-         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
-        {"DELETE FROM respondent_responses WHERE respondentid = ?",
-         "answers_by_respondent (RespondentID=?)"},
-        {"SELECT response.name FROM respondent_responses, response WHERE "
-         "respondent_responses.responseid = response.id AND response.questionid = ? AND "
-         "respondent_responses.questionid = ? AND respondent_responses.respondentid = ?",
-         "answers_by_respondent (RespondentID=? AND QuestionID=?)"},
-        {"SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND questionid = ?",
-         "COVERING INDEX answers_by_response (ResponseID=?)"},
-        {"SELECT COUNT(*) FROM respondent_responses WHERE responseid = ? AND responseMatrixID = ?",
-         "COVERING INDEX answers_by_response (ResponseID=? AND ResponseMatrixID=?)"},
-    };
-    for (const auto& [sql, wanted] : statements) {
-        const std::string plan = Plan(sql);
-        EXPECT_NE(plan.find(wanted), std::string::npos) << sql << '\n' << plan;
-        EXPECT_EQ(plan.find("SCAN"), std::string::npos) << sql << '\n' << plan;
-    }
-}
-
-// Lists come out of an index in their order, so that their first rows cost no more than themselves.
-TEST_F(SurveySchema, OrdersNeedNoSort) {
-    for (const char* sql :
-         {"SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate DESC",
-          "SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate DESC, id DESC",
-          "SELECT id, submitteddate, source FROM respondent ORDER BY submitteddate, id",
-          "SELECT * FROM question ORDER BY pos", "SELECT id FROM question WHERE pos = ?",
-          "SELECT id, name FROM response WHERE questionid = ? ORDER BY pos",
-          "SELECT name FROM responsematrix WHERE responsematrixgroupid = ? ORDER BY pos"}) {
-        const std::string plan = Plan(sql);
-        EXPECT_EQ(plan.find("TEMP B-TREE"), std::string::npos) << sql << '\n' << plan;
-        EXPECT_NE(plan.find("INDEX"), std::string::npos) << sql << '\n' << plan;
-    }
 }
 
 } // namespace

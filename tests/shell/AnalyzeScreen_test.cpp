@@ -209,6 +209,7 @@ TEST_F(AnalyzeScreen, TheGraphHasTwelveStylesTwoSizesAndAPicture) {
     for (const auto& [text, type] : Styles) {
         EXPECT_EQ(style->currentText(), text);
         EXPECT_EQ(chart->chartType(), type) << text;
+        QTest::qWait(1); // painted
         const QImage picture =
             OnScreen().copy(QRect(chart->mapTo(window.get(), QPoint()), chart->size()));
         seen << QByteArray(reinterpret_cast<const char*>(picture.constBits()),
@@ -225,7 +226,7 @@ TEST_F(AnalyzeScreen, TheGraphHasTwelveStylesTwoSizesAndAPicture) {
     EXPECT_EQ(expand->text(), "Shrink Graph");
     EXPECT_EQ(chart->pos(), QPoint(ToPixels(50), 0));
     EXPECT_EQ(chart->geometry().right(), small.right());
-    EXPECT_EQ(chart->geometry().bottom(), small.bottom() + ToPixels(200));
+    EXPECT_EQ(chart->geometry().bottom(), small.bottom() + ToPixels(2700) - ToPixels(2500));
     EXPECT_TRUE(!IsOnTop(grid) && !IsOnTop(style) && IsOnTop(chart) && IsOnTop(expand));
     QTest::mouseClick(expand, Qt::LeftButton);
     EXPECT_EQ(expand->text(), "Expand Graph");
@@ -233,7 +234,9 @@ TEST_F(AnalyzeScreen, TheGraphHasTwelveStylesTwoSizesAndAPicture) {
     EXPECT_TRUE(IsOnTop(grid) && IsOnTop(style) && IsOnTop(chart) && IsOnTop(expand));
 
     // The name tells the kind of the file; one that tells none makes a PNG.
+    chart->setFocus();
     QTest::keyClick(chart, Qt::Key_C, Qt::ControlModifier);
+    DoEvents();
     const QImage copied = QApplication::clipboard()->image();
     for (const auto& [name, format] : {std::pair("graph.png", "png"),
                                        {"graph.jpg", "jpeg"},

@@ -267,69 +267,6 @@ TEST_F(MainWindowTest, TheEditMenuSendsKeysToTheFocusedControl) {
     EXPECT_TRUE(failures.empty());
 }
 
-TEST_F(MainWindowTest, TheAnalyzeScreenCountsAndDraws) {
-    const QString path = program.BlankSurvey("answers.plxs");
-    RunSql(path,
-           {"INSERT INTO question (question, questionno, qtype, pos) VALUES ('Which?', '1', 2, 1), "
-            "('Say', '2', 0, 2)",
-            "INSERT INTO response (questionid, name, pos, responseMatrixGroupID) VALUES "
-            "(1, 'a', 1, 2), (1, 'b', 2, 2)",
-            "INSERT INTO respondent (source) VALUES ('Web'), ('Manual Entry')",
-            "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
-            "SimpleResponse) VALUES (1, 1, 2, '')"});
-    Start(path);
-    auto* grid = Find<Grid>("gSummaryReport");
-    auto* chart = Find<Chart>("c");
-    EXPECT_TRUE(chart->isHidden());
-    Menu("mnuAnalyseSummary");
-    ASSERT_EQ(grid->Rows(), 5);
-    EXPECT_EQ(grid->TextMatrix(3, 0), "50%");
-    EXPECT_EQ(grid->Row(), 1);
-    EXPECT_EQ(Find<QLabel>("lblTotalRespondents")->text(), "2");
-    EXPECT_EQ(Find<QLabel>("lblTotalManualEntry")->text(), "1");
-
-    const auto click = [&](int row) {
-        const QModelIndex cell = grid->model()->index(row - 1, 1);
-        grid->scrollTo(cell);
-        QTest::mouseClick(grid->viewport(), Qt::LeftButton, {}, grid->visualRect(cell).center());
-    };
-    click(3);
-    EXPECT_TRUE(chart->isVisible());
-    ASSERT_EQ(chart->ChartData().size(), 2u);
-    EXPECT_EQ(chart->ChartData()[1].label, " b");
-    EXPECT_EQ(chart->ChartData()[1].value, 1);
-
-    // The key draws the row being left.
-    QTest::keyClick(grid, Qt::Key_Up);
-    QTest::keyClick(grid, Qt::Key_Up);
-    EXPECT_EQ(grid->Row(), 1);
-    EXPECT_TRUE(chart->isVisible());
-    QTest::keyClick(grid, Qt::Key_Down);
-    EXPECT_TRUE(chart->isHidden());
-
-    Menu("mnuAnalyseTotRespondents");
-    EXPECT_EQ(dialogs.TakeTexts(), QStringList("2 respondents have completed this survey."));
-
-    // Another survey that is opened behind the screen is counted anew.
-    RunSql(path, {"DELETE FROM respondent_responses"});
-    dialogs.answers = {MsgAnswer::No};
-    dialogs.fileNames = {{path, 0}};
-    Menu("mnuFileOpen");
-    EXPECT_EQ(grid->TextMatrix(3, 0), "0.0%");
-    dialogs.TakeTexts();
-    EXPECT_TRUE(failures.empty());
-
-    // A failure leaves what was counted until then.
-    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Imported')",
-                  "ALTER TABLE response RENAME COLUMN pos TO place"});
-    Menu("mnuViewAnalyse");
-    EXPECT_EQ(failures.size(), 1u);
-    EXPECT_EQ(Find<QLabel>("lblTotalImported")->text(), "1");
-    EXPECT_EQ(grid->Rows(), 2);
-    click(1);
-    EXPECT_TRUE(chart->isHidden());
-}
-
 TEST_F(MainWindowTest, NothingElseStartsWhileLongWorkRuns) {
     const QString path = program.BlankSurvey("tea.plxs");
     RunSql(path,

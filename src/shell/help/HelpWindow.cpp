@@ -133,6 +133,11 @@ QWidget* HelpWindow::BuildIndex() {
     column->addWidget(label);
     column->addWidget(txtIndex_);
     column->addWidget(index_, 1);
+    // What F1 asks for has an entry of its own, without a name: an empty line before all others.
+    connect(index_->model(), &QAbstractItemModel::modelReset, index_, [this] {
+        for (int row = 0; row < index_->model()->rowCount(); ++row)
+            index_->setRowHidden(row, index_->model()->index(row, 0).data().toString().isEmpty());
+    });
     connect(txtIndex_, &QLineEdit::textChanged, this,
             [this](const QString& text) { index_->filterIndices(text); });
     connect(txtIndex_, &QLineEdit::returnPressed, index_, &QHelpIndexWidget::activateCurrentItem);
