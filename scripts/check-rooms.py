@@ -27,7 +27,7 @@ DOCUMENT = ["platform/base", "platform/files", "platform/database", "platform/ri
             "platform/desktop/Dialogs.h"]
 # Counting asks nobody: not even the dialogs.
 STATISTICS = ["document", "platform/base", "platform/database", "platform/richtext"]
-SCREEN = ["document", "statistics", "exchange", *PLATFORM]
+SCREEN = ["document", "statistics", "labelled", "exchange", *PLATFORM]
 # The survey server knows nothing of the desktop program but what both exchange.
 SERVER = {
     "exchange": [],
@@ -45,6 +45,7 @@ ROOMS = {
     "server/app": list(SERVER),
     "document": DOCUMENT,
     "statistics": STATISTICS,
+    "labelled": ["statistics", "platform/files", *STATISTICS],
     "design": SCREEN,
     "collection": SCREEN,
     "analysis": SCREEN,

@@ -1,6 +1,8 @@
-# Does the sums of tools/statistics in R, from the answers that it wrote, into peers.tsv beside them.
+# Does the sums of tools/statistics in R, from the answers that it wrote, into R.tsv beside them, and
+# reads the files with labels. Ends with a failure when one of these does not hold the same answers.
 #   Rscript scripts/check-statistics.R DIRECTORY
 suppressMessages(library(survey))
+suppressMessages(library(haven))
 directory <- commandArgs(TRUE)[1]
 d <- read.csv(file.path(directory, "answers.csv"))
 out <- file(file.path(directory, "R.tsv"), "w")
@@ -129,3 +131,39 @@ if (nrow(d) >= 100) {
   tell("svymean.sd", sqrt(coef(svyvar(~q3, aged))))
 }
 close(out)
+
+# Files with labels: the rows are in the same order. Each has the label of the question, those of the
+# numbers, and the two kinds of missing values.
+path <- function(name) file.path(directory, name)
+sav <- read_sav(path("labelled.sav"), user_na = TRUE)
+dta <- read_dta(path("labelled.dta"))
+source(path("labelled.R"), chdir = TRUE)
+levels_of_sav <- system2("pspp", c("-O", "format=csv"), stdout = TRUE,
+                         input = sprintf("GET FILE='%s'.\nDISPLAY DICTIONARY.", path("labelled.sav")))
+chosen <- setdiff(names(d), c("q7", "weight", "w"))
+for (v in chosen) {
+  x <- as.numeric(sav[[v]])
+  why <- ifelse(x == -2, "Not asked", ifelse(x == -1, "No answer", NA))
+  x[x < 0] <- NA
+  stopifnot(identical(is.na(x), is.na(d[[v]])), all(x == d[[v]], na.rm = TRUE),
+            all(x == as.numeric(dta[[v]]), na.rm = TRUE),
+            identical(is.na(x), is.na(as.numeric(dta[[v]]))),
+            all(x == as.numeric(answers[[v]]), na.rm = TRUE),
+            identical(as.character(why), as.character(missing[[v]])),
+            attr(sav[[v]], "label") == attr(answers[[v]], "label"),
+            attr(dta[[v]], "label") == attr(answers[[v]], "label"))
+  if (v != "q3") { # in .dta only whole numbers have labels
+    tags <- na_tag(dta[[v]])
+    stopifnot(identical(which(tags == "a"), which(why == "No answer")),
+              identical(which(tags == "b"), which(why == "Not asked")))
+    labels <- attr(sav[[v]], "labels")
+    stopifnot(identical(labels[labels >= 0], attr(answers[[v]], "labels")),
+              identical(names(labels), names(attr(dta[[v]], "labels"))))
+  }
+}
+stopifnot(identical(as.character(sav$q7), as.character(dta$q7)),
+          identical(as.character(sav$q7), as.character(gsub("\n", "\r\n", gsub("\r", "", answers$q7)))),
+          all(sav$date == dta$date), all(sav$date == answers$date),
+          all(table(sav$source) == table(answers$source)),
+          any(grepl("How far do you agree\\?: It is easy.*Ordinal", levels_of_sav)),
+          any(grepl("Which region are you from\\?.*Nominal", levels_of_sav)))

@@ -1,18 +1,22 @@
 #!/usr/bin/env python3
-"""Holds the figures of tools/statistics against those of R and PSPP, to six digits.
+"""Holds the figures of tools/statistics against those of R and PSPP, to six digits, and what it wrote as a
+workbook against the same answers.
 
   scripts/check-statistics.py DIRECTORY
 
 The directory holds figures.tsv and answers.csv of the tool and R.tsv of check-statistics.R. PSPP is run
 here. What it prints is rounded; its output file holds the full numbers, one member a table, so a figure
-agrees when the tables of its command hold that number.
+agrees when the tables of its command hold that number. PSPP reads the answers from labelled.sav.
 """
 
+import csv
 import pathlib
 import re
+import shutil
 import struct
 import subprocess
 import sys
+import xml.etree.ElementTree as xml
 import zipfile
 
 ITEMS = ["q5_1", "q5_2", "q5_3", "q5_4"]
@@ -54,10 +58,7 @@ def agree(ours, theirs):
 
 def numbers_of_pspp(directory):
     """A list of the numbers in the tables of each command."""
-    names = (directory / "answers.csv").read_text().splitlines()[0].split(",")
-    variables = " ".join(f"{name} {'F8.2' if name == 'q3' else 'F20.15'}" for name in names)
-    syntax = [f"GET DATA /TYPE=TXT /FILE='{directory}/answers.csv' /ARRANGEMENT=DELIMITED "
-              f"/DELIMITERS=',' /FIRSTCASE=2 /VARIABLES={variables}."]
+    syntax = [f"GET FILE='{directory}/labelled.sav'."]
     syntax += [command for command, _ in COMMANDS]
     (directory / "peers.sps").write_text("\n".join(syntax) + "\n")
     subprocess.run(["pspp", "-O", "format=spv", "-o", directory / "peers.spv",
@@ -74,6 +75,53 @@ def numbers_of_pspp(directory):
             found += [struct.unpack_from("<d", content, i)[0] for i in range(len(content) - 7)]
         numbers.append(found)
     return numbers[len(numbers) - len(COMMANDS):]
+
+
+MAIN = "{http://schemas.openxmlformats.org/spreadsheetml/2006/main}"
+
+
+def rows_of_sheet(archive, number):
+    """The cells of each row that have a value, by the letters of their column."""
+    sheet = xml.fromstring(archive.read(f"xl/worksheets/sheet{number}.xml"))
+    if next(sheet.iter(f"{MAIN}f"), None) is not None:
+        raise ValueError(f"sheet {number} holds a formula")
+    for row in sheet.iter(f"{MAIN}row"):
+        yield {re.match("[A-Z]+", cell.get("r"))[0]:
+               float(cell.find(f"{MAIN}v").text) if cell.get("t") is None
+               else "".join(cell.itertext()) for cell in row}
+
+
+def faults_of_workbook(directory):
+    """What differs between the sheet of numbers and answers.csv, which has the same order."""
+    answers = list(csv.DictReader(open(directory / "answers.csv", encoding="utf-8")))
+    archive = zipfile.ZipFile(directory / "labelled.xlsx")
+    sheets = [list(rows_of_sheet(archive, number)) for number in (1, 2, 3, 4)]
+    names = sheets[1][0]
+    faults = []
+    if any(len(sheet) != len(answers) + 1 for sheet in sheets[:2]):
+        faults.append(f"labelled.xlsx has {len(sheets[1])} rows")
+    for row, answer in zip(sheets[1][1:], answers):
+        for column, name in names.items():
+            if not re.match("q[1-6]", name):
+                continue
+            value = row.get(column, -1)
+            if value != float(answer[name]) if answer[name] else value not in (-1, -2):
+                faults.append(f"labelled.xlsx, {name}: {value} is not {answer[name]}")
+    frequencies = {(row["A"], row["C"]): row["D"] for row in sheets[3][1:]}
+    north = sum(answer["q1"] == "1" for answer in answers)
+    if frequencies[("q1", "North")] != north:
+        faults.append("labelled.xlsx has wrong frequencies")
+    if shutil.which("soffice"):
+        subprocess.run(["soffice", f"-env:UserInstallation=file://{directory}/office", "--headless",
+                        "--convert-to", "csv:Text - txt - csv (StarCalc):44,34,76,1,,0,false,true,"
+                        "false,false,false,2", "--outdir", directory, directory / "labelled.xlsx"],
+                       check=True, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        opened = list(csv.DictReader(open(directory / "labelled-Codes.csv", encoding="utf-8")))
+        same = all(not answer[name] or float(line[name]) == float(answer[name])
+                   for line, answer in zip(opened, answers) for name in ("q1", "q3", "q5_4"))
+        if len(opened) != len(answers) or not same:
+            faults.append("LibreOffice reads other answers from labelled.xlsx")
+    return faults
 
 
 def main():
@@ -93,6 +141,7 @@ def main():
             compared += 1
             if not any(agree(abs(value), abs(number)) for number in numbers):
                 faults.append(f"{name}: we say {value!r}, which {command} does not")
+    faults += faults_of_workbook(directory)
     print(f"  {compared} figures compared, {len(faults)} differ")
     print("".join(f"  {fault}\n" for fault in faults), end="")
     return 1 if faults else 0

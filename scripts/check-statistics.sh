@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Holds our statistics against PSPP and R, to six digits, on generated surveys of 10 to 100,000
-# respondents.
+# respondents, and has these and LibreOffice read the files with labels.
 #   scripts/check-statistics.sh [respondents...]
 set -uo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1

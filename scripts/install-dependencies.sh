@@ -32,6 +32,8 @@ packages=(
     libcurl4-openssl-dev
     # Survey server: HTTP, passwords and tokens, links as pictures. Statistics: distributions
     libboost-dev libsodium-dev libqrencode-dev
+    # Files of other programs
+    libreadstat-dev libxlsxwriter-dev
     # Text on a machine without a desktop
     fonts-dejavu-core
     # Tests and measurements are configured with the rest
@@ -45,8 +47,8 @@ for group in "$@"; do
     # The last one gives names to the lines of a finding.
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
     --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
-    --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven) ;;
     --server) packages+=(wrk) ;;
+    --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven libreoffice-calc-nogui) ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -63,7 +65,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         command -v "$tool" >/dev/null || missing+=("$tool")
     done
     for module in Qt6Widgets Qt6PrintSupport Qt6Svg Qt6Charts Qt6Help Qt6Test sqlite3 libcurl \
-        libsodium libqrencode gtest benchmark; do
+        libsodium libqrencode xlsxwriter gtest benchmark; do
         pkg-config --exists "$module" 2>/dev/null || missing+=("$module")
     done
     for group in "$@"; do
@@ -75,7 +77,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;
-        --statistics) tools=(pspp Rscript) ;;
+        --statistics) tools=(pspp Rscript soffice) ;;
         *) tools=(debootstrap) ;;
         esac
         for tool in "${tools[@]}"; do
@@ -84,7 +86,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
     done
     if [ ${#missing[@]} -gt 0 ]; then
         echo "This system has no apt-get, so nothing can be installed from here." >&2
-        echo "Please install these (development packages; SQLiteCpp 3.2 and Boost 1.74 as well), then try again:" >&2
+        echo "Please install these (development packages; SQLiteCpp 3.2, Boost 1.74 and ReadStat 1.1 as well), then try again:" >&2
         printf '  %s\n' "${missing[@]}" >&2
         exit 1
     fi

@@ -5,6 +5,7 @@
 
 #include <cstdio>
 
+#include "labelled/LabelledFile.h"
 #include "platform/files/Files.h"
 #include "statistics/Association.h"
 #include "statistics/Comparison.h"
@@ -197,6 +198,13 @@ void Run(int respondents, const QString& directory) {
         weights = figures.Weighted();
     WriteWholeFile(directory + "/figures.tsv", figures.Text().toUtf8());
     WriteWholeFile(directory + "/answers.csv", Table(answers, weights).toUtf8());
+
+    const Sample all;
+    labelled::WriteSav(survey, directory + "/labelled.sav", all, {});
+    labelled::WriteDta(survey, directory + "/labelled.dta", all, {});
+    labelled::WriteXlsx(survey, directory + "/labelled.xlsx", all, {});
+    labelled::WriteR(survey, directory + "/labelled.R", all, {});
+    labelled::WriteCodebook(survey, directory + "/labelled.html", all, {});
 }
 
 } // namespace
