@@ -15,6 +15,7 @@
 #include "collection/TextPage.h"
 #include "document/clsQ.h"
 #include "platform/base/Handlers.h"
+#include "platform/controls/PageButton.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/richtext/RichText.h"
 
@@ -82,7 +83,7 @@ void frmManualResponse::BuildFooter() {
     footer->setContentsMargins(0, 0, 0, 0);
     footer->addStretch();
     const auto button = [&](const char* name, const QString& caption) {
-        auto* made = new QPushButton(caption, picDCFooter);
+        auto* made = new PageButton(caption, picDCFooter);
         made->setObjectName(name);
         made->setAutoDefault(false); // Enter is only what the page says it is
         footer->addWidget(made);

@@ -3,9 +3,9 @@
 #include <QFontMetricsF>
 #include <QStyleOptionFocusRect>
 #include <QStylePainter>
-#include <QUrl>
 #include <QtMath>
 
+#include "platform/base/WebAddress.h"
 #include "platform/controls/OneLineDelegate.h"
 
 namespace pollarix {
@@ -15,16 +15,10 @@ namespace {
 constexpr int NarrowestText = 12; // characters
 constexpr int Margin = 2;         // pixels
 
-bool IsWebAddress(const QString& text) {
-    const QUrl url(text.trimmed());
-    return url.isValid() && (url.scheme() == "http" || url.scheme() == "https") &&
-           !url.host().isEmpty();
-}
-
 } // namespace
 
 LinkButton::LinkButton(const QString& address, QWidget* parent)
-    : QPushButton(address, parent), isLink_(IsWebAddress(address)) {
+    : QPushButton(address, parent), isLink_(!WebAddressOf(address).isEmpty()) {
     setShortcut({}); // a "&" in an address is no key
     setAccessibleDescription(address);
     setToolTip(PlainToolTip(address));

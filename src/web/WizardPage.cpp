@@ -8,6 +8,7 @@
 #include <QVBoxLayout>
 
 #include "platform/base/Handlers.h"
+#include "platform/controls/PageButton.h"
 #include "platform/desktop/InputLock.h"
 #include "web/WizardPicture.h"
 
@@ -59,7 +60,7 @@ WizardPage::WizardPage(WizardRun& run, const char* name, const QString& caption,
     line->setFrameShadow(QFrame::Sunken);
 
     const auto button = [this](const char* buttonName, const QString& text) {
-        auto* made = new QPushButton(text, this);
+        auto* made = new PageButton(text, this);
         made->setObjectName(buttonName);
         return made;
     };
@@ -97,7 +98,11 @@ WizardPage::WizardPage(WizardRun& run, const char* name, const QString& caption,
         };
     };
     connect(cmdBack_, &QPushButton::clicked, this, pressed([this] { StepBack(); }));
-    connect(cmdNext_, &QPushButton::clicked, this, pressed([this] { cmdNext_Click(); }));
+    // Nor is work begun twice.
+    connect(cmdNext_, &QPushButton::clicked, this, pressed([this] {
+                if (!working_)
+                    cmdNext_Click();
+            }));
     connect(cmdCancel_, &QPushButton::clicked, this, pressed([this] { reject(); }));
 }
 
@@ -113,8 +118,15 @@ QLabel* WizardPage::AddLabelled(const char* name, const QString& text, QWidget* 
     return label;
 }
 
+MsgAnswer WizardPage::MsgBox(Dialogs& dialogs, const QString& text, MsgIcon icon,
+                             MsgButtons buttons) {
+    if (working_)
+        DoEvents();
+    return dialogs.MsgBox(text, icon, buttons);
+}
+
 void WizardPage::Refuse(Dialogs& dialogs, const QString& message, QWidget* focus) {
-    dialogs.MsgBox(message, MsgIcon::Critical);
+    MsgBox(dialogs, message, MsgIcon::Critical);
     if (focus)
         focus->setFocus();
 }

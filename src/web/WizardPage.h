@@ -37,6 +37,10 @@ class WizardPage : public QDialog {
     QVBoxLayout& Body() { return *body_; }
     // A label above a control, tied to it for the keyboard and screen readers.
     QLabel* AddLabelled(const char* name, const QString& text, QWidget* control);
+    // A message box. What was pressed while work waited acts before it, since a box would swallow
+    // it.
+    MsgAnswer MsgBox(Dialogs& dialogs, const QString& text, MsgIcon icon,
+                     MsgButtons buttons = MsgButtons::Ok);
     // A critical message that keeps the user on the page.
     void Refuse(Dialogs& dialogs, const QString& message, QWidget* focus);
 
@@ -50,7 +54,16 @@ class WizardPage : public QDialog {
     // For work that lets the window live: a page left meanwhile vanishes at once, but the wizard's
     // loop goes on only when the work has ended. Until then nothing takes keys or clicks, as if the
     // page still stood before the other windows; boxes that the work shows do.
-    void SetWorking(bool working) { working_ = working; }
+    class Work {
+      public:
+        explicit Work(WizardPage& page) : page_(page) { page_.working_ = true; }
+        ~Work() { page_.working_ = false; }
+        Work(const Work&) = delete;
+        Work& operator=(const Work&) = delete;
+
+      private:
+        WizardPage& page_;
+    };
 
     // The window's X and the Esc key are Cancel.
     void reject() override;

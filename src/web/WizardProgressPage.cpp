@@ -6,8 +6,15 @@
 #include <QVBoxLayout>
 
 #include "platform/base/Handlers.h"
+#include "platform/base/ShownText.h"
 
 namespace pollarix {
+
+namespace {
+
+constexpr qsizetype LongestMessage = 4000; // characters; servers write in them
+
+} // namespace
 
 WizardProgressPage::WizardProgressPage(WizardRun& run, const char* name, const QString& caption,
                                        const QString& message, const QString& progressLabel,
@@ -45,7 +52,7 @@ void WizardProgressPage::BeginProgress(int max) {
 void WizardProgressPage::UP(const QString& message) {
     QTextCursor cursor(txtMessages_->document());
     cursor.movePosition(QTextCursor::End);
-    cursor.insertText(message + '\n');
+    cursor.insertText(Shortened(message, LongestMessage) + '\n');
     cursor.movePosition(QTextCursor::Start);
     cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
     txtMessages_->setTextCursor(cursor); // shows the last one as well

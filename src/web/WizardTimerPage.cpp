@@ -22,9 +22,8 @@ WizardTimerPage::WizardTimerPage(WizardRun& run, const char* name, const QString
         Timer1_->stop();
         if (HasLeft())
             return;
-        SetWorking(true);
+        const Work work(*this);
         RunHandler([this] { Timer1_Timer(); });
-        SetWorking(false);
     });
     Timer1_->start();
 }

@@ -37,7 +37,7 @@ bool frmWizWebCollect_Download::Collect() {
     const auto entry = GetServerEntry(collect_.CollectServerIndex, services_.state.settings);
     if (!entry) {
         UP(NoServerEntry);
-        dialogs.MsgBox(NoServerEntry, MsgIcon::Critical);
+        MsgBox(dialogs, NoServerEntry, MsgIcon::Critical);
         return false;
     }
     const HourGlass hourGlass;
@@ -49,7 +49,7 @@ bool frmWizWebCollect_Download::Collect() {
     const QString address = entry->url + fileName;
     const QString localPath = services_.state.directories.InUser(fileName);
     if (!Fetch(fileName, entry->url, localPath)) {
-        dialogs.MsgBox("Unable to download results file." + address, MsgIcon::Critical);
+        MsgBox(dialogs, "Unable to download results file." + address, MsgIcon::Critical);
         UP("Unable to download results file. Error " + address);
         return false;
     }
@@ -60,9 +60,10 @@ bool frmWizWebCollect_Download::Collect() {
     UP("Imported results file.");
 
     const MsgAnswer answer =
-        dialogs.MsgBox("Survey results file has been imported. Do you want to delete the old copy "
-                       "so it is not imported again?",
-                       MsgIcon::Question, MsgButtons::YesNo);
+        MsgBox(dialogs,
+               "Survey results file has been imported. Do you want to delete the old copy "
+               "so it is not imported again?",
+               MsgIcon::Question, MsgButtons::YesNo);
     if (answer == MsgAnswer::Yes) {
         if (server.DeleteSurveyResultsFile(collect_.CollectUserID, collect_.CollectSurveyID,
                                            entry->url))

@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
+#include "platform/base/Handlers.h"
 #include "platform/desktop/HourGlass.h"
 #include "web/ServerList.h"
 
@@ -39,6 +40,7 @@ void frmWizWebCollect_Login::cmdNext_Click() {
     std::int16_t user = -1;
     {
         const HourGlass hourGlass;
+        const Work work(*this);
         collect_.CollectUsername = txtName_->text();
         collect_.CollectPassword = txtPassword_->text();
         const auto entry = GetServerEntry(collect_.CollectServerIndex, services_.state.settings);
@@ -49,7 +51,10 @@ void frmWizWebCollect_Login::cmdNext_Click() {
         user = services_.server.GetWebUserID(collect_.CollectUsername, collect_.CollectPassword,
                                              entry->url);
         collect_.CollectUserID = QString::number(user);
+        DoEvents(); // Cancel or Back may have been pressed meanwhile
     }
+    if (HasLeft())
+        return;
     if (user != -1)
         StepOn();
     else

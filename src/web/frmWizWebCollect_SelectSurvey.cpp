@@ -4,6 +4,7 @@
 #include <QVBoxLayout>
 
 #include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
 #include "platform/controls/ListBox.h"
 #include "platform/desktop/HourGlass.h"
 #include "web/ServerList.h"
@@ -28,12 +29,15 @@ void frmWizWebCollect_SelectSurvey::Timer1_Timer() {
     const HourGlass hourGlass;
     const auto entry = GetServerEntry(collect_.CollectServerIndex, services_.state.settings);
     if (!entry) {
-        services_.state.dialogs.MsgBox(NoServerEntry, MsgIcon::Critical);
+        MsgBox(services_.state.dialogs, NoServerEntry, MsgIcon::Critical);
         return;
     }
     const QString ids = services_.server.GetSurveyListForUser(collect_.CollectUserID, entry->url);
     if (!ids.isEmpty()) {
         for (const QString& id : ids.split(',')) {
+            DoEvents();
+            if (HasLeft())
+                return; // nobody will see the list
             const QString name = services_.server.GetSurveyName(id, entry->url);
             if (name.isEmpty())
                 continue;

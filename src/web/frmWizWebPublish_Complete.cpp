@@ -6,6 +6,7 @@
 #include <QVBoxLayout>
 
 #include "platform/base/Handlers.h"
+#include "platform/base/ShownText.h"
 #include "web/LinkButton.h"
 
 namespace pollarix {
@@ -42,7 +43,8 @@ void frmWizWebPublish_Complete::Label6_Click() {
 }
 
 void frmWizWebPublish_Complete::cmdCopy_Click() {
-    QApplication::clipboard()->setText(Label6_->text());
+    // A line end pasted into a terminal would run what the server put before it.
+    QApplication::clipboard()->setText(WithoutControls(Label6_->text()));
     dialogs_.MsgBox("URL copied to clipboard.", MsgIcon::Information);
 }
 

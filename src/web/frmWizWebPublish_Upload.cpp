@@ -34,7 +34,7 @@ bool frmWizWebPublish_Upload::Publish() {
     const auto found = GetServerEntry(publish_.PublishServerIndex, services_.state.settings);
     if (!found) {
         UP(NoServerEntry);
-        dialogs.MsgBox(NoServerEntry, MsgIcon::Critical);
+        MsgBox(dialogs, NoServerEntry, MsgIcon::Critical);
         return false;
     }
     const ServerEntry& entry = *found;
@@ -47,7 +47,7 @@ bool frmWizWebPublish_Upload::Publish() {
         server.GetWebUserID(publish_.PublishUsername, publish_.PublishPassword, entry.url);
     if (user == -1) {
         const QString text = "Unable to login. Error " + server.LastServerError;
-        dialogs.MsgBox(text, MsgIcon::Critical);
+        MsgBox(dialogs, text, MsgIcon::Critical);
         UP(text);
         return false;
     }
@@ -84,8 +84,8 @@ std::optional<std::int16_t> frmWizWebPublish_Upload::SurveyOnServer(std::int16_t
     const std::int16_t known = server.GetSurveyID(name, user, url);
     if (known != -1) {
         const MsgAnswer answer =
-            dialogs.MsgBox("This survey already exists. Do you want to update it?",
-                           MsgIcon::Question, MsgButtons::YesNo);
+            MsgBox(dialogs, "This survey already exists. Do you want to update it?",
+                   MsgIcon::Question, MsgButtons::YesNo);
         if (answer != MsgAnswer::Yes) {
             UP("Cancelled survey update.");
             return std::nullopt;
@@ -96,8 +96,8 @@ std::optional<std::int16_t> frmWizWebPublish_Upload::SurveyOnServer(std::int16_t
     UP("Creating new survey " + name + ".");
     const std::int16_t created = server.CreateSurvey(user, name, url);
     if (created == -1) {
-        dialogs.MsgBox("Unable to create survey. Error " + server.LastServerError,
-                       MsgIcon::Critical);
+        MsgBox(dialogs, "Unable to create survey. Error " + server.LastServerError,
+               MsgIcon::Critical);
         return std::nullopt;
     }
     return created;
@@ -112,7 +112,7 @@ bool frmWizWebPublish_Upload::Upload(const QString& remoteName, const ServerEntr
     }
     if (!transfer.Connect(entry.ftpServer, entry.ftpUser, entry.ftpPassword)) {
         const QString text = "FTP Connection error " + transfer.FtpErrorText(transfer.LastError());
-        services_.state.dialogs.MsgBox(text, MsgIcon::Critical);
+        MsgBox(services_.state.dialogs, text, MsgIcon::Critical);
         UP(text);
         return false;
     }

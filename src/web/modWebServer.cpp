@@ -3,6 +3,8 @@
 #include <QFile>
 #include <QStringList>
 
+#include <algorithm>
+#include <limits>
 #include <utility>
 
 #include "platform/base/Failure.h"
@@ -13,6 +15,10 @@ namespace pollarix {
 namespace {
 
 constexpr int ValuePosition = 12; // from 1, behind "Success<br>"
+
+// What is read of a reply that holds one value: more than a value may take.
+constexpr qint64 LongestValueReply = 1 << 16; // bytes
+constexpr qint64 LongestDocument = std::numeric_limits<qint64>::max();
 
 } // namespace
 
@@ -64,7 +70,7 @@ bool modWebServer::DeleteSurveyResultsFile(const QString& userId, std::int16_t s
 }
 
 bool modWebServer::ServerGetValue(QString& value) {
-    const QString body = ReplyBody();
+    const QString body = ReplyBody(LongestValueReply);
     if (!body.startsWith(u"Success")) {
         LastServerError = body;
         return false;
@@ -72,7 +78,10 @@ bool modWebServer::ServerGetValue(QString& value) {
     LastServerError = "Success";
     // Positions count from 1, 0 is "not found". The four characters behind the word are skipped
     // unread, and the search begins at the last of them.
-    const std::int16_t position = Narrow16(body.indexOf(u"<br>", ValuePosition - 2) + 1);
+    const qsizetype mark = body.indexOf(u"<br>", ValuePosition - 2);
+    if (mark < 0 && body.size() == LongestValueReply)
+        throw Failure(failure::Overflow); // it could only stand too far behind
+    const std::int16_t position = Narrow16(mark + 1);
     // A reply without its closing mark is not refused: its length comes out below zero.
     const int length = position - ValuePosition;
     if (length < 0)
@@ -82,7 +91,7 @@ bool modWebServer::ServerGetValue(QString& value) {
 }
 
 bool modWebServer::ServerGetDocument(QString& document) {
-    const QString body = ReplyBody();
+    const QString body = ReplyBody(LongestDocument);
     if (body.startsWith(u"Failure")) {
         LastServerError = body;
         return false;
@@ -118,12 +127,12 @@ std::int16_t modWebServer::CallForId(const QString& function, const QStringList&
     return ToNumber16(value);
 }
 
-QString modWebServer::ReplyBody() const {
+QString modWebServer::ReplyBody(qint64 most) const {
     QFile file(directories_.InUser("result.htm"));
     if (!file.open(QIODevice::ReadOnly))
         throw Failure(failure::PathOrFileAccess,
                       QString("Can't read %1: %2").arg(file.fileName(), file.errorString()));
-    return FromWindows1252(file.readAll());
+    return FromWindows1252(file.read(std::min(most, file.size())));
 }
 
 } // namespace pollarix

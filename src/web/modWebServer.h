@@ -17,7 +17,7 @@ class modWebServer {
     modWebServer(wininet& net, Directories directories);
 
     // "" at the start of a call and after a download that failed, "Success" after a reply that was
-    // accepted, else the whole body of the reply.
+    // accepted, else the body of the reply. Of a reply that holds one value 64 KB are read at most.
     QString LastServerError;
 
     // Arguments are in the order of the server's parameters, which is not the same in all of them;
@@ -49,7 +49,7 @@ class modWebServer {
                          const QString& base);
     std::int16_t CallForId(const QString& function, const QStringList& parameters,
                            const QString& base);
-    QString ReplyBody() const;
+    QString ReplyBody(qint64 most) const; // at most so many bytes of it
 
     wininet& net_;
     Directories directories_;

@@ -72,6 +72,7 @@ TEST_F(Database, ValuesComeBackAsTheyWereWritten) {
     QString text = QString::fromUtf8(
         "O'Hara \\ { } Ωμέγα عربي 日本語 👩‍👩‍👧 %1 ? :a\r\n");
     text += QChar(0);
+    text.prepend(u"\uFEFF\uFEFF"_qs);
     text += QString(10000, 'x');
     TableInsert insert(connection, "ITEM", {"Name", "size", "share"});
     EXPECT_EQ(insert.Add({text, INT64_MIN, 0.1}), 1);

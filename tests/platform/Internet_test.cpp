@@ -122,10 +122,14 @@ TEST_F(Download, WhatFailsLeavesTheOldReplyAndSaysWhy) {
         EXPECT_EQ(Fetch(url), code) << url.toStdString();
         ExpectUntouched();
     }
-    EXPECT_EQ(
-        Internet(Impatient).UrlDownloadToFile(server.Url() + "silent", directory.filePath("reply")),
-        internet::TimedOut);
-    ExpectUntouched();
+    server.Answer("/dripping", {.ending = Ending::Dripping});
+    for (const char* slow : {"silent", "dripping"}) {
+        EXPECT_EQ(
+            Internet(Impatient).UrlDownloadToFile(server.Url() + slow, directory.filePath("reply")),
+            internet::TimedOut);
+        ExpectUntouched();
+        server.Forget();
+    }
     EXPECT_EQ(internet.UrlDownloadToFile(server.Url(), directory.filePath("no/such/directory")),
               internet::LocalFileAccess);
 }

@@ -2,6 +2,8 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QLineEdit>
+#include <QScreen>
+#include <QScrollBar>
 #include <QTest>
 #include <QVBoxLayout>
 
@@ -117,6 +119,20 @@ TEST_F(ListControls, AUsersPickRaisesTheComboBoxClickAlsoForTheSameEntry) {
     QTest::keyClick(&combo_, Qt::Key_Down);
     QTest::keyClick(&combo_, 'g');
     EXPECT_EQ(Clicks(), (Indexes{2, 1}));
+}
+
+TEST_F(ListControls, ALongListHasAScrollBarAndKeepsToHalfTheScreen) {
+    QApplication::setStyle("Fusion"); // would show all entries at once
+    ComboBox box(&window_);
+    for (int i = 0; i < 200; ++i)
+        box.AddItem(QString(500, 'x'));
+    box.show();
+    box.showPopup();
+    EXPECT_TRUE(box.view()->verticalScrollBar()->isVisible());
+    const QSize screen = box.screen()->availableSize();
+    EXPECT_LE(box.view()->window()->width(), screen.width() / 2 + 4);
+    EXPECT_LT(box.view()->window()->height(), screen.height());
+    box.hidePopup();
 }
 
 TEST_F(ListControls, AnEntryIsSelectedByItsNumber) {

@@ -106,7 +106,9 @@ TEST(QtDialogs, BoxesAnswerToEnterAndEscapeAndShowTextAsItIs) {
     for (const QString& endless : {QString(100000, 'x'), QString("line\n").repeated(300)}) {
         OnNext<QMessageBox>([&](QMessageBox* box) {
             EXPECT_LT(box->sizeHint().height(), 760);
-            EXPECT_EQ(box->detailedText(), endless);
+            EXPECT_LT(box->sizeHint().width(), 1024);
+            EXPECT_LE(box->detailedText().size(), 20001);
+            EXPECT_TRUE(endless.startsWith(box->detailedText().left(1500)));
             box->accept();
         });
         dialogs.MsgBox(endless, MsgIcon::Information, MsgButtons::Ok);
@@ -195,7 +197,7 @@ TEST(QtDialogs, OnlyWebPagesAreOpenedAsLinksAndFilesAsFiles) {
     for (const char* url :
          {"https://example.org/a?b=c d", "HTTP://example.org", "file:///etc/passwd",
           "ftp://example.org", "javascript:alert(1)", "http:", "https:///x", "mailto:a@example.org",
-          "example.org", "/bin/sh", ""})
+          "example.org", "/bin/sh", "", "https://example.org/a\r\nreboot\n"})
         dialogs.OpenUrl(url);
     EXPECT_EQ(opener.opened, QStringList({"https://example.org/a?b=c d", "http://example.org"}));
     opener.opened.clear();

@@ -44,4 +44,8 @@ TEST(RichTextFileWriter, FormatsHoldForWhatIsAppendedAfterThem) {
     const QByteArray bytes = file.readAll();
     EXPECT_EQ(ReadRichText(QString::fromLatin1(bytes)), expected);
     EXPECT_TRUE(bytes.contains("\\fs20\\b0\\par")); // the empty line is not a large one
+    // Hebrew and Arabic have their formats by other words.
+    EXPECT_TRUE(bytes.contains("\\pard\\plain\\rtlch\\af0\\afs20\\ltrch\\f0\\fs20"));
+    EXPECT_TRUE(bytes.contains("\\rtlch\\af0\\afs22\\ab\\ai0\\ltrch\\fs22\\b 1. "));
+    EXPECT_TRUE(bytes.contains("\\rtlch\\af0\\afs20\\ab0\\ai0\\ltrch\\fs20\\b0\\par"));
 }

@@ -16,6 +16,8 @@ QStringList QueuedDialogs::TakeTexts() {
 
 MsgAnswer QueuedDialogs::MsgBox(const QString& text, MsgIcon icon, MsgButtons buttons) {
     shown.push_back({text, icon, buttons});
+    if (onBox)
+        onBox();
     if (buttons == MsgButtons::Ok)
         return MsgAnswer::Ok;
     if (answers.empty()) {

@@ -22,6 +22,7 @@ class QueuedDialogs : public Dialogs {
     std::deque<MsgAnswer> answers;
     // The next file dialogs' names; "" cancels (Failure 32755).
     std::deque<FileDialogResult> fileNames;
+    std::function<void()> onBox;                // as each box shows
     std::function<void(QPrinter&)> onPrinter;   // empty cancels
     std::function<void(QPrinter&)> onPageSetup; // empty cancels
 

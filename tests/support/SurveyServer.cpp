@@ -130,6 +130,9 @@ void SurveyServer::AnswerOne(int socket) {
     if (reply.ending == ServerReply::Ending::Dropped)
         return;
     const bool whole = reply.ending == ServerReply::Ending::Whole;
+    if (reply.ending == ServerReply::Ending::Dripping)
+        for (int drop = 0; drop < 200; ++drop, WaitMs(50))
+            SendAll(socket, drop == 0 ? "HTTP/1.1 200 OK\r\n\r\n" : "x");
     SendAll(socket, "HTTP/1.1 " + QByteArray::number(reply.status) + " Reply\r\n" + reply.headers +
                         "Content-Length: " + QByteArray::number(reply.body.size()) +
                         "\r\nConnection: close\r\n\r\n" +

@@ -17,8 +17,9 @@ namespace pollarix::test {
 struct ServerReply {
     enum class Ending {
         Whole,
-        CutOff, // half of the promised body, then the connection ends
-        Dropped // the connection ends without a word
+        CutOff,  // half of the promised body, then the connection ends
+        Dropped, // the connection ends without a word
+        Dripping // twenty bytes a second
     };
     QByteArray body{};
     int status = 200;

@@ -2,7 +2,9 @@
 #include "web/WebPublishWizard.h"
 
 #include <QClipboard>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QPointer>
 
 #include "WebWizard.h"
 #include "support/FtpServer.h"
@@ -102,7 +104,9 @@ class Publish : public WebWizard, public testing::WithParamInterface<PublishCase
         On("frmWizWebPublish_Login", [](QDialog& page) {
             QTest::keyClicks(page.focusWidget(), "anna\t");
             QTest::keyClicks(page.focusWidget(), Password);
-            QTest::keyClick(page.focusWidget(), Qt::Key_Return);
+            ASSERT_TRUE(QTest::qWaitForWindowActive(&page));
+            QTest::keyClick(&page, Qt::Key_N, Qt::AltModifier);
+            EXPECT_FALSE(page.isVisible()); // at once
         });
         On("frmWizWebPublish_SurveyName", [](QDialog& page) {
             QTest::keyClicks(page.focusWidget(), "My survey\t");
@@ -243,10 +247,40 @@ TEST_F(Publish, ARunThatIsLeftGoesOnToItsEndBehindClosedDoors) {
     EXPECT_TRUE(window.close());
 }
 
+TEST_F(Publish, WhatIsPressedWhileACallWaitsActsBeforeTheNextBox) {
+    const QByteArray endless(1 << 20, 'x');
+    AddTestServer("127.0.0.1");
+    server.Answer("GetWebUserID", {.body = endless, .delayMs = 300});
+    GoToUpload();
+    int ticks = 0; // what happens while the call waits, as a repaint does
+    QTimer clock;
+    QObject::connect(&clock, &QTimer::timeout, [&] { ++ticks; });
+    QPointer<QDialog> upload;
+    On(
+        "frmWizWebPublish_Upload",
+        [&](QDialog& page) {
+            upload = &page;
+            clock.start(20);
+            for (const auto type : {QEvent::KeyPress, QEvent::KeyRelease}) // waits its turn
+                qt_handleKeyEvent(page.windowHandle(), type, Qt::Key_C, Qt::AltModifier, "c");
+        },
+        Told[2]);
+    dialogs.onBox = [&] {
+        EXPECT_FALSE(upload->isVisible());
+        EXPECT_GT(ticks, 3);
+    };
+    QElapsedTimer elapsed;
+    elapsed.start();
+    RunWizard();
+    EXPECT_EQ(dialogs.shown.size(), 1u);
+    EXPECT_LT(elapsed.elapsed(), 10000);
+}
+
 TEST_F(Publish, TheLastPageOffersTheAddressAsALinkOnlyIfItIsOne) {
     const std::pair<const char*, bool> addresses[] = {{"http://x.example/s?a=1&b=2", true},
                                                       {"HTTPS://x.example", true},
                                                       {"javascript:alert(1)", false},
+                                                      {"http://x.example/\r\nreboot\n", false},
                                                       {"www.x.example", false}};
     for (const auto& [address, isLink] : addresses) {
         WizardRun run;
@@ -259,7 +293,7 @@ TEST_F(Publish, TheLastPageOffersTheAddressAsALinkOnlyIfItIsOne) {
         EXPECT_EQ(dialogs.openedUrls, isLink ? QStringList(address) : QStringList());
         dialogs.openedUrls.clear();
         Click(page, "cmdCopy");
-        EXPECT_EQ(QApplication::clipboard()->text(), address);
+        EXPECT_EQ(QApplication::clipboard()->text(), QString(address).remove('\r').remove('\n'));
         EXPECT_EQ(Texts(), QStringList("URL copied to clipboard."));
     }
 }

@@ -106,7 +106,7 @@ class WebWizard : public testing::Test {
 
     void Look(bool tooLate) {
         auto* page = qobject_cast<QDialog*>(QApplication::activeModalWidget());
-        if (!page || !page->isVisible())
+        if (!page || !page->isVisible() || page == stepping) // its step waits for the server
             return;
         if (tooLate || steps.empty() || page->objectName() != steps.front().page) {
             ADD_FAILURE() << "on " << page->objectName().toStdString();
@@ -126,7 +126,9 @@ class WebWizard : public testing::Test {
             return;
         const Step step = std::move(steps.front().step);
         steps.pop_front();
+        QDialog* const outer = std::exchange(stepping, page);
         step(*page);
+        stepping = outer;
     }
     static bool HasEnded(QDialog& page) {
         if (page.findChild<QTimer*>("Timer1")->isActive() || QGuiApplication::overrideCursor())
@@ -140,6 +142,7 @@ class WebWizard : public testing::Test {
     }
 
     std::deque<Planned> steps;
+    QDialog* stepping = nullptr;
 };
 
 } // namespace pollarix::test

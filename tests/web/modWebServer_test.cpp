@@ -70,6 +70,10 @@ TEST_F(Client, ARefusedReplyIsTheErrorAndAnEarlierOneIsNoAnswer) {
     EXPECT_EQ(client.LastServerError, "success<br>17<br>");
     EXPECT_EQ(client.GetSurveyName("9", base), ""); // has no reply: an error page
     EXPECT_EQ(client.LastServerError, "Nothing here");
+    WriteReply(QByteArray(5 << 20, 'x')); // of an endless one, what a value could take
+    QString value;
+    EXPECT_FALSE(client.ServerGetValue(value));
+    EXPECT_EQ(client.LastServerError.size(), 1 << 16);
     server.Answer("DeleteSurveyResultsFile", ServerReply::Success(""));
     EXPECT_FALSE(client.DeleteSurveyResultsFile("1", 2, base));
 
@@ -106,6 +110,7 @@ TEST_F(Client, AValueStandsBetweenTheTwelfthCharacterAndTheNextMark) {
         {"Success<br><br>", 0, ""},
         {"Success<br>" + QByteArray(32755, 'x') + "<br>", 0, QString(32755, 'x')},
         {"Success<br>" + QByteArray(32756, 'x') + "<br>", failure::Overflow, {}},
+        {"Success<br>" + QByteArray(5 << 20, 'x') + "<br>", failure::Overflow, {}},
         {"Success<br>17<BR>", failure::InvalidArgument, {}},
         {"Success123<br>", failure::InvalidArgument, {}}, // the mark is one too early
     };

@@ -39,14 +39,15 @@ class ListBelow : public QProxyStyle {
 } // namespace
 
 ComboBox::ComboBox(QWidget* parent) : QComboBox(parent) {
+    // First of all: the list asks the style for its scroll bar when it is made.
+    auto* const style = new ListBelow;
+    style->setParent(this);
+    setStyle(style);
     setItemDelegate(new OneLineDelegate(this, OneLineDelegate::Width::Full));
     view()->setTextElideMode(Qt::ElideRight);
     // Long entries do not push the window's other controls aside.
     setSizeAdjustPolicy(AdjustToMinimumContentsLengthWithIcon);
     setMinimumContentsLength(NarrowestBox);
-    auto* const style = new ListBelow;
-    style->setParent(this);
-    setStyle(style);
     setMaxVisibleItems(RowsOfPopup);
     setFocusPolicy(Qt::StrongFocus);
     connect(this, &QComboBox::activated, this, [this] {
@@ -112,12 +113,12 @@ QString ComboBox::Text() const {
 }
 
 void ComboBox::showPopup() {
-    // Wide enough for the longest entry, as far as the screen goes.
+    // Wide enough for the longest entry, but never a wall of text across the screen.
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, this);
     const int frame = 2 * style()->pixelMetric(QStyle::PM_ComboBoxFrameWidth, nullptr, this);
     const int wanted = view()->sizeHintForColumn(modelColumn()) + bar + frame;
-    const int most = screen()->availableGeometry().width();
-    view()->setMinimumWidth(std::clamp(wanted, std::min(width(), most), most));
+    const int most = std::max(width(), screen()->availableGeometry().width() / 2);
+    view()->setMinimumWidth(std::clamp(wanted, width(), most));
     QComboBox::showPopup();
 }
 

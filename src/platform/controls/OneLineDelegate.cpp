@@ -8,6 +8,8 @@
 
 #include <algorithm>
 
+#include "platform/base/ShownText.h"
+
 namespace pollarix {
 
 namespace {
@@ -20,14 +22,6 @@ constexpr int RoomAboveAndBelow = 3;
 bool BreaksLine(QChar c) {
     return (c >= u'\t' && c <= u'\r') || c == QChar::LineSeparator ||
            c == QChar::ParagraphSeparator;
-}
-
-QString Shortened(const QString& text, qsizetype length) {
-    if (text.size() <= length)
-        return text;
-    if (text[length - 1].isHighSurrogate())
-        --length;
-    return text.left(length) + u'\u2026';
 }
 
 } // namespace

@@ -38,12 +38,19 @@ QString InDecimal(double value) {
     return text.toDouble() == value ? text : QString::number(value, 'g', 17);
 }
 
+// A text may begin with U+FEFF, which a decoder would take for a mark of its own and drop.
+QString FromUtf8(const char* text, int size) {
+    constexpr char16_t mark = u'\xFEFF';
+    const QString decoded = QString::fromUtf8(text, size);
+    return QByteArrayView(text, size).startsWith("\xEF\xBB\xBF") ? mark + decoded : decoded;
+}
+
 // The type is asked for before the value: asking for text would change it.
 QString TextOf(sqlite3_stmt* statement, int field, bool nullIsEmpty) {
     switch (sqlite3_column_type(statement, field)) {
     case SQLITE_TEXT: {
         const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, field));
-        return QString::fromUtf8(text, sqlite3_column_bytes(statement, field));
+        return FromUtf8(text, sqlite3_column_bytes(statement, field));
     }
     case SQLITE_INTEGER:
         return QString::number(sqlite3_column_int64(statement, field));

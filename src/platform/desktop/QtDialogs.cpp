@@ -14,6 +14,8 @@
 #include <utility>
 
 #include "platform/base/Failure.h"
+#include "platform/base/ShownText.h"
+#include "platform/base/WebAddress.h"
 #include "platform/desktop/HourGlass.h"
 
 namespace pollarix {
@@ -23,6 +25,8 @@ namespace {
 // What of a text fits into a box on a small screen.
 constexpr qsizetype LongestText = 2000;
 constexpr qsizetype MostLines = 30;
+// What of it can be read behind the button.
+constexpr qsizetype LongestDetails = 20000;
 
 qsizetype ShownLength(const QString& text) {
     qsizetype end = std::min(text.size(), LongestText);
@@ -114,9 +118,9 @@ QMessageBox::StandardButton QtDialogs::Ask(const QString& text, QMessageBox::Ico
     const bool tooLong = length < text.size();
     Shown<QMessageBox> box(icon, "Pollarix", QString(), buttons, Parent());
     box->setTextFormat(Qt::PlainText);
-    box->setText(tooLong ? text.left(length) + QChar(0x2026) : text);
+    box->setText(Breakable(Shortened(text, length)));
     if (tooLong)
-        box->setDetailedText(text);
+        box->setDetailedText(Shortened(text, LongestDetails));
     box->setDefaultButton(preset);
     box->setEscapeButton(onEscape);
     box.Accepted();
@@ -251,9 +255,7 @@ void QtDialogs::OpenFile(const QString& path) {
 }
 
 void QtDialogs::OpenUrl(const QString& url) {
-    const QUrl address(url.trimmed());
-    const QString scheme = address.scheme();
-    if (address.isValid() && (scheme == "http" || scheme == "https") && !address.host().isEmpty())
+    if (const QUrl address = WebAddressOf(url); !address.isEmpty())
         QDesktopServices::openUrl(address);
 }
 

@@ -1,13 +1,19 @@
 #include "platform/network/Curl.h"
 
+#include <QElapsedTimer>
 #include <QUrl>
 
 #include <algorithm>
 #include <csignal>
 
+#include "platform/base/Handlers.h"
+
 namespace pollarix {
 
 namespace {
+
+// Between two repaints while a transfer waits.
+constexpr int PaintMs = 30;
 
 bool InitializeOnce() {
     static const bool initialized = [] {
@@ -34,10 +40,37 @@ CurlHandle NewCurlHandle(const char* protocols, const TransferPatience& patience
     curl_easy_setopt(curl, CURLOPT_NOSIGNAL, 1L);
     curl_easy_setopt(curl, CURLOPT_PROXY, "");
     curl_easy_setopt(curl, CURLOPT_CONNECTTIMEOUT, patience.connectSeconds);
-    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT, 1L);
+    curl_easy_setopt(curl, CURLOPT_LOW_SPEED_LIMIT,
+                     patience.leastBytes / patience.stallSeconds + 1);
     curl_easy_setopt(curl, CURLOPT_LOW_SPEED_TIME, patience.stallSeconds);
     curl_easy_setopt(curl, CURLOPT_SERVER_RESPONSE_TIMEOUT, patience.stallSeconds);
     return handle;
+}
+
+CURLcode PerformCurl(CURL* handle, CURLM* connections, curl_socket_t* socket) {
+    if (!connections || curl_multi_add_handle(connections, handle) != CURLM_OK)
+        return CURLE_OUT_OF_MEMORY;
+    CURLcode result = CURLE_RECV_ERROR;
+    int running = 1;
+    QElapsedTimer sincePaint;
+    sincePaint.start();
+    while (running > 0 && curl_multi_perform(connections, &running) == CURLM_OK) {
+        if (running > 0)
+            curl_multi_poll(connections, nullptr, 0, PaintMs, nullptr);
+        if (sincePaint.hasExpired(PaintMs)) {
+            DoPaintEvents();
+            sincePaint.start();
+        }
+    }
+    int left = 0;
+    while (const CURLMsg* message = curl_multi_info_read(connections, &left))
+        if (message->msg == CURLMSG_DONE && message->easy_handle == handle)
+            result = message->data.result;
+    // It is known only as long as the handle is in there.
+    if (socket && result == CURLE_OK)
+        curl_easy_getinfo(handle, CURLINFO_ACTIVESOCKET, socket);
+    curl_multi_remove_handle(connections, handle);
+    return result;
 }
 
 std::int32_t InternetCode(CURLcode result) {

@@ -53,7 +53,7 @@ size_t ReadFile(char* buffer, size_t, size_t count, void* user) {
 } // namespace
 
 FtpConnection::FtpConnection(const TransferPatience& patience)
-    : curl_(NewCurlHandle("ftp", patience)) {
+    : connections_(curl_multi_init()), curl_(NewCurlHandle("ftp", patience)) {
     CURL* curl = curl_.get();
     if (!curl)
         return;
@@ -88,8 +88,6 @@ std::int32_t FtpConnection::LogIn(const QString& server, const QString& user,
     curl_easy_setopt(curl_.get(), CURLOPT_NOBODY, 1L);
     reply_.ForgetPassword();
     const std::int32_t code = Perform({});
-    if (code == 0)
-        curl_easy_getinfo(curl_.get(), CURLINFO_ACTIVESOCKET, &control_);
     loggedIn_ = code == 0;
     return code;
 }
@@ -137,7 +135,8 @@ bool FtpConnection::IsAlive() const {
 std::int32_t FtpConnection::Perform(const QByteArray& path) {
     reply_.Clear();
     curl_easy_setopt(curl_.get(), CURLOPT_URL, (base_ + path).constData());
-    const CURLcode result = curl_easy_perform(curl_.get());
+    const CURLcode result =
+        PerformCurl(curl_.get(), connections_.get(), loggedIn_ ? nullptr : &control_);
     if (result == CURLE_OK)
         return 0;
     if (ended_)

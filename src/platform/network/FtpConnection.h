@@ -43,7 +43,8 @@ class FtpConnection {
     curl_socket_t control_ = CURL_SOCKET_BAD;
     bool loggedIn_ = false;
     bool ended_ = false; // and would have been begun anew
-    CurlHandle curl_;    // goes first, while its callbacks still have the rest
+    CurlMulti connections_;
+    CurlHandle curl_; // goes first, while its callbacks still have the rest
 };
 
 } // namespace pollarix

@@ -24,10 +24,12 @@ constexpr std::int32_t CannotConnect = 12029;
 constexpr std::int32_t ConnectionEnded = 12030;
 } // namespace internet
 
-// How long a silent network is waited for. A transfer that goes on may take as long as it needs.
+// How long a network that says nothing, or next to nothing, is waited for. A transfer that goes on
+// may take as long as it needs.
 struct TransferPatience {
-    long connectSeconds = 30; // name, connection and login
-    long stallSeconds = 120;  // nothing comes or goes
+    long connectSeconds = 10; // name and connection
+    long stallSeconds = 30;   // in which less than leastBytes came or went
+    long leastBytes = 1024;
 };
 
 } // namespace pollarix

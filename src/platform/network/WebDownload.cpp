@@ -99,7 +99,8 @@ struct Fetched {
 
 Fetched FetchOnce(const WebAddress& address, const QString& path,
                   const TransferPatience& patience) {
-    CurlHandle handle = NewCurlHandle("http,https", patience);
+    const CurlMulti connections(curl_multi_init());
+    const CurlHandle handle = NewCurlHandle("http,https", patience);
     CURL* curl = handle.get();
     if (!curl)
         return {internet::OutOfHandles, {}};
@@ -112,7 +113,7 @@ Fetched FetchOnce(const WebAddress& address, const QString& path,
     curl_easy_setopt(curl, CURLOPT_HTTP_VERSION, CURL_HTTP_VERSION_1_1);
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, WriteBody);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, &sink);
-    if (const CURLcode result = curl_easy_perform(curl); result != CURLE_OK)
+    if (const CURLcode result = PerformCurl(curl, connections.get()); result != CURLE_OK)
         return {InternetCode(result), {}};
     const char* redirect = nullptr;
     curl_easy_getinfo(curl, CURLINFO_REDIRECT_URL, &redirect);

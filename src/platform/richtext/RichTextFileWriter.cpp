@@ -25,7 +25,7 @@ struct RichTextFileWriter::State {
     void Flush() { file.Write(encoder.TakeBody()); }
 
     WholeFile file;
-    rtf::Encoder encoder;
+    rtf::Encoder encoder{rtf::Encoder::Scripts::Both};
     LineSplitter splitter;
     RunFormat format;
     qsizetype fontTableUsed;

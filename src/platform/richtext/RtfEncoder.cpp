@@ -38,6 +38,11 @@ void AppendUnicode(QByteArray& bytes, char16_t unit, char16_t instead = u'?') {
     bytes += static_cast<char>(instead);
 }
 
+int HalfPoints(const RunFormat& format) {
+    return static_cast<int>(2 *
+                            (format.fontSize > 0 ? format.fontSize : RichText::DefaultFontSize));
+}
+
 QByteArray FontEntry(int number, const QString& name) {
     QByteArray entry = "{\\f";
     AppendNumber(entry, number);
@@ -54,7 +59,7 @@ QByteArray FontEntry(int number, const QString& name) {
 
 } // namespace
 
-Encoder::Encoder() {
+Encoder::Encoder(Scripts scripts) : scripts_(scripts) {
     EnterFont({});
 }
 
@@ -146,17 +151,28 @@ void Encoder::Switch(const char* word, bool& current, bool wanted) {
     blankDue_ = true;
 }
 
+// The format in the codes for complex scripts: between these two words they are read as such.
+void Encoder::ComplexFormat(int font, int halfPoints) {
+    body_ += "\\rtlch";
+    Number("\\af", font);
+    Number("\\afs", halfPoints);
+    body_ += wanted_.bold ? "\\ab" : "\\ab0";
+    body_ += wanted_.italic ? "\\ai" : "\\ai0";
+    body_ += "\\ltrch";
+}
+
 void Encoder::ApplyFormat() {
     if (wanted_ == current_)
         return;
-    if (wanted_.fontName != current_.fontName) {
-        EnterFont(wanted_.fontName);
-        Number("\\f", fonts_.value(wanted_.fontName));
-    }
-    if (wanted_.fontSize != current_.fontSize) {
-        const double points = wanted_.fontSize > 0 ? wanted_.fontSize : RichText::DefaultFontSize;
-        Number("\\fs", static_cast<int>(points * 2));
-    }
+    EnterFont(wanted_.fontName);
+    const int font = fonts_.value(wanted_.fontName);
+    const int halfPoints = HalfPoints(wanted_);
+    if (scripts_ == Scripts::Both)
+        ComplexFormat(font, halfPoints);
+    if (wanted_.fontName != current_.fontName)
+        Number("\\f", font);
+    if (wanted_.fontSize != current_.fontSize)
+        Number("\\fs", halfPoints);
     Switch("\\b", current_.bold, wanted_.bold);
     Switch("\\i", current_.italic, wanted_.italic);
     Switch("\\ul", current_.underline, wanted_.underline);
@@ -196,8 +212,11 @@ QByteArray Encoder::Head(qsizetype fontTableSize) const {
         }
         head += '}';
     }
-    head += "\r\n\\pard\\plain\\f0\\fs";
-    AppendNumber(head, static_cast<int>(RichText::DefaultFontSize * 2));
+    const QByteArray size = QByteArray::number(HalfPoints({}));
+    head += "\r\n\\pard\\plain";
+    if (scripts_ == Scripts::Both)
+        head += "\\rtlch\\af0\\afs" + size + "\\ltrch";
+    head += "\\f0\\fs" + size;
     return head;
 }
 

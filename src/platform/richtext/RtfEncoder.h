@@ -15,7 +15,11 @@ namespace pollarix::rtf {
 
 class Encoder {
   public:
-    Encoder();
+    // Some readers format Hebrew, Arabic and the like by codes of their own and pass over the usual
+    // ones. Both writes these as well.
+    enum class Scripts { Plain, Both };
+
+    explicit Encoder(Scripts scripts = Scripts::Plain);
 
     // Paragraph by paragraph, from the first.
     void BeginParagraph(bool bullet);
@@ -44,9 +48,11 @@ class Encoder {
     static QByteArray Tail() { return "}"; }
 
   private:
+    void ComplexFormat(int font, int halfPoints);
     void Number(const char* word, int value);
     void Switch(const char* word, bool& current, bool wanted);
 
+    Scripts scripts_;
     QByteArray body_;
     RunFormat wanted_;
     RunFormat current_;

@@ -1,0 +1,14 @@
+#include "platform/controls/PageButton.h"
+
+#include <QShortcutEvent>
+
+namespace pollarix {
+
+bool PageButton::event(QEvent* event) {
+    if (event->type() != QEvent::Shortcut || static_cast<QShortcutEvent*>(event)->isAmbiguous())
+        return QPushButton::event(event);
+    click();
+    return true;
+}
+
+} // namespace pollarix
