@@ -5,12 +5,14 @@
 
 #include <chrono>
 #include <csignal>
+#include <future>
 #include <memory>
 #include <optional>
 #include <thread>
 
 #include "server/RawSocket.h"
 #include "server/ServerProcess.h"
+#include "server/net/HttpServer.h"
 #include "server/protocol/RawCall.h"
 #include "support/Places.h"
 
@@ -150,6 +152,68 @@ TEST(HttpServer, BadSettingsStopItWithOneLine) {
         EXPECT_EQ(said.count('\n'), 1);
         EXPECT_NE(process.exitCode(), 0);
     }
+}
+
+TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
+    server::Router router;
+    std::promise<void> begun;
+    std::promise<void> goOn;
+    router.Add("POST", "/wait", server::Work::Waits, [&](const auto&, const auto&) {
+        begun.set_value();
+        goOn.get_future().wait();
+        return server::Response::Text(200, "done");
+    });
+    router.Add(
+        "GET", "/fail", server::Work::Quick,
+        [](const auto&, const auto&) -> server::Response { throw std::runtime_error("secret"); });
+    router.Add("GET", "/stream", server::Work::Quick, [](const auto&, const auto&) {
+        server::Response response;
+        response.stream = [count = 0](std::string& chunk) mutable {
+            if (++count == 3)
+                throw std::runtime_error("broken");
+            chunk.assign(100000, 'x');
+            return true;
+        };
+        return response;
+    });
+    std::vector<std::string> log;
+    server::HttpBounds bounds;
+    bounds.requestsAtOnce = 1;
+    bounds.requestsWaiting = 1;
+    server::HttpServer http(router, bounds, [&](const std::string& line) { log.push_back(line); });
+    const int port = http.Listen("127.0.0.1", 0);
+    const auto ask = [&](const std::string& path) {
+        RawSocket client(port);
+        client.Send("GET " + path + " HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+        return client.Receive();
+    };
+    const std::string cut = ask("/stream");
+    EXPECT_GT(cut.size(), 200000u);
+    EXPECT_FALSE(cut.ends_with("0\r\n\r\n")); // so that nobody takes it for whole
+    const std::string failed = ask("/fail");
+    EXPECT_TRUE(failed.starts_with("HTTP/1.1 500 ") && failed.find("secret") == std::string::npos);
+    EXPECT_EQ(log, (std::vector<std::string>{"an answer was cut: broken", "500: secret"}));
+    EXPECT_TRUE(ask("/wait").starts_with("HTTP/1.1 405 "));
+
+    const std::string post = "POST /wait HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n";
+    RawSocket first(port);
+    RawSocket cutOff(port);
+    first.Send(post);
+    begun.get_future().wait();
+    cutOff.Send("GET /never HT");
+    // One waits for the thread; of two more, at least one is too many.
+    RawSocket second(port);
+    RawSocket third(port);
+    second.Send("GET /stream HTTP/1.1\r\nHost: x\r\n\r\n");
+    second.Receive("\r\n\r\n"); // its first chunk is what waits
+    third.Send(post);
+    EXPECT_TRUE(third.Receive("\r\n").starts_with("HTTP/1.1 503 "));
+
+    std::thread stopping([&] { http.Stop(); });
+    cutOff.Receive(); // ended, so the stop has begun
+    goOn.set_value();
+    EXPECT_NE(first.Receive().find("done"), std::string::npos);
+    stopping.join();
 }
 
 TEST(ACall, IsPartedOnlyAtItsOwnMarks) {
