@@ -23,16 +23,18 @@ class Uploads : public testing::Test {
         bounds.idleSeconds = 1;
     }
     void Start() {
-        receiver = std::make_unique<server::FtpReceiver>(
-            bounds,
-            [this](std::int64_t user, std::int64_t survey, const std::string& document,
-                   const std::string& address) {
-                const std::lock_guard lock(mutex);
-                taken.push_back(std::to_string(user) + '-' + std::to_string(survey) + ' ' +
-                                document + ' ' + address);
-                return document == "bad" ? "That is no good." : "";
-            },
-            [](const std::string&) {});
+        server::UploadTaker taker;
+        taker.mayCome = [](std::int64_t user, std::int64_t, const std::string&) {
+            return user == 9 ? "Who are you?" : "";
+        };
+        taker.take = [this](std::int64_t user, std::int64_t survey, const std::string& document,
+                            const std::string& address) {
+            const std::lock_guard lock(mutex);
+            taken.push_back(std::to_string(user) + '-' + std::to_string(survey) + ' ' + document +
+                            ' ' + address);
+            return document == "bad" ? "That is no good." : "";
+        };
+        receiver = std::make_unique<server::FtpReceiver>(bounds, taker, [](const std::string&) {});
         port = receiver->Listen("127.0.0.1", 0);
     }
     // Sends the lines one after the other; gives the numbers of the replies to them.
@@ -96,7 +98,7 @@ TEST_F(Uploads, NothingButADocumentIsTaken) {
          {"../1-1.xml"s, "1-1.txt"s, "1.xml"s, "-1-1.xml"s, "0-1.xml"s, "1-1.xml/"s,
           "123456-1.xml"s, "1-1.xml\0.txt"s, "/etc/passwd"s, "a-b.xml"s})
         EXPECT_NE(Codes(*client, {"STOR " + name}), "150") << name;
-    EXPECT_EQ(Codes(*client, {"STOR 1-1.xml"}), "150");
+    EXPECT_EQ(Codes(*client, {"STOR 9-1.xml", "STOR 1-1.xml"}), "550 150");
     receiver->Stop(); // ends the upload that has begun
     EXPECT_EQ(taken.size(), 0u);
 }

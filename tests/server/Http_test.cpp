@@ -7,6 +7,7 @@
 #include <csignal>
 #include <future>
 #include <memory>
+#include <mutex>
 #include <optional>
 #include <thread>
 
@@ -158,9 +159,11 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     server::Router router;
     std::promise<void> begun;
     std::promise<void> goOn;
+    const std::shared_future<void> mayGoOn = goOn.get_future().share();
+    std::once_flag isFirst;
     router.Add("POST", "/wait", server::Work::Waits, [&](const auto&, const auto&) {
-        begun.set_value();
-        goOn.get_future().wait();
+        std::call_once(isFirst, [&] { begun.set_value(); });
+        mayGoOn.wait();
         return server::Response::Text(200, "done");
     });
     router.Add(
@@ -180,6 +183,7 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     server::HttpBounds bounds;
     bounds.requestsAtOnce = 1;
     bounds.requestsWaiting = 1;
+    bounds.allBodiesBytes = bounds.bodyBytes;
     server::HttpServer http(router, bounds, [&](const std::string& line) { log.push_back(line); });
     const int port = http.Listen("127.0.0.1", 0);
     const auto ask = [&](const std::string& path) {
@@ -195,19 +199,35 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     EXPECT_EQ(log, (std::vector<std::string>{"an answer was cut: broken", "500: secret"}));
     EXPECT_TRUE(ask("/wait").starts_with("HTTP/1.1 405 "));
 
+    // Only so much as all clients together may send is read at a time.
+    const std::string large = "POST /wait HTTP/1.1\r\nHost: x\r\nContent-Length: 600000\r\n"
+                              "Expect: 100-continue\r\n\r\n";
+    auto slow = std::make_unique<RawSocket>(port);
+    slow->Send(large);
+    EXPECT_TRUE(slow->Receive("\r\n").starts_with("HTTP/1.1 100 "));
+    RawSocket tooMuch(port);
+    tooMuch.Send(large);
+    EXPECT_TRUE(tooMuch.Receive("\r\n").starts_with("HTTP/1.1 503 "));
+    slow.reset();
+
     const std::string post = "POST /wait HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n";
     RawSocket first(port);
     RawSocket cutOff(port);
     first.Send(post);
     begun.get_future().wait();
     cutOff.Send("GET /never HT");
-    // One waits for the thread; of two more, at least one is too many.
-    RawSocket second(port);
-    RawSocket third(port);
-    second.Send("GET /stream HTTP/1.1\r\nHost: x\r\n\r\n");
-    second.Receive("\r\n\r\n"); // its first chunk is what waits
-    third.Send(post);
-    EXPECT_TRUE(third.Receive("\r\n").starts_with("HTTP/1.1 503 "));
+    // One waits for the thread, the others are too many.
+    std::vector<std::unique_ptr<RawSocket>> others;
+    for (int i = 0; i < 4; ++i) {
+        others.push_back(std::make_unique<RawSocket>(port));
+        others.back()->Send(post);
+    }
+    while (others.size() > 1)
+        std::erase_if(others, [](const auto& other) {
+            const std::string reply = other->Receive("\r\n", 20);
+            EXPECT_TRUE(reply.empty() || reply.starts_with("HTTP/1.1 503 ")) << reply;
+            return !reply.empty();
+        });
 
     std::thread stopping([&] { http.Stop(); });
     cutOff.Receive(); // ended, so the stop has begun

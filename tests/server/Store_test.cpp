@@ -265,6 +265,9 @@ TEST_F(Stored, AnUpdateKeepsEarlierVersionsAndAClosedSurveyTakesNothing) {
     EXPECT_EQ(submit("2"), Submitted::Closed);
     EXPECT_FALSE(store.FindSurveyByAddress("address of Lunch"));
     const Id next = store.CreateSurvey(changed.account, "Lunch", "y", Now);
+    SQLite::Database(DatabasePath(Directory()), SQLite::OPEN_READWRITE)
+        .exec("UPDATE sqlite_sequence SET seq = 32767 WHERE name = 'survey'");
+    EXPECT_THROW(store.CreateSurvey(changed.account, "One too many", "z", Now), OutOfNumbers);
     EXPECT_FALSE(store.UndeleteSurvey(survey));
     EXPECT_TRUE(store.DeleteSurvey(next, Now));
     EXPECT_TRUE(store.UndeleteSurvey(survey));

@@ -72,13 +72,15 @@ void Serve(const Settings& settings) {
                       [] { return static_cast<Time>(std::time(nullptr)); }, settings.retention,
                       settings.submissionsPerMinute});
 
-    FtpReceiver ftp(
-        settings.ftpBounds,
-        [&](std::int64_t user, std::int64_t survey, std::string document,
-            const std::string& address) {
-            return exchange.TakeDocument(user, survey, document, address);
-        },
-        Log);
+    FtpReceiver ftp(settings.ftpBounds,
+                    {[&](std::int64_t user, std::int64_t survey, const std::string& address) {
+                         return exchange.MayDocumentCome(user, survey, address);
+                     },
+                     [&](std::int64_t user, std::int64_t survey, const std::string& document,
+                         const std::string& address) {
+                         return exchange.TakeDocument(user, survey, document, address);
+                     }},
+                    Log);
     HttpServer http(router, settings.httpBounds, Log);
     const std::uint16_t ftpPort =
         settings.ftp.isOff ? 0 : ftp.Listen(settings.ftp.address, settings.ftp.port);

@@ -15,8 +15,8 @@ namespace pollarix::server {
 
 // Sessions are few and short, and each has a thread of its own.
 struct FtpReceiver::State {
-    State(const FtpBounds& given, TakeUpload taker, std::function<void(const std::string&)> line)
-        : bounds(given), take(std::move(taker)), log(std::move(line)),
+    State(const FtpBounds& given, UploadTaker uploads, std::function<void(const std::string&)> line)
+        : bounds(given), taker(std::move(uploads)), log(std::move(line)),
           wake(eventfd(0, EFD_CLOEXEC)) {}
 
     bool Enter(const std::string& address) {
@@ -36,7 +36,7 @@ struct FtpReceiver::State {
     }
 
     const FtpBounds bounds;
-    const TakeUpload take;
+    const UploadTaker taker;
     const std::function<void(const std::string&)> log;
     Socket wake; // can be read once the server stops
     std::vector<std::thread> listeners;
@@ -46,9 +46,9 @@ struct FtpReceiver::State {
     std::unordered_map<std::string, int> byAddress;
 };
 
-FtpReceiver::FtpReceiver(const FtpBounds& bounds, TakeUpload take,
+FtpReceiver::FtpReceiver(const FtpBounds& bounds, UploadTaker taker,
                          std::function<void(const std::string&)> log)
-    : state_(std::make_shared<State>(bounds, std::move(take), std::move(log))) {}
+    : state_(std::make_shared<State>(bounds, std::move(taker), std::move(log))) {}
 
 FtpReceiver::~FtpReceiver() {
     Stop();
@@ -77,7 +77,7 @@ std::uint16_t FtpReceiver::Listen(const std::string& address, std::uint16_t port
             }
             try {
                 std::thread([state, peer, control = std::move(control), wake]() mutable {
-                    FtpSession(state->bounds, state->take, std::move(control), wake).Run();
+                    FtpSession(state->bounds, state->taker, std::move(control), wake).Run();
                     state->Leave(peer);
                 }).detach();
             } catch (const std::system_error&) {

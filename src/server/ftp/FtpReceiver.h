@@ -24,14 +24,23 @@ struct FtpBounds {
     std::string publicAddress;
 };
 
-// Gets "incoming/<user>-<survey>.xml" whole. Gives "" when it is taken, else why not, in one line.
-// May be called by several threads at once; what it throws is told as a failure of the server.
-using TakeUpload = std::function<std::string(std::int64_t user, std::int64_t survey,
-                                             std::string document, const std::string& address)>;
+// Who decides about uploads and takes them. Both may be called by several threads at once; what
+// they throw is told as a failure of the server.
+struct UploadTaker {
+    // Whether "incoming/<user>-<survey>.xml" is welcome from that address, before any of it is
+    // read:
+    // "", else why not, in one line.
+    std::function<std::string(std::int64_t user, std::int64_t survey, const std::string& address)>
+        mayCome;
+    // Gets it whole. Gives "" when it is taken, else why not, in one line.
+    std::function<std::string(std::int64_t user, std::int64_t survey, std::string document,
+                              const std::string& address)>
+        take;
+};
 
 class FtpReceiver {
   public:
-    FtpReceiver(const FtpBounds& bounds, TakeUpload take,
+    FtpReceiver(const FtpBounds& bounds, UploadTaker taker,
                 std::function<void(const std::string&)> log);
     ~FtpReceiver(); // as Stop
     FtpReceiver(const FtpReceiver&) = delete;

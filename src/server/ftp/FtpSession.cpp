@@ -50,8 +50,8 @@ std::string OneLine(std::string words) {
 
 } // namespace
 
-FtpSession::FtpSession(const FtpBounds& bounds, const TakeUpload& take, Socket control, int wake)
-    : bounds_(bounds), take_(take), control_(std::move(control)), wake_(wake),
+FtpSession::FtpSession(const FtpBounds& bounds, const UploadTaker& taker, Socket control, int wake)
+    : bounds_(bounds), taker_(taker), control_(std::move(control)), wake_(wake),
       end_(std::chrono::steady_clock::now() + std::chrono::seconds(bounds.sessionSeconds)),
       peer_(PeerAddress(control_)) {}
 
@@ -190,15 +190,19 @@ bool FtpSession::Store(const std::string& name) {
         return Reply("553 A document's name is two numbers: 1-2.xml");
     if (!data_.IsOpen())
         return Reply("425 Please ask for a data connection first.");
-    if (!Reply("150 Ready."))
-        return false;
-    std::string refusal;
-    auto document = ReceiveData(refusal);
-    data_.Close();
-    if (!document)
-        return Reply(refusal);
     try {
-        const std::string why = take_(upload->user, upload->survey, std::move(*document), peer_);
+        if (const std::string why = taker_.mayCome(upload->user, upload->survey, peer_);
+            !why.empty())
+            return Reply("550 " + OneLine(why));
+        if (!Reply("150 Ready."))
+            return false;
+        std::string refusal;
+        auto document = ReceiveData(refusal);
+        data_.Close();
+        if (!document)
+            return Reply(refusal);
+        const std::string why =
+            taker_.take(upload->user, upload->survey, std::move(*document), peer_);
         return Reply(why.empty() ? "226 Taken." : "550 " + OneLine(why));
     } catch (const std::exception&) {
         return Reply("452 The server can't store this just now.");

@@ -12,7 +12,7 @@ namespace pollarix::server {
 class FtpSession {
   public:
     // wake: can be read once the server stops.
-    FtpSession(const FtpBounds& bounds, const TakeUpload& take, Socket control, int wake);
+    FtpSession(const FtpBounds& bounds, const UploadTaker& taker, Socket control, int wake);
 
     // Comes back when the client has gone, was silent for too long, or was sent away.
     void Run();
@@ -31,7 +31,7 @@ class FtpSession {
     Moment Soon() const;
 
     const FtpBounds& bounds_;
-    const TakeUpload& take_;
+    const UploadTaker& taker_;
     Socket control_;
     const int wake_;
     const Moment end_;

@@ -1,6 +1,9 @@
 #include "server/net/Http.h"
 
 #include <algorithm>
+#include <array>
+
+#include <arpa/inet.h>
 
 namespace pollarix::server {
 
@@ -62,6 +65,18 @@ std::string_view Request::Cookie(std::string_view name) const {
         }
     }
     return {};
+}
+
+void TakeProxysWord(Request& request) {
+    // The last address is the one that the proxy itself has seen.
+    const std::string_view chain = request.Header("X-Forwarded-For");
+    const std::size_t before = chain.find_last_of(", ");
+    const std::string last(before == std::string_view::npos ? chain : chain.substr(before + 1));
+    std::array<unsigned char, 16> bytes{};
+    if (inet_pton(AF_INET, last.c_str(), bytes.data()) == 1 ||
+        inet_pton(AF_INET6, last.c_str(), bytes.data()) == 1)
+        request.address = last;
+    request.isTls = request.Header("X-Forwarded-Proto") == "https";
 }
 
 Response Response::Text(int status, std::string words) {

@@ -29,6 +29,10 @@ struct Request {
     std::string_view Cookie(std::string_view name) const;
 };
 
+// Takes the client's address and the encryption from what a trusted proxy has written into the
+// request; what can't be read leaves them as they are.
+void TakeProxysWord(Request& request);
+
 // Fills the chunk with what comes next of a long body; false at its end, with the chunk unused. May
 // throw, which cuts the connection, so that the client knows that the body isn't whole.
 using BodySource = std::function<bool(std::string& chunk)>;

@@ -84,6 +84,7 @@ struct HttpServer::Core : std::enable_shared_from_this<HttpServer::Core> {
     std::unique_ptr<WorkPool> pool;
     std::atomic<std::size_t> nextContext = 0;
     std::atomic<bool> isStopping = false;
+    std::atomic<std::size_t> reserved = 0; // bytes of bodies
 
     std::mutex mutex;
     std::condition_variable ended;
@@ -105,6 +106,7 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             const std::lock_guard lock(core_->mutex);
             core_->sessions.erase(this);
         }
+        GiveBack();
         core_->Leave(peer_);
     }
     Session(const Session&) = delete;
@@ -130,6 +132,7 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
     void ReadHead() {
         if (core_->isStopping)
             return stream_.close();
+        GiveBack();
         parser_.emplace();
         parser_->header_limit(static_cast<std::uint32_t>(core_->bounds.headBytes));
         parser_->body_limit(core_->bounds.bodyBytes);
@@ -150,6 +153,8 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             return Refuse(400);
         if (!IsMethod(request_.method))
             return Refuse(405);
+        if (!Reserve())
+            return Refuse(503);
         if (beast::iequals(head[http::field::expect], "100-continue") && !parser_->is_done()) {
             static constexpr std::string_view goOn = "HTTP/1.1 100 Continue\r\n\r\n";
             asio::async_write(stream_, asio::buffer(goOn),
@@ -161,6 +166,20 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
         }
         ReadBody();
     }
+
+    // Bodies lie in memory while they come in, and all clients together can't have more than so
+    // much of it.
+    bool Reserve() {
+        if (!parser_->is_done()) {
+            const auto length = parser_->content_length();
+            reserved_ = length ? static_cast<std::size_t>(*length) : core_->bounds.bodyBytes;
+        }
+        const bool isThere = (core_->reserved += reserved_) <= core_->bounds.allBodiesBytes;
+        if (!isThere)
+            GiveBack();
+        return isThere;
+    }
+    void GiveBack() { core_->reserved -= std::exchange(reserved_, 0); }
 
     // Still within the time that the head began with.
     void ReadBody() {
@@ -210,20 +229,8 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
                                           std::string(field.value()));
         request_.address = peer_;
         if (core_->IsTrusted(peer_))
-            TakeProxysWord();
+            TakeProxysWord(request_);
         return true;
-    }
-    // The last address is the one that the proxy itself has seen.
-    void TakeProxysWord() {
-        const std::string_view chain = request_.Header("X-Forwarded-For");
-        const std::size_t from = chain.find_last_of(", ");
-        const std::string_view last =
-            from == std::string_view::npos ? chain : chain.substr(from + 1);
-        error_code isNone;
-        const auto address = asio::ip::make_address(std::string(last), isNone);
-        if (!isNone)
-            request_.address = address.to_string();
-        request_.isTls = request_.Header("X-Forwarded-Proto") == "https";
     }
 
     void Failed(error_code error) {
@@ -231,10 +238,6 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             return Refuse(413);
         if (error == http::error::header_limit || error == http::error::buffer_overflow)
             return Refuse(431);
-        if (error == beast::error::timeout && parser_ && parser_->got_some()) {
-            // The stream is closed by its time being over: there is nobody to tell.
-            return;
-        }
         if (error.category() == http::make_error_code(http::error::bad_target).category() &&
             error != http::error::end_of_stream && error != http::error::partial_message)
             return Refuse(400);
@@ -368,6 +371,7 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
     std::string head_;
     std::string_view tail_;
     std::size_t ignored_ = 0;
+    std::size_t reserved_ = 0;
     bool keepAlive_ = false;
     bool isHttp10_ = false;
     bool isIdle_ = true;

@@ -16,6 +16,7 @@ namespace pollarix::server {
 struct HttpBounds {
     std::size_t headBytes = 16 * 1024;
     std::size_t bodyBytes = 1024 * 1024;
+    std::size_t allBodiesBytes = 48 * 1024 * 1024; // of all requests at once; beyond that comes 503
     std::size_t connections = 4096;
     std::size_t connectionsPerAddress = 256; // a trusted proxy has no such bound
     int secondsForRequest = 15;              // from the answer before it to its last byte

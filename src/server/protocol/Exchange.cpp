@@ -256,6 +256,16 @@ std::string Exchange::DeleteSurveyResultsFile(const RawCall& call, const std::st
     return std::to_string(count);
 }
 
+std::string Exchange::MayDocumentCome(std::int64_t user, std::int64_t survey,
+                                      const std::string& address) {
+    try {
+        SurveyOf(AccountOf(std::to_string(user), address), std::to_string(survey));
+        return {};
+    } catch (const Refusal& refusal) {
+        return Words(refusal.words);
+    }
+}
+
 std::string Exchange::TakeDocument(std::int64_t user, std::int64_t survey,
                                    const std::string& document, const std::string& address) {
     try {

@@ -25,7 +25,8 @@ class Exchange {
 
     // Adds "/ws/CallFunc.php".
     void AddRoutes(Router& router);
-    // A document that came by FTP; see TakeUpload.
+    // Whether a document may come by FTP, and one that came; see UploadTaker.
+    std::string MayDocumentCome(std::int64_t user, std::int64_t survey, const std::string& address);
     std::string TakeDocument(std::int64_t user, std::int64_t survey, const std::string& document,
                              const std::string& address);
 
