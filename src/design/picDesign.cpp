@@ -1,8 +1,14 @@
 #include "design/picDesign.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QPointer>
+#include <QScrollBar>
 
 #include <algorithm>
+#include <iterator>
+#include <map>
 
 #include "design/picLibraryView.h"
 #include "design/picMatrix.h"
@@ -11,6 +17,8 @@
 #include "document/QuestionLabels.h"
 #include "document/SurveyViews.h"
 #include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
+#include "platform/controls/Focus.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/controls/Twips.h"
 
@@ -36,8 +44,8 @@ void Place(QWidget& control, int left, int top, int width, int height) {
 } // namespace
 
 picDesign::picDesign(ApplicationState& state, QWidget* parent)
-    : QWidget(parent), editor_(state), picTitle_(NewScreenTitle("picTitle", "Design", this)),
-      picTitles_(new QWidget(this)),
+    : QWidget(parent), state_(state), editor_(state, *this),
+      picTitle_(NewScreenTitle("picTitle", "Design", this)), picTitles_(new QWidget(this)),
       lblInstructions_(NewInstructions(
           "Instructions - You are currently designing your survey. To add a question press the "
           "'Add Question' button above, enter your Question Text and select the Question Type. "
@@ -126,10 +134,82 @@ void picDesign::mnuDesignAddText_Click() {
 // The text fills the empty question on screen, which is not marked as changed by it, or else a new
 // one.
 void picDesign::AddLibraryText(const QString& name) {
+    const SurveyEditor::OneStep step(editor_);
     if (!EditorText().isEmpty())
         mnuDesignAddOpenEndedQuestion_Click();
-    picQProperties_->Editor().SetTextRTF(name);
-    CommitText();
+    picQProperties_->EnterText(name);
+}
+
+void picDesign::AddBlankOpenEndedQuestion() {
+    mnuDesignAddOpenEndedQuestion_Click();
+    state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
+}
+
+void picDesign::Undo() {
+    editor_.Undo();
+}
+
+void picDesign::Redo() {
+    editor_.Redo();
+}
+
+bool picDesign::IsStepKey(QKeyEvent& event) {
+    const Qt::KeyboardModifiers modifiers = event.modifiers();
+    const bool undo = event.key() == Qt::Key_Z && modifiers == Qt::ControlModifier;
+    const bool redo =
+        (event.key() == Qt::Key_Y && modifiers == Qt::ControlModifier) ||
+        (event.key() == Qt::Key_Z && modifiers == (Qt::ControlModifier | Qt::ShiftModifier));
+    if (undo)
+        RunHandler([this] { Undo(); });
+    else if (redo)
+        RunHandler([this] { Redo(); });
+    return undo || redo;
+}
+
+void picDesign::keyPressEvent(QKeyEvent* event) {
+    event->setAccepted(IsStepKey(*event));
+}
+
+std::vector<NodeLabel> picDesign::NodeLabels() const {
+    std::vector<NodeLabel> labels;
+    for (int i = 1; i <= tvTreeView_.Count(); ++i)
+        if (const TreeNode& node = tvTreeView_.Item(i); node.Key() != RootKey)
+            labels.push_back({node.Key(), node.Text()});
+    return labels;
+}
+
+QString picDesign::SelectedQuestionKey() const {
+    const std::optional<QString> key = SelectedKey();
+    return key && *key != RootKey ? *key : QString();
+}
+
+void picDesign::ShowState(const DesignState& state) {
+    const QPointer<QWidget> focus = QApplication::focusWidget();
+    const int scrolled = tvTreeView_.verticalScrollBar()->value();
+    SetRedraw(false);
+    ClearTree();
+    AddRootNode();
+    // The nodes come back in the order in which they were added, each beside one that is there.
+    std::map<int, QString> added; // by place in the survey
+    for (const NodeLabel& node : state.nodes) {
+        const int place = state_.CurrentSurvey.GetQIndexFromKey(node.key);
+        const auto next = added.lower_bound(place);
+        if (next != added.begin())
+            tvTreeView_.Add(std::prev(next)->second, TreeView::tvwNext, node.key, node.text);
+        else if (next != added.end())
+            tvTreeView_.Add(next->second, TreeView::tvwPrevious, node.key, node.text);
+        else
+            tvTreeView_.Add(RootKey, TreeView::tvwChild, node.key, node.text);
+        added.emplace(place, node.key);
+    }
+    const QString selected =
+        state.survey.selectedKey.isEmpty() ? QString(RootKey) : state.survey.selectedKey;
+    SelectNode(selected);
+    tvTreeView_NodeClick(selected);
+    tvTreeView_.verticalScrollBar()->setValue(scrolled);
+    SetRedraw(true);
+    const bool stays = focus && isAncestorOf(focus) && focus->isVisible() && focus->isEnabled();
+    MoveFocusQuietly(stays ? *focus : static_cast<QWidget&>(tvTreeView_));
 }
 
 bool picDesign::picQPropertiesVisible() const {

@@ -18,7 +18,7 @@ class picLibraryView;
 class picQProperties;
 class picTreeView;
 
-class picDesign : public QWidget {
+class picDesign : public QWidget, private EditorScreen {
     Q_OBJECT
   public:
     picDesign(ApplicationState& state, QWidget* parent);
@@ -36,7 +36,13 @@ class picDesign : public QWidget {
     void mnuDesignAddRadioQuestion_Click();
     void mnuDesignAddMatrixQuestion_Click();
     void mnuDesignAddText_Click();
-    void AddBlankOpenEndedQuestion() { mnuDesignAddOpenEndedQuestion_Click(); }
+    // The one that the program starts with, which is no step that could be undone.
+    void AddBlankOpenEndedQuestion();
+
+    // A step of the design back, or forth again; nothing where there is none. The focus stays where
+    // it is, if that is still there.
+    void Undo();
+    void Redo();
 
     // Whether a question is shown, on whatever screen the user is.
     bool picQPropertiesVisible() const;
@@ -54,11 +60,22 @@ class picDesign : public QWidget {
     void ClearEditors();
     void SetRedraw(bool on);
 
+  protected:
+    // What no text box has taken: Ctrl+Z, Ctrl+Y and Ctrl+Shift+Z are steps of the design.
+    void keyPressEvent(QKeyEvent* event) override;
+
   private:
+    // EditorScreen
+    std::vector<NodeLabel> NodeLabels() const override;
+    QString SelectedQuestionKey() const override;
+    void ShowState(const DesignState& state) override;
+
+    bool IsStepKey(QKeyEvent& event);
     void AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID);
     void AddLibraryText(const QString& name);
     int BodyTop() const;
 
+    ApplicationState& state_;
     SurveyEditor editor_;
     QLabel* picTitle_;
     QWidget* picTitles_;

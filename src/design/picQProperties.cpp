@@ -202,7 +202,9 @@ void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
     setVisible(true);
     raise();
     MoveFocusQuietly(*txtQ_);
+    editor_.EndOfTyping();
     txtQ_->SetTextRTF(q->Question);
+    txtQ_->document()->setModified(false);
     txtQ_->SetSelStart(0);
     txtQ_->SetSelLength(static_cast<int>(txtQ_->Text().size()));
     const auto option = std::find(KindOfOption.begin(), KindOfOption.end(), q->qType);
@@ -301,10 +303,16 @@ void picQProperties::CommitText() {
     const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
     if (!q)
         return;
-    editor_.SetText(*q, txtQ_->TextRTF());
+    editor_.SetText(*q, txtQ_->TextRTF(), txtQ_->document()->isModified());
     const QString text = txtQ_->Text();
     node->SetText(PrefixOf(q->qType, q->QuestionNo) +
                   (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
+}
+
+void picQProperties::EnterText(const QString& rtf) {
+    txtQ_->SetTextRTF(rtf);
+    txtQ_->document()->setModified(true);
+    CommitText();
 }
 
 // What the mouse pastes, drops or takes away counts as a key does, if it did anything.

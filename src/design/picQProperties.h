@@ -32,6 +32,9 @@ class picQProperties : public QFrame {
     // with a node that code has just selected.
     void tvTreeView_NodeClick(TreeNode& Node);
 
+    // Puts a text into the box as if it had been typed, and commits it.
+    void EnterText(const QString& rtf);
+
     // What the box shows becomes the selected question's text and, as far as its first line goes,
     // the node's. With the root selected, as after a delete, nothing happens.
     void CommitText();

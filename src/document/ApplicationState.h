@@ -4,6 +4,7 @@
 
 #include <QString>
 
+#include "document/DesignHistory.h"
 #include "document/clsSurvey.h"
 #include "platform/database/Database.h"
 #include "platform/desktop/Dialogs.h"
@@ -24,6 +25,7 @@ struct ApplicationState {
     Dialogs& dialogs;
 
     clsSurvey CurrentSurvey;
+    DesignHistory History;        // of CurrentSurvey since it was opened
     Connection SurveyConnection;  // open whenever a survey is
     Connection LibraryConnection; // open on Library.mdb for the whole run, read only
     QString CurrentFilename;      // full path; "" when none; ends in ".tmp" while it has no name
@@ -33,6 +35,8 @@ struct ApplicationState {
     // Called by every editing action of the design panels. Changes of respondents do not call it:
     // they are written at once.
     void MarkFileChanged() { FileChanged = true; }
+    // For undo that has come back to what the file holds, and nobody else.
+    void MarkFileUnchanged() { FileChanged = false; }
 };
 
 } // namespace pollarix

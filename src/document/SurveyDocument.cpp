@@ -25,6 +25,23 @@ class RedrawOff {
     SurveyViews& views_;
 };
 
+// Carries the steps that can be undone over the reading back of what was just written.
+class CarriedHistory {
+  public:
+    explicit CarriedHistory(ApplicationState& state)
+        : state_(state), history_(std::move(state.History)),
+          written_(SurveySnapshot::Take(state.CurrentSurvey)) {}
+    void Arrive() {
+        history_.FollowSave(written_, SurveySnapshot::Take(state_.CurrentSurvey));
+        state_.History = std::move(history_);
+    }
+
+  private:
+    ApplicationState& state_;
+    DesignHistory history_;
+    SurveySnapshot written_;
+};
+
 } // namespace
 
 bool EndsInTmp(const QString& path, Qt::CaseSensitivity sensitivity) {
@@ -79,6 +96,7 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
         }
 
         state_.FileChanged = false;
+        state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
         state_.CurrentFilename = sFilename;
         views_.RefreshRespondeSummaryReportList();
         views_.RefreshRespondentList();
@@ -154,7 +172,9 @@ int SurveyDocument::SelectedPosition() const {
 void SurveyDocument::DoSave() {
     const int position = SelectedPosition();
     WriteModel();
+    CarriedHistory carried(state_);
     Reopen(position);
+    carried.Arrive();
 }
 
 void SurveyDocument::Reopen(int SelectIndex) {
@@ -263,6 +283,7 @@ void SurveyDocument::DoClose() {
         // A connection that is not open is no failure here.
     }
     state_.CurrentFilename.clear();
+    state_.History.Start({});
     views_.ShowPath({});
     views_.AddRootNode();
     views_.tvTreeView_NodeClick(RootKey);
@@ -301,9 +322,11 @@ void SurveyDocument::mnuFileSaveAs_Click() {
         SettleJournal(chosen);
         copy.Finish();
         state_.CurrentFilename = chosen;
+        CarriedHistory carried(state_);
         Reopen(position);
         DoClose();
         DoOpen(chosen, true, 1);
+        carried.Arrive();
     } catch (const Failure& failure) {
         if (failure.Number() == failure::DialogCancelled)
             return;

@@ -1,7 +1,7 @@
 // The one door through which the Design screen changes the survey. Each operation is a step of the
 // user's, or what showing a question does to it; which of them mark the survey as changed is told
-// here and nowhere else. Changes the model only: tree and panels follow, file and respondents are
-// others' business.
+// here and nowhere else, and so is which of them can be undone. Changes the model only: tree and
+// panels follow, file and respondents are others' business.
 #pragma once
 
 #include <QStringList>
@@ -10,9 +10,21 @@
 
 namespace pollarix {
 
+// What the editor asks of the screen that shows the survey.
+class EditorScreen {
+  public:
+    virtual ~EditorScreen() = default;
+
+    // The question nodes of the tree, in its collection order.
+    virtual std::vector<NodeLabel> NodeLabels() const = 0;
+    virtual QString SelectedQuestionKey() const = 0; // "" for none or the root
+    // Shows a state that the model has already taken.
+    virtual void ShowState(const DesignState& state) = 0;
+};
+
 class SurveyEditor {
   public:
-    explicit SurveyEditor(ApplicationState& state) : state_(state) {}
+    SurveyEditor(ApplicationState& state, EditorScreen& screen) : state_(state), screen_(screen) {}
 
     const clsSurvey& Survey() const { return state_.CurrentSurvey; }
 
@@ -33,9 +45,12 @@ class SurveyEditor {
     void KindClicked() { state_.MarkFileChanged(); }
 
     // The text of the box, rich. Marks nothing: the edits do that as they happen, by the second.
-    // So a text that the library put into an empty question marks nothing either.
-    void SetText(clsQ& q, const QString& rtf);
+    // So a text that the library put into an empty question marks nothing either. All that is typed
+    // into one question until EndOfTyping is one step. `edited` is false for a text that only reads
+    // otherwise than the question's, and means the same: that is no step.
+    void SetText(clsQ& q, const QString& rtf, bool edited);
     void TextEdited() { state_.MarkFileChanged(); }
+    void EndOfTyping() { typedInto_.clear(); }
 
     // Marks nothing: the number is in no file.
     void SetNoOfRows(clsQ& q, std::int16_t rows);
@@ -56,8 +71,36 @@ class SurveyEditor {
     void SetJump(clsQ& q, std::int16_t position, const QString& targetKey);
     void JumpAsked() { state_.MarkFileChanged(); }
 
+    // Go one step back, or forth again, and show it. False when there is none. The survey is then
+    // marked if it was in that state, unless its file holds just that.
+    bool Undo();
+    bool Redo();
+
+    // What is done while one lives is one step.
+    class OneStep {
+      public:
+        explicit OneStep(SurveyEditor& editor) : editor_(editor) {
+            editor_.together_ = Together::Yes;
+        }
+        ~OneStep() { editor_.together_ = Together::No; }
+        OneStep(const OneStep&) = delete;
+        OneStep& operator=(const OneStep&) = delete;
+
+      private:
+        SurveyEditor& editor_;
+    };
+
   private:
+    enum class Together { No, Yes, Kept };
+
+    void KeepState();
+    DesignState Now() const;
+    bool GoTo(std::optional<DesignState> state);
+
     ApplicationState& state_;
+    EditorScreen& screen_;
+    QString typedInto_; // the question whose step takes what is typed next
+    Together together_ = Together::No;
 };
 
 } // namespace pollarix

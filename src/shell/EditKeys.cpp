@@ -8,13 +8,17 @@
 namespace pollarix {
 
 void SendKeys(const QKeyCombination& key) {
-    // Handed to the control itself: sent through the application, Ctrl+C would find the menu again.
-    const QPointer<QObject> target = QApplication::focusWidget();
+    const QPointer<QWidget> focus = QApplication::focusWidget();
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        if (!target)
-            return;
         QKeyEvent event(type, key.key(), key.keyboardModifiers());
-        target->event(&event);
+        // Handed to the control itself, and what it leaves to those that it lies in: sent through
+        // the application, Ctrl+C would find the menu again.
+        for (QPointer<QWidget> target = focus; target; target = target->parentWidget()) {
+            event.accept();
+            static_cast<QObject&>(*target).event(&event);
+            if (event.isAccepted() || !target || target->isWindow())
+                break;
+        }
     }
 }
 

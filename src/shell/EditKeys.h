@@ -7,7 +7,8 @@
 namespace pollarix {
 
 // Presses and releases the key on the focused control of the active window. Without one, or on a
-// control that does nothing with it, the keystroke is lost. It never triggers a menu's shortcut.
+// control that, with all it lies in, does nothing with it, the keystroke is lost. It never triggers
+// a menu's shortcut.
 void SendKeys(const QKeyCombination& key);
 
 } // namespace pollarix

@@ -261,7 +261,10 @@ TEST_F(MainWindowTest, TheEditMenuSendsKeysToTheFocusedControl) {
     EXPECT_EQ(TreeTexts().last(), "1. abcabc");
     Menu("mnuEditUndo");
     EXPECT_EQ(TreeTexts().last(), "1. abc");
+    Menu("mnuDesignAddCheckQuestion");
     Find<TreeView>("tvTreeView")->setFocus();
+    Menu("mnuEditUndo"); // of the tree: a step of the design
+    EXPECT_EQ(TreeTexts().size(), 2);
     Menu("mnuEditDelete"); // a control that does nothing with it
     EXPECT_EQ(TreeTexts().size(), 2);
     EXPECT_TRUE(failures.empty());

@@ -136,6 +136,12 @@ bool ComboBox::event(QEvent* event) {
 }
 
 void ComboBox::keyPressEvent(QKeyEvent* event) {
+    // The base class would look for an entry that begins with what Ctrl makes of a letter.
+    if (event->modifiers() & Qt::ControlModifier && event->key() >= Qt::Key_A &&
+        event->key() <= Qt::Key_Z) {
+        event->ignore();
+        return;
+    }
     const int before = ListIndex();
     raised_ = false;
     QComboBox::keyPressEvent(event);
