@@ -17,7 +17,7 @@
 
 using namespace pollarix;
 using namespace pollarix::test;
-using exchange::Kind;
+using AnswerKind = exchange::Kind;
 
 namespace {
 
@@ -79,7 +79,7 @@ TEST_F(RoundTrip, SurveysOfAnyTextsAreReadAsTheyAreMeantAndTheirAnswersComeBack)
             exchange::Question q;
             const QString text = Text();
             q.id = ++id;
-            q.kind = static_cast<Kind>(Below(5));
+            q.kind = static_cast<AnswerKind>(Below(5));
             q.text = Utf8(PlainTextOf(text));
             clsQ& written = *program.state.CurrentSurvey.GetQ(
                 program.state.CurrentSurvey.AddQ(text, static_cast<int>(q.kind), q.id, 2));
@@ -87,10 +87,10 @@ TEST_F(RoundTrip, SurveysOfAnyTextsAreReadAsTheyAreMeantAndTheirAnswersComeBack)
             for (int j = Below(4); j > 0; --j) {
                 const QString name = Text();
                 written.AddResponse(name, ++id, -1, "");
-                if (q.kind != Kind::OpenEnded && q.kind != Kind::Text)
+                if (q.kind != AnswerKind::OpenEnded && q.kind != AnswerKind::Text)
                     q.choices.push_back({id, Utf8(name)});
             }
-            if (q.kind == Kind::Matrix && !q.choices.empty())
+            if (q.kind == AnswerKind::Matrix && !q.choices.empty())
                 for (int point = 0; point < 3; ++point)
                     q.scale.push_back({300 + point, scale[static_cast<std::size_t>(point)]});
             meant.questions.push_back(q);
@@ -117,18 +117,19 @@ TEST_F(RoundTrip, SurveysOfAnyTextsAreReadAsTheyAreMeantAndTheirAnswersComeBack)
             // An answer, and the row that the program has to make of it.
             exchange::Answer& answer = answers[i];
             const QString question = QString("1|%1|").arg(q.id);
-            if (q.kind == Kind::OpenEnded) {
+            if (q.kind == AnswerKind::OpenEnded) {
                 const QString text = Text();
                 answer.text = text.toStdString();
                 rows << question + "1|" + QString(text).remove(' ').replace("\r\n", "\n") + "|NULL";
             }
             for (std::size_t j = 0; j < q.choices.size(); ++j) {
                 const QString response = question + QString::number(q.choices[j].id) + "||";
-                if (q.kind == Kind::Matrix) {
+                if (q.kind == AnswerKind::Matrix) {
                     answer.points[j] = Below(4) - 1;
                     if (answer.points[j] >= 0)
                         rows << response + QString::number(300 + answer.points[j]);
-                } else if (Below(2) == 0 && (q.kind == Kind::Check || answer.ticked.empty())) {
+                } else if (Below(2) == 0 &&
+                           (q.kind == AnswerKind::Check || answer.ticked.empty())) {
                     answer.ticked.push_back(j);
                     rows << response + "NULL";
                 }
