@@ -5,6 +5,7 @@
 #   scripts/install-dependencies.sh --screen   also for running where there is no screen
 #   scripts/install-dependencies.sh --tests    also for testing and for checking the sources
 #   scripts/install-dependencies.sh --package  also for making the Debian package and checking it
+#   scripts/install-dependencies.sh --browser  also for using the survey server's pages in a browser
 #   scripts/install-dependencies.sh --fuzz     also for the fuzzers
 #   scripts/install-dependencies.sh --memory   also for running the tests under valgrind
 #   scripts/install-dependencies.sh --statistics   also for holding the statistics against other programs
@@ -49,6 +50,11 @@ for group in "$@"; do
     --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
     --server) packages+=(wrk) ;;
     --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven libreoffice-calc-nogui) ;;
+    --browser)
+        packages+=(chromium)
+        # Other packages of Node.js bring npm along.
+        command -v npm >/dev/null || packages+=(nodejs npm)
+        ;;
     --fresh-machine) packages=(debootstrap) ;;
     --installed) packages=(debootstrap xvfb xauth openbox xdotool imagemagick) ;;
     *)
@@ -74,6 +80,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --tests) tools=(vsftpd) ;;
         --memory) tools=(valgrind vsftpd) ;;
         --server) tools=(wrk) ;;
+        --browser) tools=(chromium node npm) ;;
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;

@@ -4,6 +4,8 @@
 
 #include <QTemporaryDir>
 
+#include <SQLiteCpp/SQLiteCpp.h>
+
 #include <fstream>
 #include <map>
 #include <regex>
@@ -203,6 +205,25 @@ TEST_F(Pages, AllOnOnePageAndClosedAtItsHoldersWish) {
     EXPECT_TRUE(Says("closed"));
     EXPECT_EQ(Rows().size(), 1U);
     EXPECT_FALSE(Ask("GET", "/").body.find("A &amp; &lt;b&gt;") != std::string::npos);
+}
+
+TEST_F(Pages, WhatCanNotBeStoredStaysWithWhoTypedIt) {
+    Open("/s/address");
+    fields.find("q11")->second = "kept";
+    SQLite::Database file(directory.filePath("pollarix-server.db").toStdString(),
+                          SQLite::OPEN_READWRITE);
+    for (const char* button : {"later", "send"}) {
+        const std::string table = std::string(button) == "later" ? "draft" : "submission";
+        file.exec("ALTER TABLE " + table + " RENAME TO elsewhere");
+        Press(button);
+        EXPECT_EQ(shown.status, 503);
+        EXPECT_TRUE(Says("could not be stored just now"));
+        EXPECT_FALSE(Says("Thank you"));
+        file.exec("ALTER TABLE elsewhere RENAME TO " + table);
+    }
+    Press("send");
+    EXPECT_TRUE(Says("Thank you"));
+    EXPECT_EQ(Rows(), std::vector<std::string>{"1 11=kept"});
 }
 
 TEST_F(Pages, WhatNoFormSendsIsRefused) {

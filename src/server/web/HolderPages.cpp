@@ -98,20 +98,20 @@ Html SettingsHtml(const Holder& holder, const Survey& s) {
     return html << Button("Save", "main") << "</form>";
 }
 
-Html ResultsHtml(const Holder& holder, const SurveyDetails& d) {
+Html ResultsHtml(const Holder& holder, const SurveyDetails& d, Time now) {
     const std::string path = SurveyPath(d.survey);
     Html html("<h2>Answers</h2>");
-    html << CountsHtml({d.survey, d.counts}, 0);
+    html << CountsHtml({d.survey, d.counts}, now);
     if (d.counts.conflicts > 0)
         html << "<p>" << d.counts.conflicts
              << " of them came from forms that had been sent before with other answers. Both are "
                 "kept; the table for spreadsheets marks the later ones.</p>";
     if (d.lost.count > 0)
-        (html << "<p>" << d.lost.count
-              << " letters of the answers that wait can't be told to the program, which knows "
-                 "those of Western Europe only; they arrive there as \"?\": <span dir=\"auto\">")
+        (html << "<p>Letters in the waiting answers that the program can't show: " << d.lost.count
+              << " (<span dir=\"auto\">")
                 .Text(d.lost.Names())
-            << "</span>. The table for spreadsheets has them all.</p>";
+            << "</span>). It knows those of Western Europe only; others arrive there as \"?\". The "
+               "table for spreadsheets has them all.</p>";
     (html << "<ul><li><a").Attribute("href", path + "/results.csv")
         << ">All answers as a table for spreadsheets (CSV)</a></li><li><a";
     html.Attribute("href", path + "/results.txt")
@@ -182,11 +182,11 @@ Page SurveyPage(const Holder& holder, const SurveyDetails& d, Time now, std::str
     const Survey& s = d.survey;
     Page page = HolderPage(holder, s.name);
     Html& html = page.body;
-    (html << Done(done, isFault) << "<p>").Text(State(s, now)) << ".</p>";
+    html << Done(done, isFault);
     if (s.deleted > 0) {
         (html << "<p>It can be had back until ").Text(Day(d.keptUntil))
             << ", with all its answers.</p>" << FormHead(SurveyPath(s) + "/undelete", holder)
-            << Button("Have it back", "main") << "</form>" << ResultsHtml(holder, d);
+            << Button("Have it back", "main") << "</form>" << ResultsHtml(holder, d, now);
         return page;
     }
     if (s.version > 0) {
@@ -199,7 +199,7 @@ Page SurveyPage(const Holder& holder, const SurveyDetails& d, Time now, std::str
         html.Attribute("src", SurveyPath(s) + "/code.svg")
             << " width=\"256\" height=\"256\" alt=\"The link as a QR code, to be downloaded\"></a>";
     }
-    html << ResultsHtml(holder, d) << SettingsHtml(holder, s) << "<h2>Delete</h2>"
+    html << ResultsHtml(holder, d, now) << SettingsHtml(holder, s) << "<h2>Delete</h2>"
          << FormHead(SurveyPath(s) + "/delete", holder)
          << "<p>The form disappears at once. For a while you can have the survey back here, with "
             "all its answers; then it is gone for good.</p>"
