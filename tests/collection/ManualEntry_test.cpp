@@ -155,6 +155,7 @@ TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
     Add(kind::Matrix, "After a check page", {"c"}, 11);
     Add(kind::OpenEnded, "Why?", {});
     Add(kind::Matrix, "After a text page", {"d"}, 11);
+    Add(kind::Radio, "One?", {"y"});
     document.DoSave();
     ShowScreen();
     Enter(AddOne, [&](EntryPage page) {
@@ -177,9 +178,11 @@ TEST_F(ManualEntry, EnterOnAMatrixIsWhatThePageBeforeLeft) {
         page.Key(Qt::Key_Return);
         EXPECT_EQ(page.Question(), "5. After a text page");
         page.Next();
+        page.Choose(0);
+        page.Key(Qt::Key_Return);
     });
-    EXPECT_EQ(Answers(),
-              QStringList({"1|1|2||46", "1|1|1||48", "1|3|4||46", "1|4|1||NULL", "1|5|5||47"}));
+    EXPECT_EQ(Answers(), QStringList({"1|1|2||46", "1|1|1||48", "1|3|4||46", "1|4|1||NULL",
+                                      "1|5|5||47", "1|6|6||NULL"}));
 }
 
 TEST_F(ManualEntry, APageThatFailsStandsAsFarAsItGotAndEnterGoesOn) {

@@ -7,6 +7,7 @@
 
 #include <cmath>
 #include <limits>
+#include <random>
 #include <set>
 
 #include "platform/ChartTestRows.h"
@@ -103,23 +104,22 @@ INSTANTIATE_TEST_SUITE_P(Styles, ChartLayout, testing::ValuesIn(AllChartTypes())
                          [](const auto& info) { return ChartTypeName(info.param); });
 
 TEST(ChartScale, RunsFromZeroInRoundSteps) {
-    struct ScaleCase {
+    std::mt19937 random(1);
+    for (int i = 0; i < 2000; ++i) {
+        const int steps = 1 + int(random() % 9);
         std::vector<double> values;
-        int steps;
-        double min, max, step;
-    };
-    for (const ScaleCase& wanted : std::vector<ScaleCase>{{{}, 6, 0, 1, 1},
-                                                          {{3, 12, 7}, 6, 0, 12, 2},
-                                                          {{2}, 8, 0, 2, 1},
-                                                          {{99999}, 5, 0, 100000, 20000},
-                                                          {{0.25, 0.5}, 5, 0, 0.5, 0.1},
-                                                          {{-3, 5}, 1, -10, 10, 10},
-                                                          {{1e15}, 3, 0, 1e15, 5e14}}) {
-        const ChartScale scale = ChartScale::For(wanted.values, wanted.steps);
-        EXPECT_DOUBLE_EQ(scale.min, wanted.min);
-        EXPECT_DOUBLE_EQ(scale.max, wanted.max);
-        EXPECT_DOUBLE_EQ(scale.step, wanted.step);
-        EXPECT_DOUBLE_EQ(scale.Ticks().back(), wanted.max);
+        for (unsigned n = random() % 5; n > 0; --n)
+            values.push_back(std::pow(10, int(random() % 18) - 2) * (int(random() % 300) - 20));
+        const ChartScale scale = ChartScale::For(values, steps);
+        SCOPED_TRACE(testing::Message() << testing::PrintToString(values) << " in " << steps);
+        const double most = values.empty() ? 0 : *std::ranges::max_element(values);
+        const double least = values.empty() ? 0 : *std::ranges::min_element(values);
+        const double slack = scale.step * 1e-6;
+        EXPECT_TRUE(scale.min <= std::min(0.0, least) + slack && scale.max >= most - slack);
+        EXPECT_LE((scale.max - scale.min) / scale.step, std::max(steps, 2) + 1e-6);
+        const double power = std::pow(10, std::floor(std::log10(scale.step) + 1e-9));
+        EXPECT_TRUE(std::set({1L, 2L, 5L}).contains(std::lround(scale.step / power)));
+        EXPECT_NEAR(scale.Ticks().back(), scale.max, slack);
     }
     const QLocale german(QLocale::German);
     EXPECT_EQ(ChartScale::For(std::vector<double>{0.5}, 5).TickText(0.1, german), "0,1");

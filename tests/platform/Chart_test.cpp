@@ -5,7 +5,6 @@
 
 #include <QAction>
 #include <QApplication>
-#include <QClipboard>
 #include <QContextMenuEvent>
 #include <QHelpEvent>
 #include <QMenu>
@@ -69,21 +68,8 @@ struct ShownChart {
         return chart.findChild<QMenu*>();
     }
 
-    // A menu that was closed does not stay behind.
-    void CloseMenu() {
-        chart.findChild<QMenu*>()->close();
-        EXPECT_TRUE(QTest::qWaitFor([this] { return !chart.findChild<QMenu*>(); }));
-    }
-
     Chart chart;
 };
-
-QAction* Entry(QMenu* menu, const QString& text) {
-    for (QAction* action : menu->actions())
-        if (action->text() == text)
-            return action;
-    return nullptr;
-}
 
 } // namespace
 
@@ -158,32 +144,15 @@ TEST(Chart, TellsItsDataToAScreenReader) {
     EXPECT_EQ(shown.chart.accessibleDescription(), "2 answers. Tomato 12, Onion 3.");
 }
 
-TEST(Chart, MenuCopiesAndSavesThePictureInFinerPixels) {
+// What the entries do is walked through where the picture is saved.
+TEST(Chart, AMenuWhoseSavingFailsTellsIt) {
     ShownChart shown(ChartType::Bar2D, ShortRows(5));
-    shown.chart.show();
-    QMenu* menu = shown.OpenMenu();
-    ASSERT_NE(menu, nullptr);
-    EXPECT_FALSE(Entry(menu, "Save Picture...")->isEnabled());
-    Entry(menu, "Copy")->trigger();
-    EXPECT_EQ(QApplication::clipboard()->image().size(), Size * 2);
-    QApplication::clipboard()->clear();
-    QTest::keyClick(&shown.chart, Qt::Key_C, Qt::ControlModifier);
-    EXPECT_GT(Count(QApplication::clipboard()->image(), Coloured), 1000);
-    shown.CloseMenu();
-
-    QImage saved;
-    shown.chart.SavePicture = [&saved](const QImage& image) { saved = image; };
-    menu = shown.OpenMenu();
-    Entry(menu, "Save Picture...")->trigger();
-    EXPECT_EQ(saved.size(), Size * 2);
-    EXPECT_GT(Count(saved, Coloured), 1000);
-    shown.CloseMenu();
-
-    // What saving throws ends in the program's one place for failures.
+    EXPECT_FALSE(shown.OpenMenu()->actions().first()->isEnabled());
+    delete shown.chart.findChild<QMenu*>();
     int reported = 0;
     SetFailureReporter([&reported](const Failure& failure) { reported = failure.Number(); });
     shown.chart.SavePicture = [](const QImage&) { throw Failure(failure::PathOrFileAccess); };
-    Entry(shown.OpenMenu(), "Save Picture...")->trigger();
+    shown.OpenMenu()->actions().first()->trigger();
     SetFailureReporter({});
     EXPECT_EQ(reported, failure::PathOrFileAccess);
 }

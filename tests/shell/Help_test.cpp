@@ -5,6 +5,7 @@
 #include <QHelpEngine>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListView>
 #include <QListWidget>
 #include <QTabBar>
 #include <QTabWidget>
@@ -199,6 +200,12 @@ TEST(HelpKey, F1OpensTheTopicOfTheScreenAndOfTheDialogThatWaits) {
             tabs->tabBar()->mapTo(&helpWindow, tabs->tabBar()->tabRect(1).center());
         QTest::mouseClick(helpWindow.windowHandle(), Qt::LeftButton, {}, index);
         EXPECT_EQ(tabs->currentIndex(), 1);
+        // It begins with a name.
+        const auto* const list = helpWindow.findChild<QListView*>("Index");
+        const auto text = [&](int row) { return list->model()->index(row, 0).data().toString(); };
+        EXPECT_TRUE(QTest::qWaitFor([&] { return list->model()->rowCount() > 9; }));
+        for (int row = 0; row < 9; ++row)
+            EXPECT_EQ(list->isRowHidden(row), text(row).isEmpty()) << row;
     };
     window.findChild<QAction*>("mnuHelpTipOfTheDay")->trigger();
     EXPECT_TRUE(helpWindow.isVisible());
