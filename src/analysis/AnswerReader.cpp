@@ -1,7 +1,5 @@
 #include "analysis/AnswerReader.h"
 
-#include "document/clsQ.h"
-
 namespace pollarix {
 
 namespace {
@@ -56,13 +54,13 @@ void AnswerReader::ReadAnswer() {
         return;
     const ReportQuestion& question = layout_.questions[place];
     ReportAnswer answer;
-    if (question.qtype == kind::OpenEnded) {
+    if (question.AnswerShape() == Shape::Text) {
         answer.simpleresponse = TextOrNull(rows_, SimpleResponse);
     } else {
         answer.response = PlaceIn(question.responseIndex, rows_, ResponseId);
         if (answer.response < 0)
             return; // of another question, or gone
-        if (question.qtype == kind::Matrix)
+        if (question.AnswerShape() == Shape::Grid)
             answer.point = PlaceIn(layout_.pointIndex, rows_, PointId);
     }
     auto& [begin, end] = ranges_[place];

@@ -1,6 +1,6 @@
 #include "analysis/AnswerVisitor.h"
 
-#include "document/clsQ.h"
+#include "document/Kinds.h"
 #include "platform/base/Failure.h"
 
 namespace pollarix {
@@ -24,12 +24,16 @@ void VisitAnswers(Connection& survey, const ReportSurvey& layout, AnswerVisitor&
             const ReportQuestion& question = layout.questions[place];
             visitor.Ask(place, question);
             const QuestionAnswers answers{place, question, reader.AnswersTo(place), reader};
-            if (question.qtype == kind::OpenEnded)
+            switch (question.AnswerShape()) {
+            case Shape::Text:
                 visitor.OpenEnded(answers);
-            else if (question.qtype == kind::Matrix)
+                break;
+            case Shape::Grid:
                 visitor.Matrix(answers);
-            else
+                break;
+            default:
                 visitor.Choices(answers);
+            }
         }
         visitor.End();
     }

@@ -4,7 +4,7 @@
 
 #include "analysis/AnswerCounts.h"
 #include "analysis/SaveCommand.h"
-#include "document/clsQ.h"
+#include "document/Kinds.h"
 #include "platform/base/Failure.h"
 #include "platform/richtext/RichText.h"
 

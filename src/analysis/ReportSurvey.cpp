@@ -17,7 +17,7 @@ ReportSurvey::ReportSurvey(Connection& survey) {
          !rows.AtEnd(); rows.MoveNext()) {
         ReportQuestion question;
         question.id = rows.Integer("id");
-        question.qtype = rows.Integer("qtype");
+        question.qtype = Narrow32(rows.Integer("qtype"));
         question.questionno = rows.NullToString("questionno");
         if (!rows.IsNull("question"))
             question.question = rows.Text("question");

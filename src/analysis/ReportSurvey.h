@@ -9,18 +9,20 @@
 #include <optional>
 #include <vector>
 
+#include "document/Kinds.h"
 #include "platform/database/Database.h"
 
 namespace pollarix {
 
 struct ReportQuestion {
     std::int64_t id = 0;
-    std::int64_t qtype = 0;
+    std::int32_t qtype = 0;
     QString questionno;                     // "" for Null
     std::optional<QString> question;        // rich text; none for Null
     std::vector<QString> responses;         // names of the answers or sub questions, by pos
     QHash<std::int64_t, int> responseIndex; // response.id to its place in responses
 
+    Shape AnswerShape() const { return KindOf(qtype).shape; }
     // The text without formats. Throws InvalidNull when there is none.
     QString PlainText() const;
     // The line that heads the question in a report: number, ". " and text. The ". " stands also

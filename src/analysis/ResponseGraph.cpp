@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "analysis/AnswerCounts.h"
-#include "document/clsQ.h"
+#include "document/Kinds.h"
 #include "platform/base/Failure.h"
 
 namespace pollarix {

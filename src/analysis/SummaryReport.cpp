@@ -3,7 +3,7 @@
 #include <cmath>
 
 #include "analysis/AnswerCounts.h"
-#include "document/clsQ.h"
+#include "document/Kinds.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"

@@ -8,7 +8,6 @@
 
 #include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
-#include "document/clsQ.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
 
@@ -51,7 +50,7 @@ std::vector<QByteArray> CellsOf(const std::vector<QString>& names) {
 }
 
 bool HasColumnForEachResponse(const ReportQuestion& question) {
-    return question.qtype != kind::OpenEnded && question.qtype != kind::Radio;
+    return question.AnswerShape() != Shape::Text && question.AnswerShape() != Shape::One;
 }
 
 // Titles of the columns, each in one line and no two alike: programs take them for names.

@@ -13,7 +13,6 @@
 #include "collection/ChoicePage.h"
 #include "collection/MatrixPage.h"
 #include "collection/TextPage.h"
-#include "document/clsQ.h"
 #include "platform/base/Handlers.h"
 #include "platform/controls/PageButton.h"
 #include "platform/controls/ScreenTitle.h"
@@ -65,14 +64,15 @@ void frmManualResponse::BuildAnswers() {
     answers->setContentsMargins(0, 0, 0, 0);
     auto* matrix = new MatrixPage(picDCAnswers_);
     matrix->EnterTurnsPage = [this] { return cmdDCAnswersNext_->isDefault(); };
-    pages_[kind::OpenEnded] = new TextPage(picDCAnswers_);
-    pages_[kind::Check] =
+    PageOf(Shape::Text) = new TextPage(picDCAnswers_);
+    PageOf(Shape::Many) =
         new ChoicePage(AnswerList::Kind::Check, "picDCResponseCheck", "chkDCCheck", picDCAnswers_);
-    pages_[kind::Radio] =
+    PageOf(Shape::One) =
         new ChoicePage(AnswerList::Kind::Radio, "picDCResponseRadio", "optDCRadio", picDCAnswers_);
-    pages_[kind::Matrix] = matrix;
+    PageOf(Shape::Grid) = matrix;
     for (AnswerPage* page : pages_)
-        answers->addWidget(page, 1);
+        if (page)
+            answers->addWidget(page, 1);
 }
 
 void frmManualResponse::BuildFooter() {
@@ -183,15 +183,15 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     return true;
 }
 
-AnswerPage* frmManualResponse::Page() const {
-    const auto qtype = static_cast<std::size_t>(entry_.CurrentQType);
-    return qtype < pages_.size() ? pages_[qtype] : nullptr;
+AnswerPage* frmManualResponse::Page() {
+    return PageOf(KindOf(entry_.CurrentQType).shape);
 }
 
 void frmManualResponse::ShowPage(const AnswerPlace& place) {
     AnswerPage* const page = Page();
     for (AnswerPage* other : pages_)
-        other->setVisible(other == page);
+        if (other)
+            other->setVisible(other == page);
     if (page)
         page->ShowAnswer(place);
     const EnterKey enter = page ? page->Enter() : EnterKey::NextPage;

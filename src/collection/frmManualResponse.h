@@ -9,6 +9,7 @@
 
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
+#include "document/Kinds.h"
 
 class QLabel;
 class QPushButton;
@@ -45,7 +46,8 @@ class frmManualResponse : public QDialog {
     void FitQuestion();
     void Form_Load();
 
-    AnswerPage* Page() const; // of the kind of question that shows; none for a text
+    AnswerPage*& PageOf(Shape shape) { return pages_[static_cast<std::size_t>(shape)]; }
+    AnswerPage* Page(); // of the question that shows; none where nothing is answered
     void ShowPage(const AnswerPlace& place);
     void PlaceFocus(bool isLost); // whether it was in what does not show any more
     bool MoveTo(std::int32_t position);
@@ -60,7 +62,7 @@ class frmManualResponse : public QDialog {
     QLabel* lblDCQuestion_;
     QScrollArea* scrollDCQuestion_;
     QWidget* picDCAnswers_;
-    std::array<AnswerPage*, 4> pages_{}; // by kind of question
+    std::array<AnswerPage*, 5> pages_{}; // by shape of the answer; none for Shape::None
     QPushButton* cmdDCAnswersPrevious_;
     QPushButton* cmdDCAnswersNext_;
     QPushButton* cmdDCAnswersCancel_;
