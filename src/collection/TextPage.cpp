@@ -2,6 +2,7 @@
 
 #include <QPlainTextEdit>
 #include <QTextDocument>
+#include <QTextOption>
 
 namespace pollarix {
 
@@ -14,6 +15,20 @@ QString TypedText(const QPlainTextEdit& editor) {
     return text;
 }
 
+// The time to break a line at words grows with the square of a word's length, and respondents send
+// what they like.
+constexpr int LongestWord = 1000;
+
+QTextOption::WrapMode WrappingFor(const QString& text) {
+    int length = 0;
+    for (const QChar letter : text) {
+        length = letter.isSpace() ? 0 : length + 1;
+        if (length > LongestWord)
+            return QTextOption::WrapAnywhere;
+    }
+    return QTextOption::WrapAtWordBoundaryOrAnywhere;
+}
+
 } // namespace
 
 TextPage::TextPage(QWidget* parent)
@@ -21,6 +36,9 @@ TextPage::TextPage(QWidget* parent)
     txtDCSimpleResponse_->setObjectName("txtDCSimpleResponse");
     txtDCSimpleResponse_->setAccessibleName("Answer");
     txtDCSimpleResponse_->setTabChangesFocus(true);
+    connect(txtDCSimpleResponse_, &QPlainTextEdit::textChanged, this, [this] {
+        txtDCSimpleResponse_->setWordWrapMode(WrappingFor(TypedText(*txtDCSimpleResponse_)));
+    });
     Fill(*txtDCSimpleResponse_);
 }
 
@@ -30,8 +48,11 @@ void TextPage::ShowAnswer(const AnswerPlace& place) {
         "SELECT simpleresponse FROM Respondent_Responses WHERE questionid = ? AND respondentid = ? "
         "ORDER BY id",
         {place.question, place.respondent});
-    if (!answer.AtEnd())
-        txtDCSimpleResponse_->setPlainText(answer.Text(0));
+    if (answer.AtEnd())
+        return;
+    const QString text = answer.Text(0);
+    txtDCSimpleResponse_->setWordWrapMode(WrappingFor(text));
+    txtDCSimpleResponse_->setPlainText(text);
 }
 
 std::int16_t TextPage::Store(const AnswerPlace& place) {

@@ -216,6 +216,25 @@ TEST_F(ManualEntry, APageThatFailsStandsAsFarAsItGotAndEnterGoesOn) {
     EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
 }
 
+TEST_F(ManualEntry, AnAnswerWithoutABlankIsShownSoonAndStaysWhole) {
+    OpenBlank();
+    Add(kind::OpenEnded, "Say", {});
+    document.DoSave();
+    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Web')",
+                  "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+                  "SimpleResponse) VALUES (1, 1, 1, hex(zeroblob(150000)))"});
+    ShowScreen();
+    QElapsedTimer time;
+    time.start();
+    Enter(EditOne, [&](EntryPage page) {
+        page.Type("y");
+        page.Next();
+    });
+    EXPECT_LT(time.elapsed(), 15'000); // half a minute and more by words
+    EXPECT_EQ(SqlRows(path, "SELECT length(SimpleResponse) FROM respondent_responses", 1),
+              QStringList("300001"));
+}
+
 TEST_F(ManualEntry, ASurveyWithoutQuestionsIsCompletedAtOnce) {
     OpenBlank();
     ShowScreen();
