@@ -10,6 +10,7 @@
 #   scripts/install-dependencies.sh --memory   also for running the tests under valgrind
 #   scripts/install-dependencies.sh --statistics   also for holding the statistics against other programs
 #   scripts/install-dependencies.sh --server   also for measuring the survey server
+#   scripts/install-dependencies.sh --attack   also for attacking it with other people's tools
 #   scripts/install-dependencies.sh --fresh-machine   for scripts/check-fresh-machine.sh, nothing else
 #   scripts/install-dependencies.sh --installed       for scripts/check-package.sh, to look at what it installs
 #
@@ -49,6 +50,7 @@ for group in "$@"; do
     --fuzz) packages+=(clang libclang-rt-dev llvm) ;;
     --memory) packages+=(valgrind vsftpd xvfb xauth) ;;
     --server) packages+=(wrk) ;;
+    --attack) packages+=(slowhttptest wapiti sqlmap) ;;
     --statistics) packages+=(pspp r-base-core r-cran-survey r-cran-haven libreoffice-calc-nogui) ;;
     --browser)
         packages+=(chromium)
@@ -81,6 +83,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         --memory) tools=(valgrind vsftpd) ;;
         --server) tools=(wrk) ;;
         --browser) tools=(chromium node npm) ;;
+        --attack) tools=(slowhttptest wapiti sqlmap) ;;
         --package) tools=(dpkg-shlibdeps lintian desktop-file-validate appstreamcli) ;;
         --installed) tools=(debootstrap Xvfb xauth openbox xdotool import) ;;
         --fuzz) tools=(clang++) ;;

@@ -20,6 +20,7 @@ ftp = 127.0.0.1:0
 connections = 10000
 connections-per-address = 10000
 submissions-per-minute = 100000000
+wrong-logins = 1000000
 """
 
 
