@@ -14,6 +14,7 @@
 #include "analysis/SummaryReport.h"
 #include "analysis/SurveyExport.h"
 #include "analysis/TableExport.h"
+#include "labelled/LabelledFile.h"
 #include "collection/frmManualResponse.h"
 #include "collection/picRespondentList.h"
 #include "document/SurveyDocument.h"
@@ -79,6 +80,12 @@ void UseSurvey(fuzz::Program& program, const SurveyViews& views) {
         [&] { CheckSummary(survey); },
         [&] { SurveyExport::Write(survey, out, step); },
         [&] { TableExport::Write(survey, out, step); },
+        [&] { labelled::WriteSav(survey, out, {}, step); },
+        [&] { labelled::WriteDta(survey, out, {}, step); },
+        [&] { labelled::WriteXlsx(survey, out, {}, step); },
+        [&] { labelled::WriteR(survey, out, {}, step); },
+        [&] { labelled::WriteCodebook(survey, out, {}, step); },
+        [&] { statistics::Answers answers(survey); },
         [&] { DetailedReport::Write(survey, out, step); },
         [&] { PaperSurvey::Write(survey, out, step); },
         [&] { DoSaveXML(program.state, views); },

@@ -6,6 +6,7 @@
 #include "analysis/BlockWriter.h"
 #include "analysis/SaveCommand.h"
 #include "analysis/TableExport.h"
+#include "labelled/LabelledFile.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/base/Windows1252.h"
@@ -79,9 +80,19 @@ struct ExportFormat {
     void (*write)(Connection& survey, const QString& path, const ProgressStep& step);
 };
 
+template <auto Writer>
+void WriteLabelled(Connection& survey, const QString& path, const ProgressStep& step) {
+    Writer(survey, path, {}, step);
+}
+
 constexpr ExportFormat Formats[] = {
     {"Comma Seperated Values (*.csv)", "*.csv", &SurveyExport::Write},
     {"UTF-8 table (*.csv)", "*.csv", &TableExport::Write},
+    {"SPSS (*.sav)", "*.sav", &WriteLabelled<labelled::WriteSav>},
+    {"Stata (*.dta)", "*.dta", &WriteLabelled<labelled::WriteDta>},
+    {"Excel workbook (*.xlsx)", "*.xlsx", &WriteLabelled<labelled::WriteXlsx>},
+    {"R script with its data (*.R)", "*.R", &WriteLabelled<labelled::WriteR>},
+    {"Codebook (*.html)", "*.html", &WriteLabelled<labelled::WriteCodebook>},
 };
 
 QString FilterOfFormats() {

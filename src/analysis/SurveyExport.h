@@ -1,6 +1,6 @@
-// The menu entry "Export...": all answers as a text file for other programs, in one of two forms.
-// The form written here has one line a respondent, whose fields are whatever that respondent
-// answered. The other one is TableExport's.
+// The menu entry "Export...": all answers as a file for other programs, in one of several formats.
+// The one written here has one line a respondent, whose fields are whatever that respondent
+// answered. The others are those of TableExport and of the room `labelled`.
 #pragma once
 
 #include "document/ApplicationState.h"

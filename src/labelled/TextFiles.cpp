@@ -133,10 +133,13 @@ void WriteR(Connection& survey, const QString& path, const Sample& sample, const
                                                                 : script.fileName()) +
         "-answers.csv";
     const QString dataPath = script.path() + '/' + data;
-    if (QFileInfo::exists(dataPath) && !script.exists())
+    // Asked about was the script alone.
+    if (QFileInfo::exists(dataPath) &&
+        (!script.exists() || QFileInfo(dataPath) == QFileInfo(survey.Path())))
         throw Failure(failure::PathOrFileAccess,
                       dataPath + " is there already, and would be replaced. Please choose another "
                                  "name, or remove it.");
+    WholeFile labels(path); // first, as it may not be writable
     const Codebook codebook(survey, sample.IsWeighted());
     const std::int64_t total = survey.Count("SELECT count(*) FROM respondent");
     WholeFile answers(dataPath);
@@ -157,7 +160,8 @@ void WriteR(Connection& survey, const QString& path, const Sample& sample, const
     }
     answers.Write(text);
     answers.Finish();
-    WriteWholeFile(path, Script(codebook, data));
+    labels.Write(Script(codebook, data));
+    labels.Finish();
 }
 
 void WriteCodebook(Connection& survey, const QString& path, const Sample& sample, const LoadStep&) {

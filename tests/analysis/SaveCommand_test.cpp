@@ -46,6 +46,11 @@ const Command Commands[] = {
      }},
     {"Export", "SurveyExport.csv", 0, "\"Web\", \"", nullptr, Export},
     {"Table", "SurveyExport.csv", 1, "\xEF\xBB\xBFRespondent id,", nullptr, Export},
+    {"Sav", "SurveyExport.csv", 2, "$FL2", nullptr, Export},
+    {"Dta", "SurveyExport.csv", 3, "<stata_dta>", nullptr, Export},
+    {"Xlsx", "SurveyExport.csv", 4, "PK", nullptr, Export},
+    {"R", "SurveyExport.csv", 5, "# Reads the answers", nullptr, Export},
+    {"Codebook", "SurveyExport.csv", 6, "<!DOCTYPE html>", nullptr, Export},
 };
 
 class SaveCommand : public AnsweredSurvey, public testing::WithParamInterface<Command> {
@@ -110,6 +115,8 @@ TEST_P(SaveCommand, NamesTheFileThatCannotBeWritten) {
 }
 
 TEST_P(SaveCommand, AFailureInTheMiddleKeepsTheOldFile) {
+    if (GetParam().name == std::string("Codebook"))
+        return; // it holds no answers, so there is no middle
     AddRespondents(3000, 100);
     Sql("UPDATE question SET question = NULL WHERE id = 16;\n"
         "UPDATE respondent_responses SET SimpleResponse = NULL "
@@ -117,8 +124,10 @@ TEST_P(SaveCommand, AFailureInTheMiddleKeepsTheOldFile) {
     const bool table = GetParam().filterIndex == 1; // takes a Null for an empty cell
     if (table)
         Sql("UPDATE respondent SET submitteddate = 'never' WHERE id = 3000");
-    ExpectRefusal(OldFile(), table ? "\"never\" is not a date 13 Pollarix"
-                                   : "Invalid use of Null 94 Pollarix");
+    OldFile();
+    if (GetParam().filterIndex < 2) // files with labels take all of that for missing values
+        ExpectRefusal(Path("d/old"), table ? "\"never\" is not a date 13 Pollarix"
+                                           : "Invalid use of Null 94 Pollarix");
     ExpectOldFile();
     progress_.meanwhile = [] { throw std::bad_alloc(); };
     ExpectRefusal(Path("d/old"), "Out of memory 7 Pollarix");

@@ -97,6 +97,11 @@ class HostileFiles : public testing::Test {
         for (const auto& [menu, name, form] :
              {std::tuple("mnuFileExport", "export.csv", 0),
               std::tuple("mnuFileExport", "table.csv", 1),
+              std::tuple("mnuFileExport", "answers.sav", 2),
+              std::tuple("mnuFileExport", "answers.dta", 3),
+              std::tuple("mnuFileExport", "answers.xlsx", 4),
+              std::tuple("mnuFileExport", "answers.R", 5),
+              std::tuple("mnuFileExport", "codebook.html", 6),
               std::tuple("mnuAnalyseDetail", "detail.rtf", 0),
               std::tuple("mnuDataCollectionPaperSurvey", "paper.rtf", 0)}) {
             dialogs.fileNames = {{program.Path(name), form}};
