@@ -3,9 +3,9 @@
 
 #include "collection/AnswerPage.h"
 
-class QPlainTextEdit;
-
 namespace pollarix {
+
+class PlainTextBox;
 
 class TextPage : public AnswerPage {
     Q_OBJECT
@@ -19,7 +19,7 @@ class TextPage : public AnswerPage {
     EnterKey Enter() const override { return EnterKey::NewLine; }
 
   private:
-    QPlainTextEdit* txtDCSimpleResponse_;
+    PlainTextBox* txtDCSimpleResponse_;
 };
 
 } // namespace pollarix

@@ -1,11 +1,13 @@
 #include "platform/controls/RichTextBox.h"
 
 #include <QApplication>
+#include <QElapsedTimer>
 #include <QInputMethodEvent>
 #include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
+#include <QTextBlock>
 #include <QVBoxLayout>
 
 #include <gtest/gtest.h>
@@ -13,9 +15,11 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <random>
 
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
+#include "platform/controls/RichTextDocument.h"
 
 using namespace pollarix;
 
@@ -99,6 +103,99 @@ TEST_F(RichTextBoxTest, KeepsEveryFormatAndScriptAndTheBytes) {
 
     box->SetTextRTF("not rich\n{text}");
     EXPECT_EQ(Shape(), "not rich/{text}");
+}
+
+// Keys, pastes and undoing at random places of a text with lines far longer than a block, beside a
+// plain string that the same happens to.
+TEST_F(RichTextBoxTest, LinesBeyondAllLengthStayTheirOwnThroughAllEdits) {
+    box->KeyDown = box->KeyUp = {};
+    QString model = QString(9000, 'x') + "\nshort\n" + QString("word and ").repeated(900) + "\n";
+    box->SetText(model);
+    std::vector<QString> steps;
+    std::mt19937 random(12);
+    const auto below = [&](qsizetype end) {
+        return static_cast<qsizetype>(random() % static_cast<unsigned>(end));
+    };
+    const auto typed = [](QString text) { return text.replace("\n", "\r\n"); };
+    const auto modelPlace = [&](int position) {
+        return QString(typed(model).left(position)).replace("\r\n", "\n").size();
+    };
+    // Often right at a place where a line is broken for layout.
+    const auto place = [&] {
+        if (random() % 2 == 0)
+            return below(model.size() + 1);
+        const QTextBlock block = box->document()->findBlockByNumber(
+            static_cast<int>(below(box->document()->blockCount())));
+        return modelPlace(TextPositionOf(*box->document(), block.position()));
+    };
+    for (int step = 0; step < 400; ++step) {
+        const qsizetype from = place();
+        const qsizetype to = std::min(random() % 3 == 0 ? place() : from, from + 5000);
+        const auto [start, end] = std::minmax(from, to);
+        Select(static_cast<int>(typed(model.left(start)).size()),
+               static_cast<int>(typed(model.mid(start, end - start)).size()));
+        QString next = model;
+        const unsigned kind = random() % 6;
+        if (kind < 2) {
+            QTest::keyClick(box, kind == 0 ? Qt::Key_Q : Qt::Key_Return);
+            next.replace(start, end - start, kind == 0 ? "q" : "\n");
+        } else if (kind < 4) {
+            const bool back = kind == 2;
+            QTest::keyClick(box, back ? Qt::Key_Backspace : Qt::Key_Delete);
+            if (start != end)
+                next.remove(start, end - start);
+            else if (back && start > 0)
+                next.remove(start - 1, 1);
+            else if (!back)
+                next.remove(start, 1);
+        } else if (kind == 4 || steps.empty()) {
+            QMimeData pasted;
+            const QString text = QString(random() % 3 == 0 ? 7000 : 3, 'p') + "\nline";
+            pasted.setText(text);
+            box->insertFromMimeData(&pasted);
+            next.replace(start, end - start, text);
+        } else {
+            box->undo();
+            next = steps.back();
+            steps.pop_back();
+            box->redo();
+            ASSERT_EQ(box->Text(), typed(model)) << "redone in step " << step;
+            box->undo();
+            model = next;
+            // What was typed in a row is undone in a row, so the way back ends here.
+            steps.clear();
+            box->document()->clearUndoRedoStacks();
+            ASSERT_EQ(box->Text(), typed(model)) << "undone in step " << step;
+            continue;
+        }
+        if (next == model)
+            continue;
+        steps.push_back(std::exchange(model, next));
+        ASSERT_EQ(box->Text(), typed(model)) << "step " << step << " kind " << kind;
+        ASSERT_EQ(box->TextRTF(), WriteRichText(RichTextOf(*box->document())));
+        for (auto block = box->document()->begin(); block.isValid(); block = block.next())
+            ASSERT_LT(block.length(), 12000);
+    }
+    box->selectAll();
+    const std::unique_ptr<QMimeData> copied(box->createMimeDataFromSelection());
+    EXPECT_EQ(copied->text(), model);
+}
+
+// A key with a million letters in the box: far below what the eye sees, were the machine not busy.
+TEST_F(RichTextBoxTest, AKeyInAMillionLettersWithoutABlankIsQuick) {
+    box->SetText({});
+    QMimeData pasted;
+    pasted.setText(QString(1000000, 'x'));
+    QElapsedTimer elapsed;
+    elapsed.start();
+    box->insertFromMimeData(&pasted);
+    EXPECT_LT(elapsed.elapsed(), 5000);
+    box->SetSelStart(500000);
+    elapsed.start();
+    for (int key = 0; key < 10; ++key)
+        QTest::keyClick(box, Qt::Key_A);
+    EXPECT_LT(elapsed.elapsed() / 10, 200);
+    EXPECT_EQ(box->Text().size(), 1000010);
 }
 
 TEST_F(RichTextBoxTest, KeysAreToldBeforeAndAfterTheBoxActs) {

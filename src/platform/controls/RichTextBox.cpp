@@ -6,7 +6,6 @@
 #include <QMimeData>
 #include <QScrollBar>
 #include <QTextBlock>
-#include <QTextDocumentFragment>
 
 #include <algorithm>
 #include <iterator>
@@ -14,7 +13,9 @@
 #include <vector>
 
 #include "platform/base/Handlers.h"
+#include "platform/controls/LongParagraphs.h"
 #include "platform/controls/RichTextDocument.h"
+#include "platform/controls/WrittenBlocks.h"
 
 namespace pollarix {
 
@@ -118,7 +119,9 @@ EditKey EditKeyOf(const QKeyEvent& event, const QTextCursor& cursor) {
 
 } // namespace
 
-RichTextBox::RichTextBox(QWidget* parent) : QTextEdit(parent) {
+RichTextBox::RichTextBox(QWidget* parent)
+    : QTextEdit(parent), written_(new WrittenBlocks(*document())) {
+    new ParagraphJoints(*document()); // the document's
     setFont(QFont(RichText::DefaultFontName, static_cast<int>(RichText::DefaultFontSize)));
     document()->setDefaultFont(font());
     document()->setIndentWidth(IndentWidth * logicalDpiX() / 96.0);
@@ -126,7 +129,7 @@ RichTextBox::RichTextBox(QWidget* parent) : QTextEdit(parent) {
 }
 
 QString RichTextBox::TextRTF() const {
-    return WriteRichText(RichTextOf(*document()));
+    return written_->Rtf();
 }
 
 void RichTextBox::SetTextRTF(const QString& rtf) {
@@ -134,7 +137,7 @@ void RichTextBox::SetTextRTF(const QString& rtf) {
 }
 
 QString RichTextBox::Text() const {
-    return RichTextOf(*document()).PlainText();
+    return PlainTextOf(*document());
 }
 
 void RichTextBox::SetText(const QString& plain) {
@@ -268,8 +271,11 @@ void RichTextBox::keyPressEvent(QKeyEvent* event) {
         SetBullet(textCursor(), false);
         break;
     case EditKey::None:
-        QTextEdit::keyPressEvent(event);
-        return;
+        if (isReadOnly() || !DeleteAcrossJoint(textCursor(), *event)) {
+            QTextEdit::keyPressEvent(event);
+            return;
+        }
+        break;
     }
     event->accept();
 }
@@ -315,7 +321,10 @@ QMimeData* RichTextBox::createMimeDataFromSelection() const {
     auto* data = new QMimeData; // the caller's
     data->setData(RtfTypes[0], rtf);
     data->setData(RtfTypes[1], rtf);
-    data->setHtml(textCursor().selection().toHtml());
+    QTextDocument unbroken; // others know nothing of joints
+    QTextCursor start(&unbroken);
+    InsertRichText(start, text);
+    data->setHtml(unbroken.toHtml());
     data->setText(text.PlainText().replace("\r\n", "\n"));
     return data;
 }
@@ -330,6 +339,8 @@ void RichTextBox::insertFromMimeData(const QMimeData* source) {
     if (isReadOnly())
         return;
     QTextCursor cursor = textCursor();
+    const int start = cursor.selectionStart();
+    cursor.beginEditBlock();
     if (const auto rich = RichTextIn(*source)) {
         InsertRichText(cursor, *rich);
     } else if (source->hasText()) {
@@ -337,6 +348,8 @@ void RichTextBox::insertFromMimeData(const QMimeData* source) {
         const QString plain = RichText::FromPlainText(source->text()).PlainText();
         cursor.insertText(QString(plain).replace("\r\n", "\n"), currentCharFormat());
     }
+    BreakLongParagraphs(*document(), start, cursor.position());
+    cursor.endEditBlock();
     setTextCursor(cursor);
     ensureCursorVisible();
 }

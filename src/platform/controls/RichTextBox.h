@@ -11,6 +11,8 @@
 
 namespace pollarix {
 
+class WrittenBlocks;
+
 class RichTextBox : public QTextEdit {
     Q_OBJECT
   public:
@@ -58,6 +60,8 @@ class RichTextBox : public QTextEdit {
 
   private:
     void Fill(const RichText& text);
+
+    WrittenBlocks* written_; // the document's
 };
 
 } // namespace pollarix

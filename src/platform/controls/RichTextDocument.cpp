@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "platform/base/TextUnits.h"
+#include "platform/controls/LongParagraphs.h"
 
 namespace pollarix {
 
@@ -27,7 +28,8 @@ double PointSizeOf(const QTextCharFormat& format) {
 
 // Appends the part of a block from one document position up to another.
 void AppendBlock(RichText& text, const QTextBlock& block, int from, int to) {
-    text.paragraphs.push_back({{}, IsBullet(block)});
+    if (text.paragraphs.empty() || !ContinuesParagraph(block))
+        text.paragraphs.push_back({{}, IsBullet(block)});
     LineSplitter splitter;
     RunFormat format;
     const auto addText = [&](QStringView piece) {
@@ -152,6 +154,7 @@ void FillDocument(QTextDocument& document, const RichText& text) {
     QTextCursor cursor(&document);
     cursor.beginEditBlock();
     InsertParagraphs(cursor, text);
+    BreakLongParagraphs(document, 0, cursor.position());
     cursor.endEditBlock();
     document.setUndoRedoEnabled(true);
 }
@@ -172,14 +175,30 @@ bool IsBullet(const QTextBlock& block) {
            style == QTextListFormat::ListSquare;
 }
 
+QString PlainTextOf(const QTextDocument& document) {
+    QString text;
+    const auto addText = [&](QStringView piece) { text.append(piece); };
+    const auto addBreak = [&] { text += QLatin1String("\r\n"); };
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        if (block.blockNumber() > 0 && !ContinuesParagraph(block))
+            addBreak();
+        LineSplitter splitter;
+        splitter.Feed(block.text(), addText, addBreak);
+        splitter.Finish(addText);
+    }
+    return text;
+}
+
 void SetBullet(QTextCursor cursor, bool on) {
+    while (ContinuesParagraph(cursor.block()))
+        cursor.movePosition(QTextCursor::PreviousBlock);
     if (on == IsBullet(cursor.block()))
         return;
     // Leaving a list through the block's format leaves no indent behind.
     if (on)
         JoinList(cursor);
     else
-        cursor.setBlockFormat(QTextBlockFormat());
+        cursor.setBlockFormat(JointsOnly(cursor.blockFormat()));
 }
 
 int TextPositionOf(const QTextDocument& document, int documentPosition) {
@@ -191,7 +210,7 @@ int TextPositionOf(const QTextDocument& document, int documentPosition) {
             position += WidthOf(text[index]);
         if (inside <= text.size())
             break;
-        position += 2;
+        position += ContinuesParagraph(block.next()) ? 0 : 2;
     }
     return position;
 }
@@ -206,7 +225,10 @@ int DocumentPositionOf(const QTextDocument& document, int textPosition) {
                 return block.position() + index;
             left -= width;
         }
-        if (left < 2 || !block.next().isValid())
+        const QTextBlock next = block.next();
+        if (ContinuesParagraph(next))
+            continue;
+        if (left < 2 || !next.isValid())
             return block.position() + static_cast<int>(text.size());
         left -= 2;
     }

@@ -18,6 +18,9 @@ QTextCharFormat CharFormatOf(const RunFormat& format);
 RichText RichTextOf(const QTextDocument& document);
 RichText RichTextOf(const QTextCursor& selection);
 
+// The plain text of the whole document.
+QString PlainTextOf(const QTextDocument& document);
+
 // Replaces the document and forgets what could be undone.
 void FillDocument(QTextDocument& document, const RichText& text);
 

@@ -64,10 +64,10 @@ Encoder::Encoder(Scripts scripts) : scripts_(scripts) {
 }
 
 void Encoder::EnterFont(const QString& name) {
-    if (fonts_.contains(name))
+    if (now_.fonts.contains(name))
         return;
-    fonts_.insert(name, static_cast<int>(fontsInOrder_.size()));
-    fontsInOrder_.append(name);
+    now_.fonts.insert(name, static_cast<int>(now_.fontsInOrder.size()));
+    now_.fontsInOrder.append(name);
 }
 
 qsizetype Encoder::FontEntrySize(const QString& name) {
@@ -75,31 +75,31 @@ qsizetype Encoder::FontEntrySize(const QString& name) {
 }
 
 void Encoder::BeginParagraph(bool bullet) {
-    if (inBullets_ && !bullet) {
+    if (now_.inBullets && !bullet) {
         body_ += "\\pard";
-        blankDue_ = true;
-    } else if (inBullets_) {
+        now_.blankDue = true;
+    } else if (now_.inBullets) {
         body_ += BulletText;
-        blankDue_ = false;
+        now_.blankDue = false;
     } else if (bullet) {
         body_ += "\\pard";
         body_ += BulletText;
         body_ += BulletStyle;
-        blankDue_ = true;
+        now_.blankDue = true;
     }
-    inBullets_ = bullet;
+    now_.inBullets = bullet;
 }
 
 void Encoder::EndParagraph() {
     body_ += "\\par\r\n";
-    blankDue_ = false;
+    now_.blankDue = false;
 }
 
 void Encoder::Text(QStringView text) {
     if (text.isEmpty())
         return;
     ApplyFormat();
-    const bool hasBoxes = current_.fontName == QLatin1String(BoxFontName);
+    const bool hasBoxes = now_.current.fontName == QLatin1String(BoxFontName);
     const auto isBox = [&](char16_t unit) {
         return hasBoxes && (unit == BoxLetter || unit == BoxSign);
     };
@@ -110,7 +110,7 @@ void Encoder::Text(QStringView text) {
         while (at != end && IsLiteral(*at) && !isBox(*at))
             ++at;
         if (at != start) {
-            if (std::exchange(blankDue_, false))
+            if (std::exchange(now_.blankDue, false))
                 body_ += ' ';
             const qsizetype size = body_.size();
             body_.resize(size + (at - start));
@@ -119,7 +119,7 @@ void Encoder::Text(QStringView text) {
             continue;
         }
         const char16_t unit = *at++;
-        blankDue_ = unit == '\t';
+        now_.blankDue = unit == '\t';
         if (unit == '\t') {
             body_ += "\\tab";
         } else if (isBox(unit)) {
@@ -138,7 +138,7 @@ void Encoder::Text(QStringView text) {
 void Encoder::Number(const char* word, int value) {
     body_ += word;
     AppendNumber(body_, value);
-    blankDue_ = true;
+    now_.blankDue = true;
 }
 
 void Encoder::Switch(const char* word, bool& current, bool wanted) {
@@ -148,7 +148,7 @@ void Encoder::Switch(const char* word, bool& current, bool wanted) {
     body_ += word;
     if (!wanted)
         body_ += '0';
-    blankDue_ = true;
+    now_.blankDue = true;
 }
 
 // The format in the codes for complex scripts: between these two words they are read as such.
@@ -156,52 +156,52 @@ void Encoder::ComplexFormat(int font, int halfPoints) {
     body_ += "\\rtlch";
     Number("\\af", font);
     Number("\\afs", halfPoints);
-    body_ += wanted_.bold ? "\\ab" : "\\ab0";
-    body_ += wanted_.italic ? "\\ai" : "\\ai0";
+    body_ += now_.wanted.bold ? "\\ab" : "\\ab0";
+    body_ += now_.wanted.italic ? "\\ai" : "\\ai0";
     body_ += "\\ltrch";
 }
 
 void Encoder::ApplyFormat() {
-    if (wanted_ == current_)
+    if (now_.wanted == now_.current)
         return;
-    EnterFont(wanted_.fontName);
-    const int font = fonts_.value(wanted_.fontName);
-    const int halfPoints = HalfPoints(wanted_);
+    EnterFont(now_.wanted.fontName);
+    const int font = now_.fonts.value(now_.wanted.fontName);
+    const int halfPoints = HalfPoints(now_.wanted);
     if (scripts_ == Scripts::Both)
         ComplexFormat(font, halfPoints);
-    if (wanted_.fontName != current_.fontName)
+    if (now_.wanted.fontName != now_.current.fontName)
         Number("\\f", font);
-    if (wanted_.fontSize != current_.fontSize)
+    if (now_.wanted.fontSize != now_.current.fontSize)
         Number("\\fs", halfPoints);
-    Switch("\\b", current_.bold, wanted_.bold);
-    Switch("\\i", current_.italic, wanted_.italic);
-    Switch("\\ul", current_.underline, wanted_.underline);
-    if (wanted_.colour != current_.colour) {
+    Switch("\\b", now_.current.bold, now_.wanted.bold);
+    Switch("\\i", now_.current.italic, now_.wanted.italic);
+    Switch("\\ul", now_.current.underline, now_.wanted.underline);
+    if (now_.wanted.colour != now_.current.colour) {
         int number = 0;
-        if (wanted_.colour) {
-            const QRgb rgb = wanted_.colour->rgb();
-            number = colours_.value(rgb);
+        if (now_.wanted.colour) {
+            const QRgb rgb = now_.wanted.colour->rgb();
+            number = now_.colours.value(rgb);
             if (number == 0) {
-                coloursInOrder_.append(rgb);
-                number = static_cast<int>(coloursInOrder_.size());
-                colours_.insert(rgb, number);
+                now_.coloursInOrder.append(rgb);
+                number = static_cast<int>(now_.coloursInOrder.size());
+                now_.colours.insert(rgb, number);
             }
         }
         Number("\\cf", number);
     }
-    current_ = wanted_;
+    now_.current = now_.wanted;
 }
 
 QByteArray Encoder::Head(qsizetype fontTableSize) const {
     QByteArray fonts;
-    for (qsizetype number = 0; number < fontsInOrder_.size(); ++number)
-        fonts += FontEntry(static_cast<int>(number), fontsInOrder_[number]);
+    for (qsizetype number = 0; number < now_.fontsInOrder.size(); ++number)
+        fonts += FontEntry(static_cast<int>(number), now_.fontsInOrder[number]);
     if (fonts.size() < fontTableSize)
         fonts += QByteArray(fontTableSize - fonts.size(), '\n');
     QByteArray head = "{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1{\\fonttbl" + fonts + "}";
-    if (!coloursInOrder_.isEmpty()) {
+    if (!now_.coloursInOrder.isEmpty()) {
         head += "{\\colortbl ;";
-        for (QRgb colour : coloursInOrder_) {
+        for (QRgb colour : now_.coloursInOrder) {
             head += "\\red";
             AppendNumber(head, qRed(colour));
             head += "\\green";

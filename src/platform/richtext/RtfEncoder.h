@@ -21,11 +21,32 @@ class Encoder {
 
     explicit Encoder(Scripts scripts = Scripts::Plain);
 
+    // All that the bytes of what follows depend on. A writer that keeps pieces of a text goes on
+    // behind one of them with Resume.
+    struct State {
+        RunFormat wanted = {};
+        RunFormat current = {};
+        bool inBullets = false;
+        bool blankDue = true; // the last code was a word: a blank has to end it
+        QList<QString> fontsInOrder = {};
+        QList<QRgb> coloursInOrder = {};
+        QHash<QString, int> fonts = {}; // to their numbers
+        QHash<QRgb, int> colours = {};
+
+        bool operator==(const State& other) const {
+            return wanted == other.wanted && current == other.current &&
+                   inBullets == other.inBullets && blankDue == other.blankDue &&
+                   fontsInOrder == other.fontsInOrder && coloursInOrder == other.coloursInOrder;
+        }
+    };
+    const State& Now() const { return now_; }
+    void Resume(const State& state) { now_ = state; }
+
     // Paragraph by paragraph, from the first.
     void BeginParagraph(bool bullet);
     void EndParagraph();
     // For the text that follows; normalised.
-    void SetFormat(const RunFormat& format) { wanted_ = format; }
+    void SetFormat(const RunFormat& format) { now_.wanted = format; }
     // Writes the format's codes now, where Text would have written them with the next text.
     void ApplyFormat();
     // Units that may stand in a run, see TextUnits.h.
@@ -33,7 +54,7 @@ class Encoder {
 
     // Enters a font in the font table, if it is new. The default font, "", always stands there.
     void EnterFont(const QString& name);
-    bool HasFont(const QString& name) const { return fonts_.contains(name); }
+    bool HasFont(const QString& name) const { return now_.fonts.contains(name); }
     // What an entry takes in the font table, at most.
     static qsizetype FontEntrySize(const QString& name);
 
@@ -54,14 +75,7 @@ class Encoder {
 
     Scripts scripts_;
     QByteArray body_;
-    RunFormat wanted_;
-    RunFormat current_;
-    bool inBullets_ = false;
-    bool blankDue_ = true;      // the last code was a word: a blank has to end it before text
-    QHash<QString, int> fonts_; // to their numbers
-    QList<QString> fontsInOrder_;
-    QHash<QRgb, int> colours_;
-    QList<QRgb> coloursInOrder_;
+    State now_;
 };
 
 } // namespace pollarix::rtf
