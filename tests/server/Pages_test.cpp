@@ -196,11 +196,13 @@ TEST_F(Pages, AllOnOnePageAndClosedAtItsHoldersWish) {
     ASSERT_EQ(Rows().size(), 1U);
 
     Open("/s/address");
+    fields.find("q11")->second = "late";
     settings.isOpen = false;
     ASSERT_TRUE(store.ChangeSurvey(settings));
     Press("send");
     EXPECT_EQ(shown.status, 403);
-    EXPECT_TRUE(Says("closed"));
+    EXPECT_TRUE(Says("This survey is closed"));
+    EXPECT_TRUE(Says("late</textarea>")); // to be taken down, or sent when it opens again
     Open("/s/address");
     EXPECT_TRUE(Says("closed"));
     EXPECT_EQ(Rows().size(), 1U);

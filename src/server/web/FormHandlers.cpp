@@ -51,6 +51,9 @@ struct SentForm {
     std::string button;
 };
 
+// What became of the answers that a form shows again.
+enum class Outcome { Fine, NotStored, Closed };
+
 class Form {
   public:
     explicit Form(const Site& site) : site_(site), bound_(site.submissionsPerMinute, 60) {}
@@ -115,13 +118,13 @@ class Form {
         if (!form)
             return PageResponse(words, FaultPage(words, 400));
         if (form->sent.isForeign || !form->sent.tooLong.empty())
-            return Again(words, *survey, *form, 422, false);
+            return Again(words, *survey, *form, 422, Outcome::Fine);
         if (form->button == button::Back || form->button == button::Next) {
             if (form->button == button::Back)
                 form->place -= form->place > 0 ? 1 : 0;
             else
                 form->place = std::min(form->place + 1, form->questionnaire->questions.size() - 1);
-            return Again(words, *survey, *form, 200, false);
+            return Again(words, *survey, *form, 200, Outcome::Fine);
         }
         if (!bound_.Take(BoundName(request.address), site_.now()))
             return Unstored(words, *survey, *form, 429);
@@ -185,7 +188,7 @@ class Form {
     }
 
     static Response Again(const Words& words, const Survey& survey, const SentForm& form,
-                          int status, bool wasNotStored) {
+                          int status, Outcome outcome) {
         Page page = FormPage(words, {.questionnaire = *form.questionnaire,
                                      .answers = form.sent.answers,
                                      .name = survey.name,
@@ -196,7 +199,8 @@ class Form {
                                      .place = form.place,
                                      .tooLong = form.sent.tooLong,
                                      .isForeign = form.sent.isForeign,
-                                     .wasNotStored = wasNotStored});
+                                     .wasNotStored = outcome == Outcome::NotStored,
+                                     .wasClosed = outcome == Outcome::Closed});
         page.status = status;
         return PageResponse(words, page);
     }
@@ -204,7 +208,7 @@ class Form {
     // All that was typed goes back to who typed it.
     static Response Unstored(const Words& words, const Survey& survey, const SentForm& form,
                              int status) {
-        Response response = Again(words, survey, form, status, true);
+        Response response = Again(words, survey, form, status, Outcome::NotStored);
         response.headers.emplace_back("Retry-After", "30");
         return response;
     }
@@ -230,11 +234,8 @@ class Form {
         const Submitted submitted =
             site_.store.Submit(survey.id, form.version, TokenHash(form.token),
                                StoredAnswers(*form.questionnaire, form.sent.answers), site_.now());
-        if (submitted == Submitted::Closed) {
-            Page closed = ClosedPage(words, survey.name);
-            closed.status = 403;
-            return PageResponse(words, closed);
-        }
+        if (submitted == Submitted::Closed)
+            return Again(words, survey, form, 403, Outcome::Closed);
         // Only here, behind the commit.
         return PageResponse(
             words, ThanksPage(words, survey.name, submitted == Submitted::StoredAsConflict));

@@ -105,10 +105,12 @@ Html Hidden(std::string_view name, std::string_view value) {
 
 // What is wrong, at the top and with links, where a screen reader begins.
 Html ProblemsHtml(const Words& words, const FormState& state) {
-    if (state.tooLong.empty() && !state.isForeign && !state.wasNotStored)
+    if (state.tooLong.empty() && !state.isForeign && !state.wasNotStored && !state.wasClosed)
         return {};
     Html html("<div class=\"problem\" role=\"alert\" tabindex=\"-1\" autofocus><h2>");
-    html.Text(words.errorTitle) << "</h2>";
+    html.Text(state.wasClosed ? words.closedTitle : words.errorTitle) << "</h2>";
+    if (state.wasClosed)
+        (html << "<p>").Text(words.closedText) << "</p>";
     if (state.wasNotStored)
         (html << "<p>").Text(words.notStored) << "</p>";
     if (state.isForeign)

@@ -45,6 +45,7 @@ struct FormState {
     std::vector<std::size_t> tooLong = {};
     bool isForeign = false;
     bool wasNotStored = false;
+    bool wasClosed = false; // it came too late; the answers are still the respondent's
 
     QuestionRange Shown() const {
         return onOnePage ? QuestionRange{0, questionnaire.questions.size()}
