@@ -66,12 +66,6 @@ TEST_F(ListControls, AListClickIsRaisedOnceForEachUsersChoiceAlsoOfTheCurrentEnt
     ClickEntry(1);
     ClickEntry(1);
     EXPECT_EQ(Clicks(), (Indexes{1, 1}));
-    QTest::mouseClick(list_.viewport(), Qt::LeftButton, {}, QPoint(20, list_.height() - 20));
-    QTest::mouseClick(list_.viewport(), Qt::RightButton, {},
-                      list_.visualItemRect(list_.item(0)).center());
-    EXPECT_EQ(Clicks(), Indexes{}) << "beside the entries and by the other button";
-    EXPECT_EQ(list_.ListIndex(), 1);
-
     QTest::keyClick(&list_, Qt::Key_Down);
     QTest::keyClick(&list_, Qt::Key_Down);
     QTest::keyClick(&list_, Qt::Key_Home);

@@ -1,11 +1,12 @@
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include "platform/richtext/RichText.h"
+#include "support/Bytes.h"
 
 using namespace pollarix;
+using test::BytesOf;
 
 // That the file at the path is replaced only by a whole one, the tests of the commands that write
 // with it see.
@@ -39,9 +40,7 @@ TEST(RichTextFileWriter, FormatsHoldForWhatIsAppendedAfterThem) {
     expected.paragraphs = {
         {}, {{{QString::fromUtf8("1. Ωmega"), head}}},   {{{QString::fromUtf8("😀"), head}}},
         {}, {{{"\tplain", {}}, {"\to", {"Wingdings"}}}}, {{{end, {"Font 2"}}}}};
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = BytesOf(path);
     EXPECT_EQ(ReadRichText(QString::fromLatin1(bytes)), expected);
     EXPECT_TRUE(bytes.contains("\\fs20\\b0\\par")); // the empty line is not a large one
     // Hebrew and Arabic have their formats by other words.

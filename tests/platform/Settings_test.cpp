@@ -7,9 +7,11 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
-#include "platform/base/Failure.h"
+#include "platform/files/Files.h"
+#include "support/NumberOf.h"
 
 using namespace pollarix;
+using test::FailureOf;
 
 namespace {
 
@@ -32,10 +34,7 @@ TEST(Settings, ValuesComeBackExactlyAlsoToAnotherRun) {
         EXPECT_EQ(again.GetSetting("Quillmark", "Options", "Show Tips at Startup", "none"), value);
         EXPECT_EQ(again.GetSetting("pollarix", "Options", "Show Tips at Startup", "none"), "none");
     }
-    QFile written(dir.filePath("Quillmark.ini"));
-    ASSERT_TRUE(written.open(QIODevice::WriteOnly));
-    written.write("[Config]\nname=edited, by hand\n\x01[[broken\n");
-    written.close();
+    WriteWholeFile(dir.filePath("Quillmark.ini"), "[Config]\nname=edited, by hand\n\x01[[broken\n");
     Settings store(dir.path());
     EXPECT_EQ(store.GetSetting("Quillmark", "Config", "name", ""), "edited,by hand");
     store.SaveSetting("Quillmark", "Config", "FirstRun", "False");
@@ -73,14 +72,10 @@ TEST(Settings, TheFileIsItsOwnersAloneAndSaysWhenItCannotBeWritten) {
     EXPECT_EQ(ModeOf(file), 0600);
 
     QDir(dir.filePath("new/pollarix")).removeRecursively();
-    QFile inTheWay(dir.filePath("new/pollarix"));
-    ASSERT_TRUE(inTheWay.open(QIODevice::WriteOnly));
-    try {
-        store.SaveSetting("Quillmark", "Config", "FirstRun", "False");
-        FAIL();
-    } catch (const Failure& failure) {
-        EXPECT_EQ(failure.Number(), failure::PathOrFileAccess);
-        EXPECT_TRUE(failure.Description().contains(file)) << failure.what();
-    }
+    WriteWholeFile(dir.filePath("new/pollarix"), "in the way");
+    const Failure failure =
+        FailureOf([&] { store.SaveSetting("Quillmark", "Config", "FirstRun", "False"); });
+    EXPECT_EQ(failure.Number(), failure::PathOrFileAccess);
+    EXPECT_TRUE(failure.Description().contains(file)) << failure.what();
     EXPECT_THROW(Settings(dir.filePath("new/pollarix/below")), Failure);
 }

@@ -83,20 +83,6 @@ TEST_F(TreeViewTest, RemovingABranchForgetsAllBelowIt) {
     EXPECT_EQ(Log(), QStringList());
 }
 
-TEST_F(TreeViewTest, CodeRaisesNoNodeClick) {
-    EXPECT_EQ(tree_.SelectedItem(), nullptr);
-    tree_.setFocus();
-    EXPECT_EQ(tree_.SelectedItem(), nullptr) << "the focus alone selects nothing";
-    tree_.Find("b")->SetSelected();
-    tree_.Find("b")->SetText("other");
-    tree_.Remove("b");
-    EXPECT_NE(tree_.SelectedItem(), nullptr);
-    tree_.Find("S")->SetExpanded(false);
-    tree_.Find("a")->SetSelected();
-    EXPECT_TRUE(tree_.Find("S")->isExpanded()) << "a selected node is visible";
-    EXPECT_EQ(Log(), QStringList());
-}
-
 TEST_F(TreeViewTest, ClicksAndKeysOfTheUserRaiseNodeClick) {
     Click("b");
     Click("b");

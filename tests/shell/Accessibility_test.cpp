@@ -1,32 +1,21 @@
 // Walks all windows of the program as somebody does who can't see them or has no mouse: every
 // control has a name to be read out, the Tab key goes as the eye does, and no letter calls two
 // controls.
-#include <QAbstractButton>
 #include <QAccessible>
-#include <QAction>
-#include <QApplication>
 #include <QComboBox>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QRegularExpression>
 #include <QTabBar>
-#include <QTest>
-
-#include <gtest/gtest.h>
 
 #include "collection/frmManualResponse.h"
 #include "design/frmMatrixAdd.h"
 #include "platform/controls/Grid.h"
 #include "platform/controls/ListBox.h"
-#include "shell/Attendant.h"
-#include "shell/frmMain.h"
+#include "shell/MainWindow.h"
 #include "shell/help/HelpWindow.h"
 #include "support/FakeViews.h"
-#include "support/Places.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
 #include "web/WebServices.h"
 #include "web/WizardServerPage.h"
 #include "web/WizardWelcomePage.h"
@@ -137,59 +126,49 @@ void Check(QWidget& window) {
     CheckMnemonics(window);
 }
 
-class AccessibilityTest : public testing::Test {
-  protected:
-    TestState program;
-    Attendant user;
-};
+using AccessibilityTest = MainWindow;
 
 } // namespace
 
 TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
-    frmMain window(program.state);
     const QString path = program.Path("museum-visit.plxs");
     ASSERT_TRUE(QFile::copy(DataFile("samples/museum-visit.plxs"), path));
     ASSERT_TRUE(QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner));
-    window.Form_Load(path); // selects a blank question at the end
-    window.resize(1024, 740);
-    window.show();
-    Check(window);
+    Start(path);
+    Check(*window);
     for (const char* dialog : {"frmMatrixDefine", "frmLogic", "frmTip", "frmAbout", "frmSplash"})
         user.tasks[dialog] = Check;
     user.seen.clear();
-    const auto press = [&](const char* name) {
-        QTest::mouseClick(window.findChild<QAbstractButton*>(name), Qt::LeftButton);
-    };
     for (int option = 4; option > 0; --option) {
-        press(QString("optQType(%1)").arg(option).toUtf8());
-        Check(window);
+        Press(QString("optQType(%1)").arg(option).toUtf8());
+        Check(*window);
         if (option == 4)
-            press("cmdMatrixDefine");
+            Press("cmdMatrixDefine");
         if (option == 2) {
-            auto* const box = window.findChild<QLineEdit*>("txtCheckResponse");
+            auto* const box = Find<QLineEdit>("txtCheckResponse");
             QTest::keyClicks(box, "one");
             QTest::keyClick(box, Qt::Key_Return);
-            window.findChild<ListBox*>("lstCheckResponses")->SetListIndex(0);
-            press("cmdRadioLogic");
+            Find<ListBox>("lstCheckResponses")->SetListIndex(0);
+            Press("cmdRadioLogic");
         }
     }
-    window.findChild<QAction*>("mnuHelpTipOfTheDay")->trigger();
-    window.findChild<QAction*>("mnuAbout")->trigger();
+    Menu("mnuHelpTipOfTheDay");
+    Menu("mnuAbout");
     EXPECT_EQ(user.seen, QStringList({"frmMatrixDefine", "frmLogic", "frmTip", "frmAbout"}));
     program.dialogs.answers = {MsgAnswer::Yes};
     for (const char* screen : {"mnuViewDataCollection", "mnuViewAnalyse"}) {
-        window.findChild<QAction*>(screen)->trigger();
-        Check(window);
+        Menu(screen);
+        Check(*window);
     }
     // The graph of the first response; then it covers the rest.
-    auto* const list = window.findChild<Grid*>("gSummaryReport");
+    auto* const list = Find<Grid>("gSummaryReport");
     list->SetRow(2);
     list->Click();
-    EXPECT_TRUE(window.findChild<QWidget*>("c")->isVisible());
-    Check(window);
-    press("cmdExpand");
-    CheckNames(window);
-    frmMatrixAdd scale(program.state, &window);
+    EXPECT_TRUE(Find<QWidget>("c")->isVisible());
+    Check(*window);
+    Press("cmdExpand");
+    CheckNames(*window);
+    frmMatrixAdd scale(program.state, window.get());
     Check(scale);
 }
 

@@ -1,18 +1,9 @@
 // Survey files made to harm, opened in the real main window and then used for everything there is.
-#include <QAbstractButton>
-#include <QAction>
 #include <QElapsedTimer>
-#include <QTest>
 
-#include <gtest/gtest.h>
-
-#include "platform/base/Handlers.h"
-#include "shell/Attendant.h"
-#include "shell/frmMain.h"
+#include "shell/MainWindow.h"
 #include "support/FakeViews.h"
 #include "support/NumberOf.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
 #include "web/SurveyXmlWriter.h"
 
 using namespace pollarix;
@@ -34,18 +25,11 @@ constexpr const char* Whole[] = {
     "ResponseMatrixID) VALUES (1, 1, 2, '', NULL), (1, 2, 1, 'so', NULL), (1, 3, 3, '', 11), "
     "(2, 4, 5, '', NULL), (2, 4, 6, '', NULL)"};
 
-class HostileFiles : public testing::Test {
+class HostileFiles : public MainWindow {
   protected:
-    TestState program;
-    QueuedDialogs& dialogs = program.dialogs;
-    std::vector<int> failures; // that reached the top of a handler
-    Attendant user;            // answers pages of manual entry, sees everything else away
-    std::unique_ptr<frmMain> window;
-    int pages = 0; // that manual entry showed
+    int pages = 0; // that manual entry showed, where the user answers each
 
     HostileFiles() {
-        SetFailureReporter(
-            [this](const Failure& failure) { failures.push_back(failure.Number()); });
         user.tasks["frmManualResponse"] = [this](QWidget& entry) {
             const auto press = [&](const char* button) {
                 auto* const found = entry.findChild<QAbstractButton*>(button);
@@ -57,12 +41,8 @@ class HostileFiles : public testing::Test {
                 press("cmdDCAnswersNext");
             }
         };
-        window = std::make_unique<frmMain>(program.state);
-        window->Form_Load({});
-        window->resize(1024, 740);
-        window->show();
+        Start();
     }
-    ~HostileFiles() override { SetFailureReporter({}); }
 
     QString MakeFile(const char* name, const std::vector<const char*>& harm) {
         const QString path = program.BlankSurvey(name);
@@ -77,8 +57,6 @@ class HostileFiles : public testing::Test {
         return path;
     }
 
-    void Menu(const char* name) { window->findChild<QAction*>(name)->trigger(); }
-
     // What is shown on opening.
     QStringList Open(const QString& path) {
         dialogs.TakeTexts();
@@ -91,7 +69,7 @@ class HostileFiles : public testing::Test {
     void UseEverything() {
         Menu("mnuFileSave");
         Menu("mnuViewDataCollection");
-        QTest::mouseClick(window->findChild<QAbstractButton*>("cmdCreateResponse"), Qt::LeftButton);
+        Press("cmdCreateResponse");
         Menu("mnuViewAnalyse");
         Menu("mnuAnalyseTotRespondents");
         for (const auto& [menu, name, form] :
@@ -210,10 +188,6 @@ INSTANTIATE_TEST_SUITE_P(
               "INSERT INTO question (pos, qtype) SELECT value, 0 FROM "
               "json_each('[1,2,3]')"},
              "computed columns"},
-        Harm{"QuestionIdBeyond16Bits", {"UPDATE question SET id = 32768 WHERE id = 5"}, "Overflow"},
-        Harm{"ResponseIdBeyond32Bits",
-             {"UPDATE response SET id = 2147483648 WHERE id = 6"},
-             "Overflow"},
         Harm{"KindBeyond32Bits",
              {"UPDATE question SET qtype = 4294967296 WHERE id = 2"},
              "Overflow"},
@@ -255,40 +229,15 @@ INSTANTIATE_TEST_SUITE_P(
              {"UPDATE question SET question = '{\\rtf1 ' || replace(hex(zeroblob(100000)), '00', "
               "'{\\b') || 'deep' WHERE id = 2",
               "UPDATE question SET question = '{\\rtf1 ' || replace(hex(zeroblob(100000)), '00', "
-              "'{\\*\\x{\\pict') || 'deep' WHERE id = 4"}}),
+              "'{\\*\\x{\\pict') || 'deep' WHERE id = 4"}},
+        Harm{"TextBeyondItsBound",
+             {"UPDATE question SET question = CAST(zeroblob(70000000) AS TEXT) WHERE id = 1"},
+             "string or blob too big"},
+        Harm{"LargeMatrix",
+             {"WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 200) "
+              "INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) "
+              "SELECT i, 3, 'the same', i, 4 FROM n",
+              "WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM n WHERE i < 200) "
+              "INSERT INTO responsematrix (ResponseMatrixGroupID, pos, name) SELECT 4, i, 'p' "
+              "FROM n"}}),
     [](const auto& info) { return std::string(info.param.name); });
-
-// The next two go as far as a file can if the variable is set: that takes a gigabyte of the disk
-// and some minutes. Without it they stay just beyond the bound, or below it.
-bool IsHuge() {
-    return qEnvironmentVariableIsSet("POLLARIX_HUGE_FILES");
-}
-
-TEST_F(HostileFiles, AGigabyteOfTextIsAMessage) {
-    const QString path = MakeFile("huge.plxs", {});
-    RunSql(path, {IsHuge() ? "UPDATE question SET question = CAST(zeroblob(999999000) AS TEXT)"
-                             " WHERE id = 2"
-                           : "UPDATE question SET question = CAST(zeroblob(70000000) AS TEXT)"
-                             " WHERE id = 2"});
-    EXPECT_EQ(Open(path), QStringList("Unable to open " + path + ". string or blob too big. 18"));
-    program.state.FileChanged = false; // what was read of it is not to be saved
-    UseEverything();
-    EXPECT_EQ(Open(MakeFile("good.plxs", {})), QStringList());
-}
-
-TEST_F(HostileFiles, AMatrixOfMillionsOfCellsIsAMessage) {
-    const QString numbers = QString("WITH RECURSIVE n(i) AS (SELECT 10 UNION ALL SELECT i + 1 FROM "
-                                    "n WHERE i < %1) ")
-                                .arg(IsHuge() ? 3000 : 200);
-    const QString path = MakeFile("matrix.plxs", {});
-    for (const char* rows :
-         {"INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) SELECT i, 3, "
-          "'the same', i, 4 FROM n",
-          "INSERT INTO responsematrix (ResponseMatrixGroupID, pos, name) SELECT 4, i, 'p' FROM n"})
-        RunSql(path, {(numbers + rows).toUtf8().constData()});
-    EXPECT_EQ(Open(path), QStringList());
-    UseEverything();
-    EXPECT_EQ(pages, 5);
-    // Neither the summary nor the document for a server can be as long as that.
-    EXPECT_EQ(failures, IsHuge() ? std::vector<int>(2, failure::Overflow) : std::vector<int>());
-}

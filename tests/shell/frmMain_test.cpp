@@ -1,60 +1,30 @@
 // The main window driven as a person would: menus, toolbar buttons, keys; the file read back past
 // the program.
-#include "shell/frmMain.h"
-
-#include <QAction>
 #include <QDir>
 #include <QLabel>
 #include <QRegularExpression>
 #include <QStatusBar>
-#include <QTest>
 #include <QTimer>
 #include <QToolBar>
 
-#include <gtest/gtest.h>
-
-#include "platform/base/Handlers.h"
 #include "platform/charts/Chart.h"
 #include "platform/controls/Grid.h"
 #include "platform/controls/RichTextBox.h"
 #include "platform/controls/TreeView.h"
-#include "shell/Attendant.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
+#include "platform/files/Files.h"
+#include "shell/MainWindow.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
 
 namespace {
 
-class MainWindowTest : public testing::Test {
+class MainWindowTest : public MainWindow {
   protected:
-    TestState program;
-    QueuedDialogs& dialogs = program.dialogs;
-    std::unique_ptr<frmMain> window;
-    std::vector<Failure> failures;
-    Attendant user; // sees the splash away
-
-    MainWindowTest() {
-        SetFailureReporter([this](const Failure& failure) { failures.push_back(failure); });
-    }
-    ~MainWindowTest() override { SetFailureReporter({}); }
-
     void Start(const QString& commandLine = {}) {
-        window = std::make_unique<frmMain>(program.state);
-        window->Form_Load(commandLine);
-        window->resize(1024, 740);
-        window->show();
+        MainWindow::Start(commandLine);
         window->AddBlankOpenEndedQuestion();
-        ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-
-    template <typename Control> Control* Find(const char* name) {
-        Control* control = window->findChild<Control*>(name);
-        EXPECT_NE(control, nullptr) << name;
-        return control;
-    }
-    void Menu(const char* name) { Find<QAction>(name)->trigger(); }
     void Type(const QString& text) {
         auto* txtQ = Find<RichTextBox>("txtQ");
         txtQ->setFocus();
@@ -168,10 +138,7 @@ TEST_F(MainWindowTest, StartUpFailuresSayTheStepAndTheProgramStaysUp) {
 TEST_F(MainWindowTest, AfterAFileThatCannotBeOpenedOneGoesOn) {
     // It ends like a temporary survey, but is somebody's letter.
     const QString letter = program.Path("letter.tmp");
-    QFile file(letter);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("This is a letter and no survey.");
-    file.close();
+    WriteWholeFile(letter, "This is a letter and no survey.");
     Start(letter);
     EXPECT_EQ(dialogs.TakeTexts().size(), 2);
     EXPECT_TRUE(window->close());

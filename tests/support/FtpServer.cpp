@@ -2,13 +2,14 @@
 
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QFile>
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QThread>
 
 #include <gtest/gtest.h>
 
+#include "platform/files/Files.h"
+#include "support/Bytes.h"
 #include "support/Loopback.h"
 
 #include <csignal>
@@ -48,7 +49,7 @@ void PrepareChild(qint64 largestFile) {
 FtpServer::FtpServer(const FtpServerOptions& options) {
     QDir(directory_.path()).mkpath(options.withIncoming ? "root/incoming" : "root");
     QDir(directory_.path()).mkpath("empty");
-    WriteFile("passwords", Password().toUtf8() + '\n');
+    WriteWholeFile(Path("passwords"), Password().toUtf8() + '\n');
     for (int attempt = 0; attempt < StartAttempts; ++attempt)
         if (Start(options, attempt))
             return;
@@ -69,8 +70,8 @@ bool FtpServer::Start(const FtpServerOptions& options, int attempt) {
     port_ = FreePort();
     // The login is the anonymous one, since a real one would need an account of the system; its
     // passwords are those of the file.
-    WriteFile(
-        "vsftpd.conf",
+    WriteWholeFile(
+        Path("vsftpd.conf"),
         "listen=YES\nlisten_ipv6=NO\nlisten_address=127.0.0.1\nlisten_port=" +
             QByteArray::number(port_) +
             "\nbackground=NO\nrun_as_launching_user=YES\nseccomp_sandbox=NO\nisolate=NO\n"
@@ -123,11 +124,7 @@ void FtpServer::Stop() {
 }
 
 QByteArray FtpServer::File(const QString& path) const {
-    QFile file(Path("root/" + path));
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    const QByteArray bytes = file.readAll();
-    return bytes.isNull() ? QByteArray("") : bytes;
+    return BytesOf(Path("root/" + path));
 }
 
 QStringList FtpServer::Incoming() const {
@@ -137,19 +134,11 @@ QStringList FtpServer::Incoming() const {
 QStringList FtpServer::Commands() const {
     static const QRegularExpression line(R"re(FTP command: Client "127\.0\.0\.1", "(.*)"$)re",
                                          QRegularExpression::MultilineOption);
-    QFile log(Path("log"));
     QStringList commands;
-    if (!log.open(QIODevice::ReadOnly))
-        return commands;
-    for (auto found = line.globalMatch(QString::fromUtf8(log.readAll())); found.hasNext();)
+    const QString log = QString::fromUtf8(BytesOf(Path("log")));
+    for (auto found = line.globalMatch(log); found.hasNext();)
         commands << found.next().captured(1);
     return commands;
-}
-
-void FtpServer::WriteFile(const QString& name, const QByteArray& bytes) const {
-    QFile file(Path(name));
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size())
-        ADD_FAILURE() << "can't write " << file.fileName().toStdString();
 }
 
 } // namespace pollarix::test

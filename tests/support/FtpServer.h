@@ -33,8 +33,7 @@ class FtpServer {
     static QString User() { return "anonymous"; }
     static QString Password() { return "upload@pollarix.example"; }
 
-    // A file below the login's directory ("incoming/3-7.xml"); empty and not null when it is
-    // empty, null when it isn't there.
+    // A file below the login's directory ("incoming/3-7.xml"), empty when it isn't there.
     QByteArray File(const QString& path) const;
     // Names in the directory "incoming".
     QStringList Incoming() const;
@@ -46,7 +45,6 @@ class FtpServer {
   private:
     bool Start(const FtpServerOptions& options, int attempt);
     bool WaitUntilItGreets(const QByteArray& greeting);
-    void WriteFile(const QString& name, const QByteArray& bytes) const;
     QString Path(const QString& name) const { return directory_.filePath(name); }
 
     QTemporaryDir directory_;

@@ -1,17 +1,21 @@
-// The number of the failure that an action ends with, 0 if it ends well.
+// What an action ends with: its failure, or the number of it, which is 0 if it ends well.
 #pragma once
 
 #include "platform/base/Failure.h"
 
 namespace pollarix::test {
 
-template <typename Action> int NumberOf(const Action& action) {
+template <typename Action> Failure FailureOf(const Action& action) {
     try {
         action();
     } catch (const Failure& failure) {
-        return failure.Number();
+        return failure;
     }
-    return 0;
+    return Failure(0, "none");
+}
+
+template <typename Action> int NumberOf(const Action& action) {
+    return FailureOf(action).Number();
 }
 
 } // namespace pollarix::test

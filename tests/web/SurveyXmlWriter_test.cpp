@@ -1,8 +1,7 @@
 #include "web/SurveyXmlWriter.h"
 
-#include <QFile>
-
 #include "WebWizard.h"
+#include "support/Bytes.h"
 #include "support/NumberOf.h"
 #include "support/Places.h"
 
@@ -13,10 +12,7 @@ namespace {
 
 class SurveyXml : public WebWizard {
   protected:
-    QByteArray Written() {
-        QFile file(SurveyXmlPath(program.state));
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no document");
-    }
+    QByteArray Written() { return BytesOf(SurveyXmlPath(program.state)); }
     clsQ& Add(const QString& text, std::int32_t kind, int id, int scale) {
         return *Survey().GetQ(Survey().AddQ(text, kind, id, scale));
     }
@@ -29,9 +25,9 @@ const QByteArray Head = "<app>Pollarix</app>\r\n<user></user>\r\n<key></key>\r\n
 } // namespace
 
 TEST_F(SurveyXml, ASurveyOfEveryKindIsWrittenAsTheServerReadsIt) {
-    RunSql(path, {"DELETE FROM responsematrix WHERE ResponseMatrixGroupID IN (2, 3)",
+    RunSql(path, {"DELETE FROM responsematrix WHERE ResponseMatrixGroupID = 2",
                   "INSERT INTO responsematrix (id, name, ResponseMatrixGroupID, pos) VALUES"
-                  "(301, 'So & so', 2, 1), (300, '<Good>', 2, 0), (302, NULL, 2, 2)"});
+                  "(300, NULL, 2, 1), (301, '<Good>', 2, 0)"});
     Add("{\\rtf1\\ansi What's \\b new\\b0 ?\\par Say\\tab more}", kind::OpenEnded, 11, 1)
         .OpenEnded_NoOfRows = 0;
     clsQ& check = Add("", kind::Check, 12, 1);
@@ -41,16 +37,14 @@ TEST_F(SurveyXml, ASurveyOfEveryKindIsWrittenAsTheServerReadsIt) {
     clsQ& matrix = Add("Rate", kind::Matrix, 14, 2);
     matrix.AddResponse("Food", 50, -1, "");
     matrix.AddResponse("", 51, -1, "");
-    Add("Rate again", kind::Matrix, 15, 3).AddResponse("x", 52, -1, "");
     clsQ& text = Add("Read this", kind::Text, 16, 1);
     text.QuestionNo = "7"; // an old number stays
     text.AddResponse("never written", 60, -1, "");
     check.OpenEnded_NoOfRows = -2;
 
     DoSaveXML(program.state, views);
-    QFile byHand(SourceFile("tests/web/every-kind.txt")); // with LF alone
-    ASSERT_TRUE(byHand.open(QIODevice::ReadOnly));
-    EXPECT_EQ(Written(), byHand.readAll().replace("\n", "\r\n"));
+    const QByteArray byHand = BytesOf(SourceFile("tests/web/every-kind.txt")); // with LF alone
+    EXPECT_EQ(Written(), QByteArray(byHand).replace("\n", "\r\n"));
 }
 
 TEST_F(SurveyXml, AFailureLeavesTheDocumentOfTheRunBefore) {
