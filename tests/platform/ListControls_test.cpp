@@ -75,6 +75,7 @@ TEST_F(ListControls, AListClickIsRaisedOnceForEachUsersChoiceAlsoOfTheCurrentEnt
 
 TEST_F(ListControls, RemovingAnEntrySelectsNothingAndRaisesNothing) {
     list_.setFocus();
+    list_.SetItemData(2, 7);
     for (int removed : {1, 0}) {
         list_.SetListIndex(1);
         Clicks();
@@ -83,6 +84,7 @@ TEST_F(ListControls, RemovingAnEntrySelectsNothingAndRaisesNothing) {
     }
     EXPECT_EQ(Clicks(), Indexes{});
     EXPECT_EQ(list_.List(0), "blue");
+    EXPECT_EQ(list_.ItemData(0), 7);
     QTest::keyClick(&list_, Qt::Key_Down);
     EXPECT_EQ(Clicks(), Indexes{0}) << "the arrows start afresh at the first entry";
 }
@@ -166,10 +168,4 @@ TEST_F(ListControls, LeavingTheComboBoxIsRaisedForAnotherControlButNotForItsOwnL
     combo_.setFocus();
     MoveFocusQuietly(edit_);
     EXPECT_EQ(lost, 1) << "the program moved the focus";
-    combo_.setFocus();
-    QWidget other;
-    other.show();
-    other.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
-    EXPECT_EQ(lost, 2);
 }

@@ -9,12 +9,8 @@
 
 #include <gtest/gtest.h>
 
-#include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
-
-#include <csignal>
 
 #include "platform/base/Failure.h"
 #include "platform/controls/Grid.h"
@@ -32,41 +28,13 @@ namespace {
 
 enum class Fault { FileVanished, DirectoryVanished, PermissionGone, Locked };
 
-// Another program that has the database for itself until it is ended.
-class Locker {
-  public:
-    explicit Locker(const QString& path) {
-        int ready[2];
-        EXPECT_EQ(pipe(ready), 0);
-        child_ = fork();
-        if (child_ == 0) {
-            const int file = open(qPrintable(path), O_RDWR);
-            // The bytes of the file that stand for the database's locks.
-            struct flock all {};
-            all.l_type = F_WRLCK;
-            all.l_start = 0x40000000;
-            all.l_len = 512;
-            const bool locked = fcntl(file, F_SETLK, &all) == 0;
-            if (write(ready[1], locked ? "y" : "n", 1) == 1)
-                pause();
-            _exit(1);
-        }
-        char answer = 'n';
-        EXPECT_EQ(read(ready[0], &answer, 1), 1);
-        EXPECT_EQ(answer, 'y');
-        close(ready[0]);
-        close(ready[1]);
-    }
-    ~Locker() {
-        kill(child_, SIGKILL);
-        waitpid(child_, nullptr, 0);
-    }
-    Locker(const Locker&) = delete;
-    Locker& operator=(const Locker&) = delete;
-
-  private:
-    pid_t child_ = -1;
-};
+// Somebody else who has the database alone until it is closed.
+std::unique_ptr<Connection> Locked(const QString& path) {
+    auto other = std::make_unique<Connection>();
+    other->Open(path);
+    other->Execute("BEGIN EXCLUSIVE");
+    return other;
+}
 
 // What the user sees, and what lies on the disk.
 struct Seen {
@@ -150,7 +118,7 @@ class FaultTest : public testing::Test {
             break;
         }
         case Fault::Locked: {
-            const Locker locker(path);
+            const auto locked = Locked(path);
             action();
             break;
         }
@@ -281,13 +249,13 @@ TEST_F(FaultTest, APageThatCannotBeReadTakesNoAnswer) {
                        "respondentid = 8 ORDER BY id",
                        2);
     };
-    auto locker = std::make_unique<Locker>(session.survey);
+    auto locked = Locked(session.survey);
     session.user.tasks["frmManualResponse"] = [&](QWidget& shown) {
         const auto question = [&] { return session.Find<QLabel>("lblDCQuestion", &shown)->text(); };
         auto* answer = session.Find<QPlainTextEdit>("txtDCSimpleResponse", &shown);
         auto* next = session.Find<QAbstractButton>("cmdDCAnswersNext", &shown);
         EXPECT_EQ(dialogs.TakeTexts().size(), 1);
-        locker.reset();
+        locked.reset();
         next->click(); // reads the first page anew
         EXPECT_EQ(question(), "1. Why?");
         EXPECT_EQ(answers(), QStringList("1|because"));

@@ -187,6 +187,7 @@ TEST_F(Publish, APageKeepsTheUserUntilItHasWhatItNeeds) {
         EXPECT_EQ(dialogs.openedUrls, QStringList(server.Url() + "CreateAccount.php"));
         Type(page, "txtName", "anna");
         Click(page, "cmdNext");
+        EXPECT_EQ(dialogs.shown.at(0).icon, MsgIcon::Critical);
         EXPECT_EQ(Texts(), QStringList("No username/password has been entered. Please enter your "
                                        "username and password, or press Create New Account to "
                                        "continue."));
