@@ -192,6 +192,15 @@ TEST_F(Database, ABatchThatTheDatabaseTookBackIsNotPassedOffAsWritten) {
     EXPECT_EQ(Rows(), 1);
     connection.Run("INSERT INTO item(name) VALUES('after')");
     EXPECT_EQ(RowsOnDisk(), 2);
+
+    // Nor is one that the closing could not write: a reader elsewhere stands in its way.
+    Other reader(path);
+    reader.Run("BEGIN; SELECT * FROM item");
+    connection.Execute("PRAGMA busy_timeout = 20");
+    WriteBatch lost(connection);
+    connection.Run("DELETE FROM item");
+    FailureOf([&] { connection.Close(); });
+    EXPECT_EQ(FailureOf([&] { lost.Commit(); }).Description(), "database is locked");
 }
 
 TEST_F(Database, WhatIsNoSurveyFileIsRefusedWithItsReasonAndLeftAlone) {

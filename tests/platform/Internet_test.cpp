@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "platform/network/FtpReply.h"
 #include "support/FtpServer.h"
 #include "support/Loopback.h"
 #include "support/PrintQt.h"
@@ -233,6 +234,14 @@ TEST_F(Upload, ARefusalBringsTheServersOwnWords) {
         EXPECT_EQ(internet.LastError(), internet::ServersOwnWords);
         EXPECT_EQ(internet.LastResponse(), "451 Failure writing to local file.");
     }
+}
+
+TEST(FtpReply, GoesOnToTheLineWithItsCodeAndABlank) {
+    FtpReply reply;
+    for (const char* line : {"noise\r\n", "550-No\r\n", "250 not yet\r\n", "550 end\r\n"})
+        reply.AddLine(line);
+    EXPECT_EQ(reply.Code(), 550);
+    EXPECT_EQ(reply.Shown(), "550-No\r\n250 not yet\r\n550 end");
 }
 
 TEST_F(Upload, ASessionThatTheServerEndsIsNotQuietlyTakenUpAgain) {

@@ -1,6 +1,5 @@
 // One walk over the Analyze screen of the real main window: every row of two matrices and what is
 // around them, all styles, the graph at both sizes, its picture as a file.
-#include <QAction>
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
@@ -8,19 +7,12 @@
 #include <QLabel>
 #include <QMenu>
 #include <QPushButton>
-#include <QTest>
 
-#include <gtest/gtest.h>
-
-#include "platform/base/Handlers.h"
 #include "platform/charts/Chart.h"
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/Grid.h"
 #include "platform/controls/Twips.h"
-#include "shell/Attendant.h"
-#include "shell/frmMain.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
+#include "shell/MainWindow.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -103,35 +95,22 @@ constexpr std::pair<const char*, ChartType> Styles[] = {
     {"Pie", ChartType::Pie2D},
     {"2D X-Y", ChartType::XY2D}};
 
-class AnalyzeScreen : public testing::Test {
+class AnalyzeScreen : public MainWindow {
   protected:
-    TestState program;
-    QueuedDialogs& dialogs = program.dialogs;
-    Attendant user; // sees the splash away
-    std::vector<int> failures;
     QString path = program.BlankSurvey("answers.plxs");
-    std::unique_ptr<frmMain> window;
     Grid* grid = nullptr;
     Chart* chart = nullptr;
 
     AnalyzeScreen() {
-        SetFailureReporter(
-            [this](const Failure& failure) { failures.push_back(failure.Number()); });
         for (const char* sql : Survey)
             RunSql(path, {sql});
-        window = std::make_unique<frmMain>(program.state);
-        window->Form_Load(path);
-        window->resize(1024, 740);
-        window->show();
-        grid = window->findChild<Grid*>("gSummaryReport");
-        chart = window->findChild<Chart*>("c");
-        EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+        Start(path);
+        grid = Find<Grid>("gSummaryReport");
+        chart = Find<Chart>("c");
         Menu("mnuViewAnalyse");
     }
-    ~AnalyzeScreen() override { SetFailureReporter({}); }
 
-    void Menu(const char* name) { window->findChild<QAction*>(name)->trigger(); }
-    QString Total(const char* label) { return window->findChild<QLabel*>(label)->text(); }
+    QString Total(const char* label) { return Find<QLabel>(label)->text(); }
     void Click(int row) {
         const QModelIndex cell = grid->model()->index(row - 1, 1);
         grid->scrollTo(cell);

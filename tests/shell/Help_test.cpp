@@ -5,6 +5,7 @@
 #include <QLineEdit>
 #include <QListView>
 #include <QListWidget>
+#include <QMessageBox>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTextBrowser>
@@ -157,6 +158,10 @@ TEST_F(HelpWindowTest, F1OpensTheTopicOfTheScreenAndOfTheDialogThatWaits) {
         tabs->setCurrentIndex(0);
         QTest::keyClick(&tip, Qt::Key_F1);
         EXPECT_EQ(page(), "tips.html");
+        window->Help().ShowTopicOf("picDesign");
+        QMessageBox box(&tip);
+        QTest::keyClick(&box, Qt::Key_F1);
+        EXPECT_EQ(page(), "tips.html") << "of the dialog that a message belongs to";
         // Through the window, as the mouse does: a window without input would not get it.
         const QPoint index =
             tabs->tabBar()->mapTo(&helpWindow, tabs->tabBar()->tabRect(1).center());

@@ -82,13 +82,13 @@ TEST_F(MainWindowTest, ASurveyIsDesignedSavedAndOpenedAgain) {
     EXPECT_EQ(SqlRows(path, "SELECT id, questionno, qtype, pos FROM question ORDER BY pos", 4),
               QStringList({"1|1|0|1", "2|2|0|2", "3||4|3"}));
 
+    dialogs.fileNames = {{"", 0}};
+    Menu("mnuFileOpen"); // cancelled
+    EXPECT_EQ(TreeTexts().size(), 4);
     // Close is New; then the file comes back from the menu.
     Menu("mnuFileClose");
     EXPECT_EQ(TreeTexts(), QStringList("Survey"));
     EXPECT_EQ(Find<QLabel>("StatusBar")->text(), "");
-    dialogs.fileNames = {{"", 0}};
-    Menu("mnuFileOpen"); // cancelled
-    EXPECT_EQ(TreeTexts(), QStringList("Survey"));
     dialogs.fileNames = {{path, 0}};
     Menu("mnuFileOpen");
     EXPECT_EQ(TreeTexts(),

@@ -1,11 +1,11 @@
 #include "web/ResultsReader.h"
 
-#include <QFile>
 #include <QRandomGenerator>
 
 #include <array>
 #include <string>
 
+#include "platform/files/Files.h"
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -21,10 +21,8 @@ class Results : public testing::Test {
     Results() { program.state.SurveyConnection.Open(path); }
 
     int Import(const QByteArray& bytes) {
-        QFile file(program.Path("3-7.txt"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
-        file.close();
-        return NumberOf([&] { DoLoadXML(program.state, file.fileName()); });
+        WriteWholeFile(program.Path("3-7.txt"), bytes);
+        return NumberOf([&] { DoLoadXML(program.state, program.Path("3-7.txt")); });
     }
     // What the file holds, respondents first; then it holds nothing.
     QStringList Taken() {
@@ -159,9 +157,7 @@ TEST_F(Results, BlocksChangeNothing) {
             else
                 all += std::string(random.bounded(20), 'x') + (kind == 6 ? "<" : "");
         }
-        QFile file(name);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.write(all.data(), all.size()) >= 0);
-        file.close();
+        WriteWholeFile(name, QByteArrayView(all.data(), qsizetype(all.size())));
         ResultsLines read(name, 16 + random.bounded(120));
         std::size_t at = 0;
         for (std::size_t end = all.find("\r\n"); end != std::string::npos;

@@ -19,6 +19,7 @@
 #include <functional>
 
 #include "document/SurveyDocument.h"
+#include "support/Accessible.h"
 #include "support/FakeViews.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -124,6 +125,7 @@ class WebWizard : public testing::Test {
         const QString& message = steps.front().message;
         if (message.isEmpty() ? timer && !HasEnded(*page) : !Messages(*page).contains(message))
             return;
+        CheckAccessible(*page);
         const Step step = std::move(steps.front().step);
         steps.pop_front();
         QDialog* const outer = std::exchange(stepping, page);
