@@ -16,8 +16,9 @@ constexpr std::string_view LineEnd = "\r\n";
 constexpr std::size_t LongestText = 64U << 10U; // of one question, response or point
 constexpr std::size_t MostQuestions = 32767;    // the program counts in 16 bits
 constexpr std::size_t MostChoices = 32767;
-// Each sub question repeats its scale in the document, but the form shows all of it for each.
-constexpr std::size_t MostCells = 100000;
+// Buttons of all matrix questions together. Each is a line of a page that may show them all, and a
+// page has to fit into memory many times over.
+constexpr std::size_t MostCells = 20000;
 
 class Reader {
   public:
