@@ -12,7 +12,7 @@ using namespace pollarix::test;
 namespace {
 
 std::string Document() {
-    QFile file(SourceFile("tests/web/every-kind.txt"));
+    QFile file(SourceFile("tests/exchange/every-kind.txt"));
     EXPECT_TRUE(file.open(QIODevice::ReadOnly));
     return file.readAll().replace("-1<", "41<").replace("\n", "\r\n").toStdString();
 }

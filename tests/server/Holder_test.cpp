@@ -25,7 +25,7 @@ class HolderSite : public testing::Test {
     HolderSite() {
         AddPages(router,
                  {store, accounts, questionnaires, "https://example.org/", [this] { return now; }});
-        QFile file(SourceFile("tests/web/every-kind.txt"));
+        QFile file(SourceFile("tests/exchange/every-kind.txt"));
         EXPECT_TRUE(file.open(QIODevice::ReadOnly));
         document = file.readAll().replace("-1<", "41<").replace("\n", "\r\n").toStdString();
     }

@@ -51,7 +51,7 @@ class Pages : public testing::Test {
     }
 
     void Publish(const std::string& instead) {
-        std::ifstream file(SourceFile("tests/web/every-kind.txt").toStdString());
+        std::ifstream file(SourceFile("tests/exchange/every-kind.txt").toStdString());
         std::string document((std::istreambuf_iterator<char>(file)), {});
         document = std::regex_replace(document, std::regex("-1<"), "41<");
         document = std::regex_replace(document, std::regex("more"), instead);
