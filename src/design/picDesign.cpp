@@ -3,7 +3,6 @@
 #include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QPointer>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -153,6 +152,30 @@ void picDesign::Redo() {
     editor_.Redo();
 }
 
+DesignPlace picDesign::WhereOneIs() const {
+    DesignPlace place;
+    QWidget* const focus = QApplication::focusWidget();
+    if (focus && isAncestorOf(focus))
+        place.focus = focus;
+    place.key = SelectedQuestionKey();
+    place.position = editor_.Survey().GetQIndexFromKey(place.key);
+    place.caret = picQProperties_->Editor().textCursor().position();
+    return place;
+}
+
+void picDesign::GoBackTo(const DesignPlace& place) {
+    const QString key = SelectedQuestionKey();
+    if (key == place.key)
+        return;
+    RichTextBox& txtQ = picQProperties_->Editor();
+    QTextCursor cursor(txtQ.document());
+    if (editor_.Survey().GetQIndexFromKey(key) == place.position)
+        cursor.setPosition(std::min(place.caret, txtQ.document()->characterCount() - 1));
+    txtQ.setTextCursor(cursor);
+    if (place.focus)
+        MoveFocusQuietly(*place.focus);
+}
+
 bool picDesign::IsStepKey(QKeyEvent& event) {
     const Qt::KeyboardModifiers modifiers = event.modifiers();
     const bool undo = event.key() == Qt::Key_Z && modifiers == Qt::ControlModifier;
@@ -218,6 +241,11 @@ bool picDesign::picQPropertiesVisible() const {
 
 void picDesign::CommitText() {
     picQProperties_->CommitText();
+}
+
+void picDesign::CommitEdits() {
+    if (picQProperties_->Editor().document()->isModified())
+        CommitText();
 }
 
 void picDesign::ClearTree() {

@@ -5,6 +5,8 @@
 
 #include <QWidget>
 
+#include <QPointer>
+
 #include <optional>
 
 #include "document/SurveyEditor.h"
@@ -17,6 +19,14 @@ class TreeView;
 class picLibraryView;
 class picQProperties;
 class picTreeView;
+
+// Where the user is on the Design screen.
+struct DesignPlace {
+    QPointer<QWidget> focus; // none while the focus is elsewhere
+    QString key;             // of the selected question, and its place in the survey
+    int position = -1;
+    int caret = 0; // in txtQ, in the document's units
+};
 
 class picDesign : public QWidget, private EditorScreen {
     Q_OBJECT
@@ -39,6 +49,12 @@ class picDesign : public QWidget, private EditorScreen {
     // The one that the program starts with, which is no step that could be undone.
     void AddBlankOpenEndedQuestion();
 
+    // For when a survey has been saved, and read back with new keys in between: the focus and the
+    // caret stand where they stood, and nothing is selected. Where nothing was read back, nothing
+    // happens.
+    DesignPlace WhereOneIs() const;
+    void GoBackTo(const DesignPlace& place);
+
     // A step of the design back, or forth again; nothing where there is none. The focus stays where
     // it is, if that is still there.
     void Undo();
@@ -47,6 +63,9 @@ class picDesign : public QWidget, private EditorScreen {
     // Whether a question is shown, on whatever screen the user is.
     bool picQPropertiesVisible() const;
     void CommitText(); // as picQProperties tells
+    // The same, if anything was typed: the letter whose key is still down. Leaves a text alone that
+    // would only be written otherwise.
+    void CommitEdits();
 
     // What opening, saving and closing a survey ask of the screen, as SurveyViews tells.
     void ClearTree();

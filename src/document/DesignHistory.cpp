@@ -111,14 +111,17 @@ DesignHistory::Packed DesignHistory::Pack(DesignState state) {
     packed.nodes = last_.nodes && *last_.nodes == state.nodes
                        ? last_.nodes
                        : std::make_shared<const std::vector<NodeLabel>>(std::move(state.nodes));
-    QHash<QString, std::shared_ptr<const Question>> known;
-    for (const auto& question : last_.questions)
-        known.insert(question->Key, question);
+    // The two orders differ by a question that came, went or changed places with its neighbour.
+    std::size_t at = 0;
     for (Question& question : state.survey.questions) {
-        const std::shared_ptr<const Question> same = known.value(question.Key);
-        packed.questions.push_back(same && *same == question
-                                       ? same
-                                       : std::make_shared<const Question>(std::move(question)));
+        for (const std::size_t beside : {at, at + 1})
+            if (beside < last_.questions.size() && last_.questions[beside]->Key == question.Key)
+                at = beside;
+        const bool same = at < last_.questions.size() && *last_.questions[at] == question;
+        packed.questions.push_back(same ? last_.questions[at]
+                                        : std::make_shared<const Question>(std::move(question)));
+        if (at < last_.questions.size() && last_.questions[at]->Key == packed.questions.back()->Key)
+            ++at;
     }
     last_ = packed;
     return packed;

@@ -1,7 +1,9 @@
 #include "shell/EditKeys.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QPointer>
 #include <QWidget>
 
@@ -20,6 +22,17 @@ void SendKeys(const QKeyCombination& key) {
                 break;
         }
     }
+}
+
+bool SelectionKeeper::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::FocusOut ||
+        static_cast<QFocusEvent*>(event)->reason() != Qt::MenuBarFocusReason ||
+        (!qobject_cast<QLineEdit*>(watched) && !qobject_cast<QComboBox*>(watched)))
+        return QObject::eventFilter(watched, event);
+    // As for a menu that is opened by mouse.
+    QFocusEvent toPopup(QEvent::FocusOut, Qt::PopupFocusReason);
+    QCoreApplication::sendEvent(watched, &toPopup);
+    return true;
 }
 
 } // namespace pollarix

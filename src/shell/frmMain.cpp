@@ -20,6 +20,7 @@
 #include "platform/controls/Focus.h"
 #include "platform/controls/Twips.h"
 #include "shell/Addresses.h"
+#include "shell/EditKeys.h"
 #include "shell/PathLabel.h"
 #include "shell/frmSplash.h"
 #include "web/SurveyXmlWriter.h"
@@ -53,6 +54,7 @@ frmMain::frmMain(ApplicationState& state)
     ShowScreen("Design");
     resize(1024, 740);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &frmMain::EndOfSession);
+    qApp->installEventFilter(new SelectionKeeper(this));
 }
 
 frmMain::~frmMain() {
@@ -143,7 +145,10 @@ void frmMain::Form_Load(const QString& commandLine) {
 
 bool frmMain::Form_Unload() {
     // A survey that long work is reading must not close under it.
-    if (work_.IsRunning() || !document_.AskToSave(Qt::CaseInsensitive))
+    if (work_.IsRunning())
+        return false;
+    picDesign_->CommitEdits();
+    if (!document_.AskToSave(Qt::CaseInsensitive))
         return false;
     // A file that could not be opened is none of this program's temporary surveys.
     if (!document_.IsFileChanged() && EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive) &&
@@ -237,6 +242,15 @@ void frmMain::ShowChecks() {
     }
 }
 
+// Saving reads the survey back, which would put the caret
+// elsewhere and select the whole text, for the next key to replace.
+void frmMain::RunSave(const std::function<void()>& save) {
+    picDesign_->CommitEdits();
+    const DesignPlace place = picDesign_->WhereOneIs();
+    save();
+    picDesign_->GoBackTo(place);
+}
+
 void frmMain::mnuViewDesign_Click() {
     ShowScreen("Design");
 }
@@ -250,7 +264,7 @@ void frmMain::mnuViewDataCollection_Click() {
             MsgIcon::Question, MsgButtons::YesNoCancel);
         if (answer != MsgAnswer::Yes)
             return;
-        document_.mnuFileSave_Click();
+        RunSave([this] { document_.mnuFileSave_Click(); });
         // Also a dialog that was cancelled, or a file that could not be written, leaves it unsaved.
         if (document_.IsFileChanged())
             return;

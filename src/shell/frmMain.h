@@ -79,6 +79,7 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     void mnuViewAnalyse_Click();
     void Toolbar_ButtonClick(const QString& key);
     void RunCommand(const std::function<void()>& command);
+    void RunSave(const std::function<void()>& save);
     void ShowChecks(); // of menu and toolbar, by the screen that shows
     // The panels of the three screens, in the toolbar's order.
     static constexpr std::size_t Screens = 3;

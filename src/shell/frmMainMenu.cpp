@@ -71,14 +71,30 @@ void frmMain::BuildMenus() {
 
     AddMenu(
         "mnuFile", "&File",
-        {{"mnuNew", "&New...", QKeySequence("Ctrl+N"), [this] { files_.mnuNew_Click(); }},
+        {{"mnuNew", "&New...", QKeySequence("Ctrl+N"),
+          [this] {
+              picDesign_->CommitEdits();
+              files_.mnuNew_Click();
+          }},
          {"mnuFileOpen", "&Open...", QKeySequence("Ctrl+O"),
-          [this] { files_.mnuFileOpen_Click(); }},
-         {"mnuFileClose", "&Close", {}, [this] { files_.mnuNew_Click(); }},
+          [this] {
+              picDesign_->CommitEdits();
+              files_.mnuFileOpen_Click();
+          }},
+         {"mnuFileClose",
+          "&Close",
+          {},
+          [this] {
+              picDesign_->CommitEdits();
+              files_.mnuNew_Click();
+          }},
          Separator("mnuFileSep1"),
          {"mnuFileSave", "&Save", QKeySequence("Ctrl+S"),
-          [this] { document_.mnuFileSave_Click(); }},
-         {"mnuFileSaveAs", "Save &As...", {}, [this] { document_.mnuFileSaveAs_Click(); }},
+          [this] { RunSave([this] { document_.mnuFileSave_Click(); }); }},
+         {"mnuFileSaveAs",
+          "Save &As...",
+          {},
+          [this] { RunSave([this] { document_.mnuFileSaveAs_Click(); }); }},
          {"mnuFileExport", "&Export...", {}, [this] { export_.mnuFileExport_Click(); }},
          Separator("mnuFileSep2"),
          {"mnuFilePageSetup", "Page Set&up...", {}, [this] { print_.mnuFilePageSetup_Click(); }},

@@ -2,6 +2,8 @@
 // the program.
 #include <QDir>
 #include <QLabel>
+#include <QLineEdit>
+#include <QMenuBar>
 #include <QRegularExpression>
 #include <QStatusBar>
 #include <QTimer>
@@ -12,6 +14,7 @@
 #include "platform/controls/RichTextBox.h"
 #include "platform/controls/TreeView.h"
 #include "platform/files/Files.h"
+#include "platform/richtext/RichText.h"
 #include "shell/MainWindow.h"
 
 using namespace pollarix;
@@ -214,6 +217,29 @@ TEST_F(MainWindowTest, WhatIsTypedGoesToTheScreenThatShows) {
     }
     EXPECT_TRUE(txtQ->hasFocus()); // where one was before
     EXPECT_EQ(txtQ->Text(), "ab");
+}
+
+TEST_F(MainWindowTest, SavingTakesTheLetterWhoseKeyIsDownAndLeavesTheCaret) {
+    const QString path = program.BlankSurvey("typing.plxs");
+    Start(path);
+    Menu("mnuDesignAddCheckQuestion");
+    auto* txtQ = Find<RichTextBox>("txtQ");
+    txtQ->setFocus();
+    Type("abc");
+    QTest::keyClick(txtQ, Qt::Key_Left);
+    QTest::keyPress(txtQ, 'x');
+    Menu("mnuFileSave");
+    EXPECT_EQ(PlainTextOf(SqlRows(path, "SELECT question FROM question", 1).value(1)), "abxc");
+    EXPECT_TRUE(txtQ->hasFocus());
+    QTest::keyClicks(txtQ, "y");
+    EXPECT_EQ(txtQ->Text(), "abxyc") << "nothing was selected";
+    // A menu opened by key leaves what is selected in a box.
+    auto* box = Find<QLineEdit>("txtCheckResponse");
+    box->setFocus();
+    box->setText("abc");
+    box->selectAll();
+    window->menuBar()->setFocus(Qt::MenuBarFocusReason);
+    EXPECT_EQ(box->selectedText(), "abc");
 }
 
 TEST_F(MainWindowTest, TheEditMenuSendsKeysToTheFocusedControl) {
