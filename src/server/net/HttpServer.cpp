@@ -32,7 +32,7 @@ using tcp = asio::ip::tcp;
 
 namespace {
 
-constexpr int SocketThreads = 2;
+constexpr std::size_t SocketThreads = 2;
 constexpr auto StopPatience = std::chrono::seconds(10);
 // What a client that was refused may still send before its connection is cut, so that it gets to
 // read why.
@@ -77,7 +77,8 @@ struct HttpServer::Core : std::enable_shared_from_this<HttpServer::Core> {
     const Router& router;
     const HttpBounds bounds;
     const LogLine log;
-    std::array<asio::io_context, SocketThreads> contexts{asio::io_context(1), asio::io_context(1)};
+    // Sockets and what waits on them hold the core in turn, so these go when the server stops.
+    std::array<std::unique_ptr<asio::io_context>, SocketThreads> contexts;
     std::vector<asio::executor_work_guard<asio::io_context::executor_type>> guards;
     std::vector<std::shared_ptr<tcp::acceptor>> acceptors;
     std::vector<std::thread> threads;
@@ -149,7 +150,7 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
         if (error)
             return Failed(error);
         const auto& head = parser_->get();
-        if (IsAmbiguous(head) || !TakeHead(head))
+        if (IsAmbiguous(head) || !TakeHead(head)) // the latter when its target is none
             return Refuse(400);
         if (!IsMethod(request_.method))
             return Refuse(405);
@@ -214,7 +215,6 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             Send(core_->router.ErrorPage(503, request_));
     }
 
-    // False for a target that is none.
     bool TakeHead(const http::request<http::string_body>& head) {
         const auto target = std::string_view(head.target().data(), head.target().size());
         const std::size_t mark = std::min(target.find('?'), target.size());
@@ -400,7 +400,7 @@ void HttpServer::Core::Leave(const std::string& address) {
 }
 
 void HttpServer::Core::Accept(const std::shared_ptr<tcp::acceptor>& acceptor) {
-    asio::io_context& context = contexts[nextContext++ % contexts.size()];
+    asio::io_context& context = *contexts[nextContext++ % contexts.size()];
     acceptor->async_accept(
         context, [core = shared_from_this(), acceptor](error_code error, tcp::socket socket) {
             if (!acceptor->is_open())
@@ -436,9 +436,10 @@ Response HttpServer::Core::Answer(const Handler& handler, const Request& request
 
 HttpServer::HttpServer(const Router& router, const HttpBounds& bounds, LogLine log)
     : core_(std::make_shared<Core>(router, bounds, std::move(log))) {
-    for (asio::io_context& context : core_->contexts) {
-        core_->guards.push_back(asio::make_work_guard(context));
-        core_->threads.emplace_back([&context] { context.run(); });
+    for (std::unique_ptr<asio::io_context>& context : core_->contexts) {
+        context = std::make_unique<asio::io_context>(1);
+        core_->guards.push_back(asio::make_work_guard(*context));
+        core_->threads.emplace_back([&served = *context] { served.run(); });
     }
 }
 
@@ -448,7 +449,7 @@ HttpServer::~HttpServer() {
 
 std::uint16_t HttpServer::Listen(const std::string& address, std::uint16_t port) {
     try {
-        auto acceptor = std::make_shared<tcp::acceptor>(core_->contexts[0]);
+        auto acceptor = std::make_shared<tcp::acceptor>(*core_->contexts[0]);
         const tcp::endpoint endpoint(asio::ip::make_address(address), port);
         acceptor->open(endpoint.protocol());
         acceptor->set_option(tcp::acceptor::reuse_address(true));
@@ -466,7 +467,7 @@ std::uint16_t HttpServer::Listen(const std::string& address, std::uint16_t port)
 void HttpServer::Stop() {
     if (core_->isStopping.exchange(true))
         return;
-    asio::post(core_->contexts[0], [core = core_] {
+    asio::post(*core_->contexts[0], [core = core_] {
         for (const auto& acceptor : core->acceptors) {
             error_code ignored;
             acceptor->close(ignored);
@@ -486,11 +487,14 @@ void HttpServer::Stop() {
         core_->ended.wait_for(lock, StopPatience, [this] { return core_->connections == 0; });
     }
     core_->guards.clear();
-    for (asio::io_context& context : core_->contexts)
-        context.stop();
+    for (const auto& context : core_->contexts)
+        context->stop();
     for (std::thread& thread : core_->threads)
         thread.join();
     core_->pool.reset(); // what was begun is finished, though nobody may listen any more
+    core_->acceptors.clear();
+    for (auto& context : core_->contexts)
+        context.reset();
 }
 
 } // namespace pollarix::server
