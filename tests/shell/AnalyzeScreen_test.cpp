@@ -26,12 +26,12 @@ constexpr const char* Survey[] = {
     "(6, 'Say', NULL, 0, 1), (1, '{\\rtf1 Tea or \\b coffee?}', '1', 2, 2), (2, 'Rate', '2', 3, 3),"
     " (3, 'Rate again', '3', 3, 4), (5, 'Last', '4', 2, 5), (4, 'Which', '10', 1, 6), "
     "(7, 'Thanks', '', 4, 7), (8, 'No rows', '5', 3, 8), (9, 'No points', '6', 3, 9), "
-    "(10, 'End', '7', 0, 10)",
+    "(10, 'End', '7', 2, 10)",
     "INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) VALUES "
     "(1, 1, 'Tea', 2, 1), (12, 1, 'Coffee', 1, 1), (41, 4, 'Sugar', 1, 1), (42, 4, 'Milk', 2, 1), "
     "(21, 2, 'Taste', 1, 100), (22, 2, 'Price', 2, 100), (31, 3, 'Staff', 1, 100), "
     "(32, 3, 'Room', 2, 101), (51, 5, 'Again', 1, 1), (91, 9, 'This', 1, 999), (92, 9, 'That', 2, "
-    "999)",
+    "999), (101, 10, 'Bye', 1, 1)",
     "INSERT INTO responsematrix (id, name, ResponseMatrixGroupID, pos) VALUES (201, 'good', 100, "
     "0), (203, 'bad', 100, 2), (202, 'fair', 100, 1), (211, 'yes', 101, 0), (212, 'no', 101, 1)",
     "INSERT INTO respondent (source) VALUES ('Web'), ('manual entry'), ('Manual Entry'), "
@@ -79,7 +79,8 @@ constexpr Row Rows[] = {{"n/a|. Say", "hidden"},
                         {"|     This", ""},
                         {"|", "hidden"},
                         {"|     That", ""},
-                        {"n/a|7. End", "hidden"}};
+                        {"|7. End", "hidden"},
+                        {"0.0%|     Bye", " Bye=0"}};
 
 constexpr std::pair<const char*, ChartType> Styles[] = {
     {"3D Bar", ChartType::Bar3D},
