@@ -131,7 +131,7 @@ TEST(HttpServer, BadSettingsStopItWithOneLine) {
          "line 5: body-bytes has to be a number from 1024 to 67108864"},
         {"colour = red\n", "line 3: there is no setting \"colour\""},
         {"url =\n", "line 3: url has no value"},
-        {"http = 127.0.0.1:1\n", "Can't listen on 127.0.0.1 port 1"},
+        {"http = 127.0.0.1:1\nftp = off\n", "Can't listen on 127.0.0.1 port 1"},
     };
     QTemporaryDir directory;
     for (const auto& [lines, message] : cases) {
