@@ -166,6 +166,14 @@ TEST_F(Undo, ASaveKeepsStepsUpToTheFirstThatNeedsADeletedRow) {
     Press("cmdDown");
     document_.DoSave();
     EXPECT_EQ(Rows(qPrintable(rows)), saved) << "they are the same rows";
+    ClickNode(3);
+    ClickEntry("lstCheckResponses", 0);
+    Press("cdmCheckDelete");
+    document_.DoSave();
+    StepKey(Qt::Key_Z);
+    EXPECT_EQ(Responses(3), "x") << "nor is the deletion of a response";
+    Press("cmdUp");
+    Press("cmdDown");
     Reopen();
     StepKey(Qt::Key_Z);
     EXPECT_EQ(Nodes(), "1. Q1|2. Q3|3. new") << "closed, and forgotten";
