@@ -72,7 +72,8 @@ void ReceiveUpload(std::string_view commands) {
         [](std::int64_t, std::int64_t, const std::string&, const std::string&) {
             return std::string();
         }};
-    const server::FtpBounds bounds;
+    server::FtpBounds bounds;
+    bounds.idleSeconds = 0; // all has been sent, and nobody reads the replies
     server::FtpSession(bounds, taker, std::move(control), -1).Run();
 }
 
