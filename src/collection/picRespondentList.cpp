@@ -131,10 +131,12 @@ void picRespondentList::WidenGrid() {
     WidenSample(100);
 }
 
-// In a smaller window the column gives back what it was given, unless the user has sized it.
+// The column follows the window, up to when the user sizes it: from then on its width is the
+// user's.
 void picRespondentList::FitSample() {
-    if (gRespondents_->ColWidth(1) == sampleWidthGiven_)
-        SetSampleWidth(SampleWidth);
+    if (gRespondents_->ColWidth(1) != sampleWidthGiven_)
+        return;
+    SetSampleWidth(SampleWidth);
     WidenSample(400);
 }
 

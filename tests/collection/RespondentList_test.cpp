@@ -100,6 +100,19 @@ TEST_F(RespondentList, NothingSelectedNothingDone) {
     EXPECT_EQ(Column(2), QStringList(""));
 }
 
+TEST_F(RespondentList, TheWidthThatTheUserGaveAColumnStaysHis) {
+    MakeAnswers();
+    picRespondentList& list = ShowScreen();
+    const int wide = List().ColWidth(1);
+    screen->LayOut(1000, 730);
+    EXPECT_NE(List().ColWidth(1), wide); // nobody has sized it yet
+    List().horizontalHeader()->resizeSection(1, 90);
+    const int own = List().ColWidth(1);
+    list.RefreshRespondentList(1, 0);
+    screen->LayOut(1024, 730);
+    EXPECT_EQ(List().ColWidth(1), own);
+}
+
 TEST_F(RespondentList, AHiddenListReadsWhenItIsShown) {
     MakeAnswers();
     picRespondentList& list = ShowScreen();
