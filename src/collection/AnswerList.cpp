@@ -12,12 +12,15 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/base/ShownText.h"
+
 namespace pollarix {
 
 namespace {
 
 constexpr int NarrowestText = 120; // pixels
 constexpr int RoomBetween = 4;
+constexpr qsizetype LongestAnswer = 4000; // characters that are shown of it
 
 // A button's text is one line unless it holds line ends, so long answers are broken to the width by
 // hand. An "&" is text here and no mnemonic.
@@ -99,10 +102,11 @@ int AnswerList::Add(const QString& text, std::int64_t tag) {
     if (!Button(0)->isHidden())
         Load();
     const int i = UBound();
-    texts_.back() = text;
+    const QString shown = Shortened(text, LongestAnswer);
+    texts_.back() = shown;
     tags_.back() = tag;
-    Button(i)->setAccessibleName(text);
-    Button(i)->setText(Wrapped(text, Button(i)->font(), TextWidth()));
+    Button(i)->setAccessibleName(shown);
+    Button(i)->setText(Wrapped(shown, Button(i)->font(), TextWidth()));
     Button(i)->show();
     return i;
 }

@@ -5,6 +5,7 @@
 #include "collection/MatrixDelegate.h"
 #include "collection/MatrixHead.h"
 #include "platform/base/Failure.h"
+#include "platform/base/ShownText.h"
 #include "platform/controls/Grid.h"
 #include "platform/controls/RedrawOff.h"
 #include "platform/controls/Twips.h"
@@ -13,6 +14,7 @@ namespace pollarix {
 
 namespace {
 
+constexpr qsizetype LongestHead = 1000; // characters that are shown of it
 // Widening of a column beyond its text, in twips.
 constexpr int LeastBesideText = 150;
 constexpr int RoomBesideText = 200;
@@ -134,8 +136,9 @@ void MatrixPage::ChooseFirstPoints() {
 }
 
 void MatrixPage::AddHead(int row, int col, const QString& text) {
-    gMatrix_->SetTextMatrix(row, col, text);
-    const int width = ToTwips(fontMetrics().horizontalAdvance(text));
+    const QString shown = Shortened(text, LongestHead);
+    gMatrix_->SetTextMatrix(row, col, shown);
+    const int width = ToTwips(fontMetrics().horizontalAdvance(shown));
     if (width + LeastBesideText > gMatrix_->ColWidth(col))
         gMatrix_->SetColWidth(col, width + RoomBesideText);
 }

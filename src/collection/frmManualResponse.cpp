@@ -14,11 +14,18 @@
 #include "collection/MatrixPage.h"
 #include "collection/TextPage.h"
 #include "platform/base/Handlers.h"
+#include "platform/base/ShownText.h"
 #include "platform/controls/PageButton.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/richtext/RichText.h"
 
 namespace pollarix {
+
+namespace {
+
+constexpr qsizetype LongestQuestion = 10000; // characters that are shown of it
+
+} // namespace
 
 frmManualResponse::frmManualResponse(ApplicationState& state, ManualEntryState& entry,
                                      QWidget* parent)
@@ -163,7 +170,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const QString number = row.NullToString("questionno");
     if (qtype != kind::Text && !number.isEmpty())
         text.prepend(number + ". ");
-    lblDCQuestion_->setText(text);
+    lblDCQuestion_->setText(Shortened(text, LongestQuestion));
     scrollDCQuestion_->verticalScrollBar()->setValue(0);
     entry_.CurrentQType = qtype;
     FitQuestion();
