@@ -84,11 +84,6 @@ TEST(RichText, WhatIsNotRichTextIsPlainText) {
         EXPECT_EQ(Plain(source), plain) << source;
         EXPECT_EQ(Plain(WriteRichText(ReadRichText(QString(source)))), plain);
     }
-    RichTextBuffer buffer;
-    buffer.SetText("{\\rtf1 as typed}");
-    EXPECT_EQ(buffer.Text(), "{\\rtf1 as typed}");
-    buffer.SetTextRTF(buffer.TextRTF());
-    EXPECT_EQ(buffer.Text(), "{\\rtf1 as typed}");
 }
 
 TEST(RichText, GivesThePlainText) {

@@ -77,22 +77,4 @@ QString RichText::PlainText() const {
     return text;
 }
 
-void RichTextBuffer::SetTextRTF(const QString& rtf) {
-    source_ = rtf;
-    isPlain_ = false;
-}
-
-QString RichTextBuffer::TextRTF() const {
-    return WriteRichText(isPlain_ ? RichText::FromPlainText(source_) : ReadRichText(source_));
-}
-
-void RichTextBuffer::SetText(const QString& plain) {
-    source_ = plain;
-    isPlain_ = true;
-}
-
-QString RichTextBuffer::Text() const {
-    return isPlain_ ? RichText::FromPlainText(source_).PlainText() : PlainTextOf(source_);
-}
-
 } // namespace pollarix

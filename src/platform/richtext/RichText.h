@@ -1,5 +1,5 @@
 // Rich text as a value: paragraphs of runs. With it come the reader and the writer of its file form
-// (RTF), the hidden converter and the writer that report builders work with. No widget here; the
+// (RTF), and the writer that report builders work with. No widget here; the
 // visible editor is RichTextBox.
 #pragma once
 
@@ -65,20 +65,6 @@ QString PlainTextOf(QStringView source);
 // Writes rich text: pure ASCII, any script kept. Stable: writing what was read from written text
 // gives the same bytes.
 QString WriteRichText(const RichText& text);
-
-// A hidden rich text box, that is a converter: rich text in, plain text out, or the other way
-// round.
-class RichTextBuffer {
-  public:
-    void SetTextRTF(const QString& rtf);
-    QString TextRTF() const;
-    void SetText(const QString& plain);
-    QString Text() const;
-
-  private:
-    QString source_;
-    bool isPlain_ = true;
-};
 
 // Writes a rich text file as it grows, in bounded memory: the report builders' hidden box, whose
 // caret always stands at the end. Formats hold for the text appended after they are set. The file
