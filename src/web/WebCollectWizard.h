@@ -2,19 +2,10 @@
 // survey. Lists and reports are left as they are; their own screens refresh them.
 #pragma once
 
+#include "web/CollectState.h"
 #include "web/WebServices.h"
 
 namespace pollarix {
-
-// Kept from one run of the wizard to the next while the program runs.
-struct CollectState {
-    bool CollectShowWelcome = true;
-    std::int16_t CollectServerIndex = 0;
-    QString CollectUsername;
-    QString CollectPassword;
-    QString CollectUserID; // the number in decimal
-    std::int16_t CollectSurveyID = 0;
-};
 
 class WebCollectWizard {
   public:

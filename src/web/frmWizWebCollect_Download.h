@@ -2,7 +2,7 @@
 // to delete the server's copy.
 #pragma once
 
-#include "web/WebCollectWizard.h"
+#include "web/CollectState.h"
 #include "web/WebServices.h"
 #include "web/WizardProgressPage.h"
 

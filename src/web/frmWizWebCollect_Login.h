@@ -2,7 +2,7 @@
 // wizard; a failure in that reaches the user as any other that nothing catches.
 #pragma once
 
-#include "web/WebCollectWizard.h"
+#include "web/CollectState.h"
 #include "web/WebServices.h"
 #include "web/WizardPage.h"
 

@@ -2,7 +2,7 @@
 // not listed.
 #pragma once
 
-#include "web/WebCollectWizard.h"
+#include "web/CollectState.h"
 #include "web/WebServices.h"
 #include "web/WizardTimerPage.h"
 

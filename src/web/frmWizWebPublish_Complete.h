@@ -1,7 +1,7 @@
 // The publish wizard's last page: the survey's address, as a link if it is one that may be opened.
 #pragma once
 
-#include "web/WebPublishWizard.h"
+#include "web/PublishState.h"
 #include "web/WizardPage.h"
 
 namespace pollarix {

@@ -1,7 +1,8 @@
 // The publish wizard's login page. It takes the login; the upload page tries it.
 #pragma once
 
-#include "web/WebPublishWizard.h"
+#include "document/ApplicationState.h"
+#include "web/PublishState.h"
 #include "web/WizardPage.h"
 
 class QLineEdit;

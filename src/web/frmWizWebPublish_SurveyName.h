@@ -1,7 +1,8 @@
 // The publish wizard's page for the survey's name on the server and who may see it.
 #pragma once
 
-#include "web/WebPublishWizard.h"
+#include "document/ApplicationState.h"
+#include "web/PublishState.h"
 #include "web/WizardPage.h"
 
 class QCheckBox;

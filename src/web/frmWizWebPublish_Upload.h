@@ -3,7 +3,7 @@
 
 #include <optional>
 
-#include "web/WebPublishWizard.h"
+#include "web/PublishState.h"
 #include "web/WebServices.h"
 #include "web/WizardProgressPage.h"
 
