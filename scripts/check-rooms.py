@@ -49,9 +49,10 @@ ROOMS = {
     "design": SCREEN,
     "collection": SCREEN,
     "analysis": SCREEN,
+    "explore": SCREEN,
     "web": SCREEN,
     "shell/help": list(PLATFORM),
-    "shell": ["shell/help", "design", "collection", "analysis", "web", *SCREEN],
+    "shell": ["shell/help", "design", "collection", "analysis", "explore", "web", *SCREEN],
 }
 
 

@@ -16,6 +16,7 @@
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
 #include "design/picDesign.h"
+#include "explore/frmExplore.h"
 #include "platform/base/Handlers.h"
 #include "platform/controls/Focus.h"
 #include "platform/controls/Twips.h"
@@ -70,6 +71,7 @@ void frmMain::BuildPanels() {
     picCollect_ = new picCollect(state_, canvas_);
     picCollect_->RespondentList().ShowRespondentScreen = [this] { ShowScreen("Respondent"); };
     picAnalyse_ = new picAnalyse(state_, work_, canvas_);
+    explore_ = new frmExplore(state_, work_, this);
     picAnalyse_->Form_Resize = [this] { Form_Resize(); };
     ToolBarTopLine_ = new QFrame(canvas_);
     ToolBarTopLine_->setObjectName("ToolBarTopLine");

@@ -35,6 +35,7 @@ namespace pollarix {
 class picAnalyse;
 class picCollect;
 class picDesign;
+class frmExplore;
 class PathLabel;
 
 class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay {
@@ -133,6 +134,7 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     picDesign* picDesign_ = nullptr;
     picCollect* picCollect_ = nullptr;
     picAnalyse* picAnalyse_ = nullptr;
+    frmExplore* explore_ = nullptr;
     PathLabel* statusPath_ = nullptr;
     std::array<QAction*, Screens> screenItems_{};          // of the View menu
     std::array<QPointer<QWidget>, Screens> screenFocus_{}; // each screen's control used last

@@ -10,6 +10,7 @@
 
 #include "analysis/picAnalyse.h"
 #include "design/picDesign.h"
+#include "explore/frmExplore.h"
 #include "platform/base/Handlers.h"
 #include "shell/EditKeys.h"
 #include "shell/frmMain.h"
@@ -174,7 +175,11 @@ void frmMain::BuildMenus() {
               [this] { detailedReport_.mnuAnalyseDetail_Click(); }},
              Separator("mnuAnalyseSep1"),
              {"mnuAnalyseTotRespondents", "Total Respondents", QKeySequence("Ctrl+T"),
-              [this] { picAnalyse_->mnuAnalyseTotRespondents_Click(); }}});
+              [this] { picAnalyse_->mnuAnalyseTotRespondents_Click(); }},
+             Separator("mnuAnalyseSep2"),
+             {"mnuAnalyseExplore", "E&xplore...", {}, [this] {
+                  explore_->mnuAnalyseExplore_Click();
+              }}});
 
     AddMenu("mnuHelp", "&Help",
             {{"mnuHelpContents", "&Contents...", {}, [this] { helpMenu_.mnuHelpContents_Click(); }},

@@ -64,6 +64,8 @@ TEST_F(AccessibilityTest, TheMainWindowWithItsScreensAndTheDialogsOfTheDesign) {
     Check(*window);
     Press("cmdExpand");
     CheckNames(*window);
+    Menu("mnuAnalyseExplore");
+    Check(*Find<QWidget>("frmExplore"));
     frmMatrixAdd scale(program.state, window.get());
     Check(scale);
 }
