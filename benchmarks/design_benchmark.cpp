@@ -10,7 +10,6 @@
 
 #include <stdexcept>
 
-#include "design/DesignViews.h"
 #include "design/picDesign.h"
 #include "document/SurveyDocument.h"
 #include "generate_survey.h"
@@ -55,13 +54,12 @@ struct Screen {
     ApplicationState state{Directories{POLLARIX_DATA_DIR, folder.path()}, settings, dialogs};
     QMainWindow window;
     picDesign* design = new picDesign(state, &window);
-    test::DesignViews views{*design};
-    SurveyDocument document{state, views};
+    SurveyDocument document{state, *design};
 };
 
 void DesignOpen(benchmark::State& bench) {
     Screen screen(bench);
-    const QString path = screen.state.CurrentFilename;
+    const QString path = screen.state.CurrentFilename();
     for ([[maybe_unused]] const auto run : bench) {
         screen.document.DoClose();
         screen.document.DoOpen(path, true, 1);

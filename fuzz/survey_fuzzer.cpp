@@ -36,12 +36,12 @@ class Views : public test::FakeViews {
         list_.WriteHeads();
         list_.show();
     }
-    void RefreshRespondeSummaryReportList() override {
+    void Refresh() {
         SummaryReport report;
         report.totals = ReadTotals(state_.SurveyConnection);
         ReadSummary(state_.SurveyConnection, 1, 0, report);
+        list_.RefreshRespondentList(1, 0);
     }
-    void RefreshRespondentList() override { list_.RefreshRespondentList(1, 0); }
 
   private:
     ApplicationState& state_;
@@ -106,6 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const bool checked = MakeFile(path, data, size);
     ApplicationState& state = program.state;
     SurveyDocument document(state, views);
+    document.Opened = [] { views.Refresh(); };
     program.dialogs.shown = 0;
     document.DoOpen(path, false, 1);
     const bool opened = program.dialogs.shown == 0;

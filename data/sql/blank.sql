@@ -79,8 +79,9 @@ CREATE INDEX answers_by_response
 
 INSERT INTO version (version) VALUES (1.7);
 
--- Scale 1 is reserved and never offered: it stands for "no scale". Scale 2 is what a question
--- changed to a matrix starts with.
+-- Scale 1 is never offered: it is what a question has that was read without responses, and so what a
+-- matrix stays with that got its rows after a save. Its points are those of scale 2, which a question
+-- changed to a matrix starts with. They stand last: the ids of all others stay what they were.
 INSERT INTO responsematrixgroup (id, name) VALUES
     (1, 'Reserved'),
     (2, 'Agreement'),
@@ -159,6 +160,12 @@ INSERT INTO responsematrix (ResponseMatrixGroupID, pos, name) VALUES
     (12, 1, '4'),
     (12, 2, '3'),
     (12, 3, '2'),
-    (12, 4, '1 (lowest)');
+    (12, 4, '1 (lowest)'),
+
+    (1, 0, 'Strongly agree'),
+    (1, 1, 'Agree'),
+    (1, 2, 'Neither agree nor disagree'),
+    (1, 3, 'Disagree'),
+    (1, 4, 'Strongly disagree');
 
 COMMIT;

@@ -236,11 +236,28 @@ void frmManualResponse::ShowDCAnswer() {
     batch.Commit();
 }
 
+// Where the survey was left for another meanwhile, the page has nothing to go on with, unless its
+// respondent was taken along.
+bool frmManualResponse::MayStore() {
+    const int opening = state_.Openings();
+    const bool may = state_.MayWrite();
+    if (state_.Openings() == opening)
+        return may;
+    if (may && !state_.SurveyConnection
+                    .Execute("SELECT id FROM respondent WHERE id = ?", {entry_.CurrentRespondentID})
+                    .AtEnd())
+        return true;
+    reject();
+    return false;
+}
+
 void frmManualResponse::cmdDCAnswersNext_Click() {
     if (!isRead_) { // no page is on the screen that could be stored
         Form_Load();
         return;
     }
+    if (!MayStore())
+        return;
     ShowDCAnswer();
     std::int32_t next = entry_.CurrentPosition;
     if (JumpTarget == AnswerPage::NoJump) {
@@ -261,6 +278,8 @@ void frmManualResponse::cmdDCAnswersNext_Click() {
 
 void frmManualResponse::cmdDCAnswersPrevious_Click() {
     if (entry_.CurrentPosition == 1)
+        return;
+    if (!MayStore())
         return;
     ShowDCAnswer();
     // The position before, which after a jump need not be the page the user came from.

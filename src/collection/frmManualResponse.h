@@ -50,6 +50,8 @@ class frmManualResponse : public QDialog {
     AnswerPage* Page(); // of the question that shows; none where nothing is answered
     void ShowPage(const AnswerPlace& place);
     void PlaceFocus(bool isLost); // whether it was in what does not show any more
+    bool MayStore();
+
     bool MoveTo(std::int32_t position);
     void cmdDCAnswersNext_Click();
     void cmdDCAnswersPrevious_Click();

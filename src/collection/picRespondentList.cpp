@@ -313,6 +313,7 @@ bool picRespondentList::IsOneSelected() const {
 }
 
 void picRespondentList::EnterAnswers() {
+    RequireWritableForEntry();
     {
         frmManualResponse form(state_, entry_, window());
         form.exec();
@@ -322,7 +323,20 @@ void picRespondentList::EnterAnswers() {
     RefreshRespondentList(1, 0);
 }
 
+// What can't be written is told before anything is typed. A file that is held just now may be free
+// when the first page is.
+void picRespondentList::RequireWritableForEntry() {
+    try {
+        RequireWritable(state_.SurveyConnection);
+    } catch (const Failure& failure) {
+        if (!IsBusy(failure))
+            throw;
+    }
+}
+
 void picRespondentList::cmdCreateResponse_Click() {
+    if (!state_.MayWrite())
+        return;
     {
         TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
         entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
@@ -347,8 +361,9 @@ void picRespondentList::cmdDeleteResponse_Click() {
     const MsgAnswer answer = state_.dialogs.MsgBox(
         "Delete Respondent? This will delete all responses provided by this Respondent.",
         MsgIcon::Question, MsgButtons::YesNo);
-    if (answer != MsgAnswer::Yes)
-        return;
+    const int opening = state_.Openings();
+    if (answer != MsgAnswer::Yes || !state_.MayWrite() || state_.Openings() != opening)
+        return; // another list is shown by now
     const std::int64_t id = gRespondents_->RowData(gRespondents_->Row());
     WriteBatch batch(state_.SurveyConnection);
     state_.SurveyConnection.Run("DELETE FROM respondent_responses WHERE respondentid = ?", {id});

@@ -57,6 +57,7 @@ class picRespondentList : public QWidget {
     QString SampleAnswer(std::int64_t respondent) const;
     bool IsOneSelected() const;
     void EnterAnswers();
+    void RequireWritableForEntry();
     void SetSampleWidth(int twips);
     void WidenSample(int rest); // by what the columns leave of the grid, less the rest; twips
     void FitSample();

@@ -77,6 +77,8 @@ void frmMatrixAdd::cmdOK_Click() {
     QStringList points;
     for (int i = 0; i < lstList_->ListCount(); ++i)
         points << lstList_->List(i);
+    if (!state_.MayWrite())
+        return;
     AddResponseScale(state_.SurveyConnection, points);
     close();
 }

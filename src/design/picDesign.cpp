@@ -209,9 +209,8 @@ QString picDesign::SelectedQuestionKey() const {
 void picDesign::ShowState(const DesignState& state) {
     const QPointer<QWidget> focus = QApplication::focusWidget();
     const int scrolled = tvTreeView_.verticalScrollBar()->value();
-    SetRedraw(false);
-    ClearTree();
-    AddRootNode();
+    ShowTree({});
+    setUpdatesEnabled(false);
     // The nodes come back in the order in which they were added, each beside one that is there.
     std::map<int, QString> added; // by place in the survey
     for (const NodeLabel& node : state.nodes) {
@@ -230,7 +229,9 @@ void picDesign::ShowState(const DesignState& state) {
     SelectNode(selected);
     tvTreeView_NodeClick(selected);
     tvTreeView_.verticalScrollBar()->setValue(scrolled);
-    SetRedraw(true);
+    setUpdatesEnabled(true);
+    if (const TreeNode* const node = tvTreeView_.SelectedItem())
+        tvTreeView_.scrollToItem(node);
     const bool stays = focus && isAncestorOf(focus) && focus->isVisible() && focus->isEnabled();
     MoveFocusQuietly(stays ? *focus : static_cast<QWidget&>(tvTreeView_));
 }
@@ -248,16 +249,14 @@ void picDesign::CommitEdits() {
         CommitText();
 }
 
-void picDesign::ClearTree() {
+void picDesign::ShowTree(const std::vector<Node>& questions) {
+    // A tree that heard of each node in turn would lay out all of them each time.
+    setUpdatesEnabled(false);
     tvTreeView_.Clear();
-}
-
-void picDesign::AddRootNode() {
     tvTreeView_.Add("", TreeView::Root, RootKey, "Survey").SetExpanded(true);
-}
-
-void picDesign::AddQuestionNode(const QString& key, const QString& text) {
-    tvTreeView_.Add(RootKey, TreeView::tvwChild, key, text);
+    for (const Node& question : questions)
+        tvTreeView_.Add(RootKey, TreeView::tvwChild, question.key, question.text);
+    setUpdatesEnabled(true);
 }
 
 void picDesign::SelectNode(const QString& key) {
@@ -275,11 +274,6 @@ std::optional<QString> picDesign::SelectedKey() const {
     return node ? std::optional(node->Key()) : std::nullopt;
 }
 
-QString picDesign::PlainTextThroughEditor(const QString& rtf) {
-    picQProperties_->Editor().SetTextRTF(rtf);
-    return picQProperties_->Editor().Text();
-}
-
 QString picDesign::EditorText() const {
     return picQProperties_->Editor().Text();
 }
@@ -287,12 +281,6 @@ QString picDesign::EditorText() const {
 void picDesign::ClearEditors() {
     picQProperties_->Editor().SetText("");
     picQProperties_->ClearCheckResponses();
-}
-
-void picDesign::SetRedraw(bool on) {
-    setUpdatesEnabled(on);
-    if (const TreeNode* const node = tvTreeView_.SelectedItem(); on && node)
-        tvTreeView_.scrollToItem(node);
 }
 
 } // namespace pollarix

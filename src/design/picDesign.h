@@ -10,6 +10,7 @@
 #include <optional>
 
 #include "document/SurveyEditor.h"
+#include "document/SurveyViews.h"
 
 class QLabel;
 
@@ -28,7 +29,7 @@ struct DesignPlace {
     int caret = 0; // in txtQ, in the document's units
 };
 
-class picDesign : public QWidget, private EditorScreen {
+class picDesign : public QWidget, public SurveyViews, private EditorScreen {
     Q_OBJECT
   public:
     picDesign(ApplicationState& state, QWidget* parent);
@@ -37,8 +38,7 @@ class picDesign : public QWidget, private EditorScreen {
     // the status bar's, in pixels. A control that no room is left for stays as it was.
     void LayOut(int statusBarHeight);
 
-    void LoadLibrary();         // once, with LibraryConnection open
-    void LoadMatrixResponses(); // with SurveyConnection open; fails as picMatrix tells
+    void LoadLibrary(); // once, with LibraryConnection open
 
     // Each adds a question at the end, shows it and marks the survey as changed.
     void mnuDesignAddOpenEndedQuestion_Click();
@@ -67,17 +67,14 @@ class picDesign : public QWidget, private EditorScreen {
     // would only be written otherwise.
     void CommitEdits();
 
-    // What opening, saving and closing a survey ask of the screen, as SurveyViews tells.
-    void ClearTree();
-    void AddRootNode();
-    void AddQuestionNode(const QString& key, const QString& text);
-    void SelectNode(const QString& key);           // nothing for an unknown key
-    void tvTreeView_NodeClick(const QString& key); // nothing for an unknown key
-    std::optional<QString> SelectedKey() const;
-    QString PlainTextThroughEditor(const QString& rtf);
-    QString EditorText() const;
-    void ClearEditors();
-    void SetRedraw(bool on);
+    // SurveyViews. An unknown key does nothing.
+    void ShowTree(const std::vector<Node>& questions) override;
+    void SelectNode(const QString& key) override;
+    void tvTreeView_NodeClick(const QString& key) override;
+    std::optional<QString> SelectedKey() const override;
+    QString EditorText() const override;
+    void ClearEditors() override;
+    void LoadMatrixResponses() override;
 
   protected:
     // What no text box has taken: Ctrl+Z, Ctrl+Y and Ctrl+Shift+Z are steps of the design.

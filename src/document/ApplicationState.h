@@ -4,6 +4,8 @@
 
 #include <QString>
 
+#include <functional>
+
 #include "document/DesignHistory.h"
 #include "document/clsSurvey.h"
 #include "platform/database/Database.h"
@@ -26,17 +28,42 @@ struct ApplicationState {
 
     clsSurvey CurrentSurvey;
     DesignHistory History;        // of CurrentSurvey since it was opened
-    Connection SurveyConnection;  // open whenever a survey is
+    Connection SurveyConnection;  // open whenever a survey is; SurveyDocument opens and closes it
     Connection LibraryConnection; // open on Library.mdb for the whole run, read only
-    QString CurrentFilename;      // full path; "" when none; ends in ".tmp" while it has no name
-    bool IsNewFile = false;       // argument of the last opening; stored and never read
-    bool FileChanged = false;     // the bare flag; SurveyDocument::IsFileChanged is the test to use
 
-    // Called by every editing action of the design panels. Changes of respondents do not call it:
-    // they are written at once.
-    void MarkFileChanged() { FileChanged = true; }
+    // Full path; "" when none; ends in ".tmp" while it has no name.
+    const QString& CurrentFilename() const { return currentFilename_; }
+    // How many surveys were opened until now, for who waits for the user over one of them.
+    int Openings() const { return openings_; }
+    // The bare flag; SurveyDocument::IsFileChanged is the test to use.
+    bool FileChanged() const { return fileChanged_; }
+
+    // Called by every editing action of the design panels, the only way to set the flag. Changes of
+    // respondents do not call it: they are written at once.
+    void MarkFileChanged() {
+        fileChanged_ = true;
+        if (onChange_)
+            onChange_();
+    }
     // For undo that has come back to what the file holds, and nobody else.
-    void MarkFileUnchanged() { FileChanged = false; }
+    void MarkFileUnchanged() { fileChanged_ = false; }
+
+    // To be asked before anything is written into the survey file at once: answers, an import, a
+    // scale, the deletion of a respondent. False when the file is no longer the one that was opened
+    // and the user wants nothing written; what is open may then be another. When the user has saved
+    // the survey as a file of its own, it is open and takes what is to be written. Throws what the
+    // database throws.
+    bool MayWrite() { return !mayWrite_ || mayWrite_(); }
+
+  private:
+    friend class SurveyDocument;
+
+    QString currentFilename_;
+    bool isNewFile_ = false; // argument of the last opening; stored and never read
+    bool fileChanged_ = false;
+    int openings_ = 0;
+    std::function<void()> onChange_;
+    std::function<bool()> mayWrite_;
 };
 
 } // namespace pollarix

@@ -1,10 +1,16 @@
 #include "document/SurveyDocument.h"
 
-#include <QHash>
+#include <QFile>
+#include <QFileInfo>
+#include <QLocale>
 
+#include <utility>
+
+#include "document/SurveyReader.h"
+#include "document/SurveyWriter.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
-#include "platform/files/Files.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 
@@ -13,17 +19,29 @@ namespace {
 constexpr const char* SaveQuestion = "Do you want to save the changes you made?";
 constexpr const char* SurveyFilter = "Pollarix (*.plxs)|*.plxs";
 
-// Nothing is painted while this stands.
-class RedrawOff {
-  public:
-    explicit RedrawOff(SurveyViews& views) : views_(views) { views_.SetRedraw(false); }
-    ~RedrawOff() { views_.SetRedraw(true); }
-    RedrawOff(const RedrawOff&) = delete;
-    RedrawOff& operator=(const RedrawOff&) = delete;
+QString NodeText(const SurveySnapshot::Question& q) {
+    const QString text = PlainTextOf(q.Text);
+    return q.qType == kind::Text || q.QuestionNo.isEmpty() ? text : q.QuestionNo + ". " + text;
+}
 
-  private:
-    SurveyViews& views_;
-};
+// Nothing that anybody could miss: what every new survey begins with.
+bool IsBlank(const SurveySnapshot& design) {
+    return design.questions.empty() ||
+           (design.questions.size() == 1 && design.questions.front().responses.empty() &&
+            PlainTextOf(design.questions.front().Text).isEmpty());
+}
+
+bool IsSamePath(const QString& one, const QString& other) {
+    return !one.isEmpty() && !other.isEmpty() &&
+           (one == other || (QFileInfo::exists(one) && QFileInfo(one).canonicalFilePath() ==
+                                                           QFileInfo(other).canonicalFilePath()));
+}
+
+QString TimeText(const QDateTime& when) {
+    return when.date() == QDate::currentDate()
+               ? QLocale().toString(when.time(), QLocale::ShortFormat)
+               : QLocale().toString(when, QLocale::ShortFormat);
+}
 
 // Carries the steps that can be undone over the reading back of what was just written.
 class CarriedHistory {
@@ -48,18 +66,37 @@ bool EndsInTmp(const QString& path, Qt::CaseSensitivity sensitivity) {
     return path.endsWith(".tmp", sensitivity);
 }
 
+SurveyDocument::SurveyDocument(ApplicationState& state, SurveyViews& views, int recoveryMs)
+    : state_(state), views_(views),
+      recovery_(state.directories.user, recoveryMs, [this] { return Unsaved(); }) {
+    state_.onChange_ = [this] { recovery_.Start(); };
+    state_.mayWrite_ = [this] { return CheckFile() != FileCheck::Stop; };
+}
+
+SurveyDocument::~SurveyDocument() {
+    state_.onChange_ = {};
+    state_.mayWrite_ = {};
+}
+
 bool SurveyDocument::IsFileChanged() const {
     if (state_.CurrentSurvey.QCount == 1 && views_.EditorText().isEmpty())
         return false;
-    return state_.FileChanged;
+    return state_.fileChanged_;
 }
+
+// ---- opening and closing
 
 void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectIndex) {
     try {
-        state_.IsNewFile = bIsNew;
-        state_.CurrentFilename = sFilename;
-        views_.ShowPath(EndsInTmp(sFilename, Qt::CaseInsensitive) ? QString() : sFilename);
+        ++state_.openings_;
+        isWhole_ = false;
+        opened_.reset();
+        watch_.Forget();
+        state_.isNewFile_ = bIsNew;
+        state_.currentFilename_ = sFilename;
+        ShowPath(EndsInTmp(sFilename, Qt::CaseInsensitive) ? QString() : sFilename);
         state_.SurveyConnection.Open(sFilename);
+        opened_ = StateOfFile(sFilename);
 
         {
             const Recordset version = state_.SurveyConnection.Execute("SELECT * FROM version");
@@ -70,36 +107,9 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
                         GeneralNumber(version.Real(0)),
                     MsgIcon::Critical);
         }
-
-        {
-            // One transaction over the whole reading: no other program can lock or change the file
-            // in the middle and leave half of it here.
-            const Recordset reading =
-                state_.SurveyConnection.Execute("SELECT name FROM sqlite_schema");
-            const RedrawOff redrawOff(views_);
-            views_.ClearTree();
-            views_.AddRootNode();
-            state_.CurrentSurvey.ClearAll();
-            views_.LoadMatrixResponses();
-
-            QString selectKey;
-            ReadQuestions(SelectIndex, selectKey);
-            // After all questions: a jump may point forward, and a key exists only once its
-            // question has been read.
-            ReadResponses();
-
-            // The second click on it, with the responses in, is what shows them.
-            if (!selectKey.isEmpty()) {
-                views_.SelectNode(selectKey);
-                views_.tvTreeView_NodeClick(selectKey);
-            }
-        }
-
-        state_.FileChanged = false;
-        state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
-        state_.CurrentFilename = sFilename;
-        views_.RefreshRespondeSummaryReportList();
-        views_.RefreshRespondentList();
+        ReadAndShow(SelectIndex);
+        state_.fileChanged_ = false;
+        Opened();
     } catch (const Failure& failure) {
         state_.dialogs.MsgBox("Unable to open " + sFilename + ". " + failure.Description() + ". " +
                                   QString::number(failure.Number()),
@@ -107,60 +117,82 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
     }
 }
 
-void SurveyDocument::ReadQuestions(int SelectIndex, QString& selectKey) {
-    clsSurvey& survey = state_.CurrentSurvey;
-    int counter = 1;
-    for (Recordset row = state_.SurveyConnection.Execute("SELECT * FROM question ORDER BY pos");
-         !row.AtEnd(); row.MoveNext(), ++counter) {
-        const auto q = std::make_shared<clsQ>();
-        q->Question = row.NullToString("question");
-        q->qType = Narrow32(row.Integer("qtype"));
-        q->DatabaseID = Narrow16(row.Integer("id"));
-        q->QuestionNo = row.NullToString("questionno");
-        q->ResponseMatrixGroupID = 1;
-        const QString key = survey.AddQ2(q);
-
-        QString text = views_.PlainTextThroughEditor(q->Question);
-        if (q->qType != kind::Text && !q->QuestionNo.isEmpty())
-            text.prepend(q->QuestionNo + ". ");
-        views_.AddQuestionNode(key, text);
-        // The panels follow the loading; this leaves the editor in a consistent state.
-        views_.SelectNode(key);
-        views_.tvTreeView_NodeClick(key);
-        if (counter == SelectIndex)
-            selectKey = key;
+void SurveyDocument::ReadAndShow(int SelectIndex) {
+    Connection& file = state_.SurveyConnection;
+    {
+        // One transaction over the whole reading: no other program can lock or change the file in
+        // the middle and leave half of it here.
+        const Recordset reading = file.Execute("SELECT name FROM sqlite_schema");
+        views_.ShowTree({});
+        state_.CurrentSurvey.ClearAll();
+        closed_.clear();
+        views_.LoadMatrixResponses();
+        const DesignRead read = ReadDesign(file);
+        // Where the reading ended early, what was read is shown before that is told.
+        Show(read.design, read.failure ? -1 : SelectIndex);
+        if (read.failure)
+            throw *read.failure;
+        state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
+        isWhole_ = true;
+    }
+    try {
+        watch_.Note(file);
+    } catch (const Failure&) {
+        // A table that is missing is told by whoever shows it.
     }
 }
 
-void SurveyDocument::ReadResponses() {
-    clsSurvey& survey = state_.CurrentSurvey;
-    QHash<std::int16_t, QString> keyOf; // many responses jump to few questions
-    for (int i = 1; i <= survey.QCount; ++i) {
-        const std::shared_ptr<clsQ> q = survey.GetQIndex(Narrow16(i));
-        if (!HasResponses(q->qType))
-            continue;
-        bool first = true;
-        for (Recordset row = state_.SurveyConnection.Execute(
-                 "SELECT id, name, responseMatrixGroupID, LogicJumpToQuestionID FROM response "
-                 "WHERE questionid = ? ORDER BY pos",
-                 {q->DatabaseID});
-             !row.AtEnd(); row.MoveNext()) {
-            if (first)
-                q->ResponseMatrixGroupID = Narrow16(row.Integer("responseMatrixGroupID"));
-            first = false;
-            std::int16_t jumpID = -1;
-            QString jumpKey;
-            if (!row.IsNull("LogicJumpToQuestionID")) {
-                jumpID = Narrow16(row.Integer("LogicJumpToQuestionID"));
-                auto known = keyOf.find(jumpID);
-                if (known == keyOf.end())
-                    known = keyOf.insert(jumpID, survey.GetKeyFromDatabaseID(jumpID));
-                jumpKey = *known;
-            }
-            q->AddResponse(row.NullToString("name"), Narrow32(row.Integer("id")), jumpID, jumpKey);
-        }
-        survey.SetQ(q->Key, q);
+void SurveyDocument::Show(const SurveySnapshot& design, int SelectIndex) {
+    const int count = static_cast<int>(design.questions.size());
+    const bool selects = SelectIndex >= 1 && SelectIndex <= count;
+    SurveySnapshot shown = design;
+    // Without a question to select, the last one is shown as it was when it had been read and its
+    // responses had not: with an empty list. Required behaviour.
+    if (!selects && count > 0) {
+        shown.questions.back().responses.clear();
+        shown.questions.back().ResponseMatrixGroupID = 1;
     }
+    shown.PutInto(state_.CurrentSurvey);
+
+    std::vector<SurveyViews::Node> nodes;
+    nodes.reserve(design.questions.size());
+    for (const SurveySnapshot::Question& q : design.questions)
+        nodes.push_back({q.Key, NodeText(q)});
+    views_.ShowTree(nodes);
+    if (count == 0)
+        return;
+    const QString& key = nodes[static_cast<std::size_t>(selects ? SelectIndex - 1 : count - 1)].key;
+    views_.SelectNode(key);
+    views_.tvTreeView_NodeClick(key);
+    if (!selects)
+        design.PutInto(state_.CurrentSurvey);
+}
+
+void SurveyDocument::DoClose() {
+    SettleRecovery();
+    const SurveySnapshot left = SurveySnapshot::Take(state_.CurrentSurvey);
+    for (const SurveySnapshot::Question& q : left.questions)
+        closed_.insert(q.Key);
+    views_.ShowTree({});
+    views_.ClearEditors();
+    try {
+        state_.SurveyConnection.Close();
+    } catch (const Failure&) {
+        // A connection that is not open is no failure here.
+    }
+    watch_.Forget();
+    state_.currentFilename_.clear();
+    state_.History.Start({});
+    ShowPath({});
+    views_.tvTreeView_NodeClick(RootKey);
+}
+
+SurveySnapshot SurveyDocument::Design() const {
+    SurveySnapshot design =
+        SurveySnapshot::Take(state_.CurrentSurvey, views_.SelectedKey().value_or(QString()));
+    std::erase_if(design.questions,
+                  [this](const SurveySnapshot::Question& q) { return closed_.contains(q.Key); });
+    return design;
 }
 
 int SurveyDocument::SelectedPosition() const {
@@ -169,136 +201,83 @@ int SurveyDocument::SelectedPosition() const {
     return selected && *selected != RootKey ? state_.CurrentSurvey.GetQIndexFromKey(*selected) : -1;
 }
 
-void SurveyDocument::DoSave() {
-    const int position = SelectedPosition();
-    WriteModel();
-    CarriedHistory carried(state_);
-    Reopen(position);
-    carried.Arrive();
+QString SurveyDocument::NewSurveyFile() const {
+    const QString path = NewTempFileName(state_.directories.user, "HC");
+    CopyFileOver(state_.directories.InProgram("blank.mdb"), path);
+    return path;
 }
 
-void SurveyDocument::Reopen(int SelectIndex) {
-    const QString filename = state_.CurrentFilename;
-    DoClose();
-    state_.CurrentFilename = filename;
-    DoOpen(filename, false, SelectIndex);
+void SurveyDocument::End() {
+    SettleRecovery();
+    // A file that could not be opened is none of this program's temporary surveys.
+    if (IsFileChanged() || !EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive) ||
+        !state_.SurveyConnection.IsOpen())
+        return;
+    const QString path = state_.currentFilename_;
+    state_.SurveyConnection.Close();
+    QFile::remove(path);
 }
 
-void SurveyDocument::WriteModel() {
-    std::vector<std::shared_ptr<clsQ>> inserted;
-    try {
-        WriteBatch batch(state_.SurveyConnection);
-        state_.SurveyConnection.Run("UPDATE question SET deleteme = true");
-        state_.SurveyConnection.Run("UPDATE response SET deleteme = true");
-        // All questions get their ids before any response is written, so that a jump to a question
-        // that is new in this save can be stored.
-        WriteQuestions(inserted);
-        WriteResponses();
-        state_.SurveyConnection.Run("DELETE FROM response WHERE deleteme = true");
-        state_.SurveyConnection.Run("DELETE FROM question WHERE deleteme = true");
-        batch.Commit();
-    } catch (...) {
-        // What was written stays. But where the database has taken the rows back, the next save
-        // would give their ids to others, and then take those for theirs.
-        for (const std::shared_ptr<clsQ>& q : inserted)
-            if (!HasRow(*q))
-                q->DatabaseID = -1;
-        throw;
-    }
-}
+// ---- saving
 
-bool SurveyDocument::HasRow(const clsQ& q) const {
-    try {
-        return !state_.SurveyConnection
-                    .Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID})
-                    .AtEnd();
-    } catch (const std::exception&) {
+bool SurveyDocument::RefusesPart() {
+    if (!state_.SurveyConnection.IsOpen() || isWhole_)
         return false;
+    state_.dialogs.MsgBox(state_.currentFilename_ +
+                              " was not read whole. Saving would delete the rest of it, so nothing "
+                              "was saved or changed.",
+                          MsgIcon::Critical);
+    return true;
+}
+
+SurveyDocument::FileCheck SurveyDocument::CheckFile() {
+    if (!state_.SurveyConnection.IsOpen() ||
+        watch_.Look(state_.SurveyConnection) == SurveyFileWatch::Found::Same)
+        return FileCheck::Same;
+    const QString path = state_.currentFilename_;
+    switch (state_.dialogs.MsgBox(
+        path + " was changed by another program after it was opened here. Nothing was written to "
+               "it.\n\nDo you want to save your survey as a file of its own? With No, what is in "
+               "the file now is opened, and what you did not save is lost.",
+        MsgIcon::Question, MsgButtons::YesNoCancel)) {
+    case MsgAnswer::Yes:
+        return mnuFileSaveAs_Click() ? FileCheck::SavedAs : FileCheck::Stop;
+    case MsgAnswer::No:
+        DoClose();
+        DoOpen(path, true, 1);
+        return FileCheck::Stop;
+    default:
+        return FileCheck::Stop;
     }
 }
 
-void SurveyDocument::WriteQuestions(std::vector<std::shared_ptr<clsQ>>& inserted) {
-    clsSurvey& survey = state_.CurrentSurvey;
-    Connection& file = state_.SurveyConnection;
-    TableInsert insert(file, "question", {"question", "questionno", "qtype", "pos", "Deleteme"});
-    for (int i = 1; i <= survey.QCount; ++i) {
-        const std::shared_ptr<clsQ> question = survey.GetQIndex(Narrow16(i));
-        clsQ& q = *question;
-        if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd()) {
-            q.DatabaseID = Narrow16(insert.Add({q.Question, q.QuestionNo, q.qType, i, 0}));
-            inserted.push_back(question);
-        } else {
-            file.Run("UPDATE question SET Deleteme = false, questionno = ?, question = ?, "
-                     "qtype = ?, pos = ? WHERE id = ?",
-                     {q.QuestionNo, q.Question, q.qType, i, q.DatabaseID});
-        }
-    }
+bool SurveyDocument::DoSave() {
+    if (RefusesPart())
+        return false;
+    if (const FileCheck check = CheckFile(); check != FileCheck::Same)
+        return check == FileCheck::SavedAs;
+    const int position = SelectedPosition();
+    WriteDesign(state_.SurveyConnection, Design());
+    state_.fileChanged_ = false;
+    const QString path = state_.currentFilename_;
+    CarriedHistory carried(state_);
+    DoClose();
+    DoOpen(path, false, position);
+    carried.Arrive();
+    return true;
 }
 
-void SurveyDocument::WriteResponses() {
-    clsSurvey& survey = state_.CurrentSurvey;
-    Connection& file = state_.SurveyConnection;
-    TableInsert insert(
-        file, "response",
-        {"questionid", "name", "pos", "responseMatrixGroupID", "LogicJumpToQuestionID"});
-    // Lives across responses and questions, and only an update sets it: a key that no longer
-    // resolves inherits the jump that was worked out last. Required behaviour.
-    std::int16_t jumpID = 0;
-    for (int i = 1; i <= survey.QCount; ++i) {
-        clsQ& q = *survey.GetQIndex(Narrow16(i));
-        if (file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}).AtEnd())
-            continue;
-        if (!HasResponses(q.qType))
-            continue;
-        for (int j = 1; j <= q.ResponsesCount; ++j) {
-            const std::shared_ptr<clsResponse> r = q.GetResponse(Narrow16(j));
-            const bool jumps = !r->LogicJumpToQuestionKey.isEmpty();
-            const std::shared_ptr<clsQ> target =
-                jumps ? survey.GetQ(r->LogicJumpToQuestionKey) : nullptr;
-            if (!file.Execute("SELECT id FROM response WHERE id = ?", {r->DatabaseID}).AtEnd()) {
-                if (!jumps)
-                    jumpID = -1;
-                else if (target)
-                    jumpID = target->DatabaseID;
-                file.Run("UPDATE response SET Deleteme = false, name = ?, "
-                         "responseMatrixGroupID = ?, LogicJumpToQuestionID = ?, pos = ? "
-                         "WHERE id = ?",
-                         {r->Text, q.ResponseMatrixGroupID,
-                          jumpID == -1 ? DbValue() : DbValue(jumpID), j, r->DatabaseID});
-            } else {
-                insert.Add({q.DatabaseID, r->Text, j, q.ResponseMatrixGroupID,
-                            target ? DbValue(target->DatabaseID) : DbValue()});
-            }
-            q.UpdateResponse(Narrow16(j), r);
-        }
-    }
+bool SurveyDocument::mnuFileSave_Click() {
+    if (!state_.SurveyConnection.IsOpen() ||
+        EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive))
+        return mnuFileSaveAs_Click();
+    return DoSave();
 }
 
-void SurveyDocument::DoClose() {
-    views_.ClearTree();
-    views_.ClearEditors();
-    try {
-        state_.SurveyConnection.Close();
-    } catch (const Failure&) {
-        // A connection that is not open is no failure here.
-    }
-    state_.CurrentFilename.clear();
-    state_.History.Start({});
-    views_.ShowPath({});
-    views_.AddRootNode();
-    views_.tvTreeView_NodeClick(RootKey);
-}
-
-void SurveyDocument::mnuFileSave_Click() {
-    if (EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive))
-        mnuFileSaveAs_Click();
-    else
-        DoSave();
-}
-
-void SurveyDocument::mnuFileSaveAs_Click() {
-    const QString old = state_.CurrentFilename;
-    bool leftOld = false;
+bool SurveyDocument::mnuFileSaveAs_Click() {
+    if (RefusesPart())
+        return false;
+    const QString old = state_.currentFilename_;
     QString chosen = EndsInTmp(old, Qt::CaseSensitive) ? QString() : old;
     try {
         FileDialogRequest request;
@@ -306,61 +285,82 @@ void SurveyDocument::mnuFileSaveAs_Click() {
         request.fileName = chosen;
         request.filter = SurveyFilter;
         request.promptOverwrite = true;
-        chosen = state_.dialogs.ShowSave(request).fileName;
+        chosen = WithSuffix(state_.dialogs.ShowSave(request).fileName);
         if (chosen.isEmpty())
-            return;
-        const int position = SelectedPosition();
-        PendingCopy copy = CopyTo(chosen);
-        state_.SurveyConnection.Close();
-        leftOld = true;
-        state_.CurrentFilename.clear();
-        // The changes go into the copy before it takes the name: whatever happens, the file of that
-        // name is either what it was or the whole survey.
-        state_.SurveyConnection.Open(copy.Path());
-        WriteModel();
-        state_.SurveyConnection.Close();
-        SettleJournal(chosen);
-        copy.Finish();
-        state_.CurrentFilename = chosen;
-        CarriedHistory carried(state_);
-        Reopen(position);
-        DoClose();
-        DoOpen(chosen, true, 1);
-        carried.Arrive();
+            return false;
+        WriteCopy(chosen);
     } catch (const Failure& failure) {
-        if (failure.Number() == failure::DialogCancelled)
-            return;
-        state_.dialogs.MsgBox("Unable to write to file " + chosen + " " + failure.Description() +
-                                  " " + QString::number(failure.Number()) + " " + failure.Source(),
-                              MsgIcon::Critical);
-        // Model and tree stay as they are.
-        state_.CurrentFilename = old;
-        if (leftOld || !state_.SurveyConnection.IsOpen())
-            ReopenAfterFailedSaveAs(old);
+        if (failure.Number() != failure::DialogCancelled)
+            state_.dialogs.MsgBox("Unable to write to file " + chosen + " " +
+                                      failure.Description() + " " +
+                                      QString::number(failure.Number()) + " " + failure.Source(),
+                                  MsgIcon::Critical);
+        return false;
     }
+    state_.fileChanged_ = false;
+    CarriedHistory carried(state_);
+    DoClose();
+    DoOpen(chosen, true, 1);
+    carried.Arrive();
+    return true;
 }
 
-// The survey stays open until the copy is there: a file that was deleted meanwhile can still be
-// read, but never opened again.
-PendingCopy SurveyDocument::CopyTo(const QString& path) {
-    // Read in a transaction, so that no other program writes meanwhile.
-    const Recordset reading = state_.SurveyConnection.Execute("SELECT name FROM sqlite_schema");
-    return PendingCopy(state_.CurrentFilename, path);
+// A survey whose name ends in ".tmp" would be taken for one without a name. The dialog asked about
+// overwriting the name that it knew.
+QString SurveyDocument::WithSuffix(const QString& path) {
+    if (!EndsInTmp(path, Qt::CaseInsensitive))
+        return path;
+    const QString named = path + ".plxs";
+    if (QFileInfo::exists(named) &&
+        state_.dialogs.MsgBox(named + " already exists. Do you want to replace it?",
+                              MsgIcon::Question, MsgButtons::YesNo) != MsgAnswer::Yes)
+        return {};
+    return named;
 }
 
-void SurveyDocument::ReopenAfterFailedSaveAs(const QString& old) {
-    const bool onTheCopy = state_.SurveyConnection.IsOpen();
+void SurveyDocument::WriteCopy(const QString& path) {
+    const std::optional<FileState> target = StateOfFile(path);
+    if (target && opened_ && state_.SurveyConnection.IsOpen() && target->IsSameFile(*opened_))
+        throw Failure(failure::PathOrFileAccess, path + ": a file can't be copied onto itself");
+    if (target && !state_.SurveyConnection.IsOpen() && IsSamePath(path, state_.currentFilename_))
+        throw Failure(failure::PathOrFileAccess,
+                      path + ": it could not be opened, and saving would delete what is in it");
+    PendingFile file(path);
     try {
-        state_.SurveyConnection.Open(old);
-    } catch (const Failure&) {
-        // A connection that is open makes the opening fail, and that failure reaches the caller.
-        // But the next save has to go where the name says.
-        if (onTheCopy) {
-            state_.SurveyConnection.Close();
-            state_.SurveyConnection.Open(old);
-        }
+        Connection copy;
+        copy.Open(file.Path());
+        FillCopy(copy);
+        WriteDesign(copy, Design());
+        copy.Close();
+        SettleJournal(path);
+        file.Finish();
+    } catch (...) {
+        QFile::remove(file.Path() + "-journal");
         throw;
     }
+}
+
+void SurveyDocument::FillCopy(Connection& copy) {
+    Connection& survey = state_.SurveyConnection;
+    if (survey.IsOpen()) {
+        if (watch_.Look(survey) != SurveyFileWatch::Found::Overwritten) {
+            survey.CopyTo(copy);
+            return;
+        }
+        // Where somebody wrote over the file, its answers are ours only if our respondents are
+        // there. What our connection has read of it may be of either.
+        if (watch_.HoldsOurRespondents(state_.currentFilename_)) {
+            Connection now;
+            now.Open(state_.currentFilename_);
+            now.CopyTo(copy);
+            return;
+        }
+    }
+    Connection blank;
+    blank.Open(state_.directories.InProgram("blank.mdb"), Connection::Mode::ReadOnly);
+    blank.CopyTo(copy);
+    if (!watch_.Scales().scales.empty())
+        WriteScales(copy, watch_.Scales());
 }
 
 bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
@@ -368,16 +368,98 @@ bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
         return true;
     switch (state_.dialogs.MsgBox(SaveQuestion, MsgIcon::Question, MsgButtons::YesNoCancel)) {
     case MsgAnswer::Yes:
-        if (EndsInTmp(state_.CurrentFilename, caseOfTmp))
-            mnuFileSaveAs_Click();
-        else
-            DoSave();
-        return true;
+        return !state_.SurveyConnection.IsOpen() || EndsInTmp(state_.currentFilename_, caseOfTmp)
+                   ? mnuFileSaveAs_Click()
+                   : DoSave();
     case MsgAnswer::No:
         return true;
     default:
         return false;
     }
+}
+
+// ---- recovery
+
+std::optional<UnsavedSurvey> SurveyDocument::Unsaved() {
+    const bool open = state_.SurveyConnection.IsOpen();
+    if (!state_.fileChanged_ || (open && !isWhole_))
+        return std::nullopt;
+    UnsavedSurvey unsaved;
+    unsaved.design = Design();
+    if (IsBlank(unsaved.design))
+        return std::nullopt;
+    if (open && !EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive))
+        unsaved.path = QFileInfo(state_.currentFilename_).absoluteFilePath();
+    unsaved.digest = watch_.Digest();
+    unsaved.when = QDateTime::currentDateTime();
+    watch_.RefreshScales(state_.SurveyConnection);
+    unsaved.scales = watch_.Scales();
+    return unsaved;
+}
+
+// When a survey is left, nothing is unsaved any more: it was saved, or the user said No. Only where
+// nobody asked, for the question's text is empty, what else there is is kept.
+void SurveyDocument::SettleRecovery() {
+    if (state_.fileChanged_ && !IsFileChanged() && Unsaved())
+        recovery_.LeaveBehind();
+    else
+        recovery_.Stop();
+}
+
+bool SurveyDocument::OfferRecovery(const QString& path) {
+    for (Recovery::Found& found : recovery_.Files().Search()) {
+        const UnsavedSurvey& survey = found.survey;
+        if (!path.isEmpty() && !IsSamePath(survey.path, path))
+            continue;
+        const std::size_t count = survey.design.questions.size();
+        const MsgAnswer answer = state_.dialogs.MsgBox(
+            QString("%1 was not saved. Restore it? %2 question%3, %4")
+                .arg(survey.path.isEmpty() ? QString("A survey without a name") : survey.path)
+                .arg(count)
+                .arg(count == 1 ? "" : "s", TimeText(survey.when)),
+            MsgIcon::Question, MsgButtons::YesNoCancel);
+        if (answer == MsgAnswer::Yes) {
+            Restore(std::move(found));
+            return true;
+        }
+        if (answer != MsgAnswer::No)
+            return false;
+        Recovery::Remove(std::move(found));
+    }
+    return false;
+}
+
+void SurveyDocument::Restore(Recovery::Found found) {
+    const UnsavedSurvey survey = found.survey;
+    DoClose();
+    bool fits = false;
+    if (QFileInfo::exists(survey.path)) {
+        DoOpen(survey.path, true, -1);
+        fits = isWhole_ && watch_.Digest() == survey.digest;
+        if (!fits) {
+            DoClose();
+            state_.dialogs.MsgBox(survey.path +
+                                      " was changed since then. What was not saved is restored as "
+                                      "a survey without a name.",
+                                  MsgIcon::Information);
+        }
+    }
+    if (!fits) {
+        const QString path = NewSurveyFile();
+        if (!survey.scales.scales.empty()) {
+            Connection file;
+            file.Open(path);
+            WriteScales(file, survey.scales);
+        }
+        DoOpen(path, true, -1);
+    }
+    int selected = 1;
+    for (std::size_t i = 0; i < survey.design.questions.size(); ++i)
+        if (survey.design.questions[i].Key == survey.design.selectedKey)
+            selected = static_cast<int>(i) + 1;
+    Show(survey.design, selected);
+    state_.MarkFileChanged();
+    recovery_.Files().Adopt(std::move(found));
 }
 
 } // namespace pollarix

@@ -1,11 +1,17 @@
-// Opening, saving and closing the survey file: the one reader and the one writer of the tables
-// question and response. Not for respondents and answers, which other rooms write at once.
+// Opening, saving and closing the survey: who owns its path, its connection and its changed mark.
+// Reading and writing its tables are SurveyReader's and SurveyWriter's; respondents and answers,
+// which other rooms write at once, are none of it.
 #pragma once
 
-#include <memory>
-#include <vector>
+#include <QSet>
+
+#include <functional>
+#include <optional>
 
 #include "document/ApplicationState.h"
+#include "document/RecoveryWriter.h"
+#include "document/SurveyFileWatch.h"
+#include "document/SurveySnapshot.h"
 #include "document/SurveyViews.h"
 #include "platform/files/Files.h"
 
@@ -16,52 +22,86 @@ class SurveyDocument {
     // The only format there is. Other versions get a warning and are loaded as far as they go.
     static constexpr double FormatVersion = 1.7;
 
-    SurveyDocument(ApplicationState& state, SurveyViews& views) : state_(state), views_(views) {}
+    // The interval is that of the recovery file; tests don't wait so long.
+    SurveyDocument(ApplicationState& state, SurveyViews& views,
+                   int recoveryMs = RecoveryWriter::IntervalMs);
+    ~SurveyDocument();
+    SurveyDocument(const SurveyDocument&) = delete;
+    SurveyDocument& operator=(const SurveyDocument&) = delete;
+
+    // Set by the window: shows the path in the status bar, and, after each opening, what else shows
+    // something of the file. A failure of the latter is told as one of the opening.
+    std::function<void(const QString& text)> ShowPath = [](const QString&) {};
+    std::function<void()> Opened = [] {};
 
     // Attaches the program to the file and rebuilds model and tree from it. The survey that was
     // open must have been closed. SelectIndex is the question (1-based, in file order) to select at
-    // the end; a number that matches none selects nothing. Throws nothing: a failure is shown in
-    // one message and leaves everything as far as it got.
+    // the end; a number that matches none selects the last. Throws nothing: a failure is shown in
+    // one message and leaves everything as far as it got. What was not read whole is never written.
     void DoOpen(const QString& sFilename, bool bIsNew, int SelectIndex);
 
-    // Writes the model into the open file, then closes and reopens it. The rows are written in one
-    // WriteBatch. Throws what the database throws; the survey then stays open as it was.
-    void DoSave();
+    // Writes the model into the open file, whole or not at all, then closes and reopens it. False
+    // when nothing was written, after a message. Throws what the database throws; file, model and
+    // changed mark are then as they were.
+    bool DoSave();
 
     // Empties the tree and detaches the file. The model keeps its questions until the next opening.
     void DoClose();
 
-    // A Save As that is cancelled or fails at the copy ends without a failure; the latter has shown
-    // a message. They throw what DoSave throws, and what opening the old file again throws.
-    void mnuFileSave_Click();
-    void mnuFileSaveAs_Click();
+    // Both are true when the survey is saved. A Save As that is cancelled ends silently; one that
+    // fails has shown a message, and everything is as it was. Save throws what DoSave throws.
+    bool mnuFileSave_Click();
+    bool mnuFileSaveAs_Click();
 
     // The test for unsaved changes. A survey of one question whose editor is empty is never
     // changed, whatever the flag says: that is the untouched new survey.
     bool IsFileChanged() const;
 
-    // The question before a survey is left: saves if the user says so. False only when the user
-    // cancels the question. A Save As that was cancelled, or that showed its message, does not stop
-    // what was asked for: required behaviour. Throws what DoSave throws. `caseOfTmp` tells how the
-    // name's end is compared with ".tmp".
+    // The question before a survey is left: saves if the user says so. False when what was asked
+    // for must not go on: the user cancels the question, or wants it saved and it is not. Throws
+    // what DoSave throws. `caseOfTmp` tells how the name's end is compared with ".tmp".
     bool AskToSave(Qt::CaseSensitivity caseOfTmp);
 
+    // A new survey file from the template, in the user's directory. Gives its path. Throws what
+    // copying throws.
+    QString NewSurveyFile() const;
+
+    // Asks whether to restore what a program that went down has left unsaved: of the survey that
+    // was opened at the path, or, for "", of any. True when it was restored: it is open then, and
+    // marked as changed. Throws what making a new survey throws; what was found then stays.
+    bool OfferRecovery(const QString& path);
+
+    // The program ends. An unnamed survey without changes is deleted.
+    void End();
+
   private:
-    void ReadQuestions(int SelectIndex, QString& selectKey);
-    void ReadResponses();
+    enum class FileCheck { Same, SavedAs, Stop };
+
+    void ReadAndShow(int SelectIndex);
+    void Show(const SurveySnapshot& design, int SelectIndex);
+    // What is in the model, without the questions of a survey that was closed.
+    SurveySnapshot Design() const;
     // The position of the question that is selected, -1 for none.
     int SelectedPosition() const;
-    // Writes the model into the file that the connection is open on.
-    void WriteModel();
-    void Reopen(int SelectIndex);
-    bool HasRow(const clsQ& q) const;
-    void WriteQuestions(std::vector<std::shared_ptr<clsQ>>& inserted);
-    void WriteResponses();
-    PendingCopy CopyTo(const QString& path);
-    void ReopenAfterFailedSaveAs(const QString& old);
+    // Tells, and is true, when the survey was opened but not read whole.
+    bool RefusesPart();
+    // Asks when the file is no longer the one that was opened.
+    FileCheck CheckFile();
+    // Writes the survey to a file that takes the name only when it is whole.
+    void WriteCopy(const QString& path);
+    void FillCopy(Connection& copy);
+    QString WithSuffix(const QString& path);
+    std::optional<UnsavedSurvey> Unsaved();
+    void SettleRecovery();
+    void Restore(Recovery::Found found);
 
     ApplicationState& state_;
     SurveyViews& views_;
+    bool isWhole_ = false;            // all of the open file's design is in the model
+    std::optional<FileState> opened_; // the file that the connection is open on
+    SurveyFileWatch watch_;
+    QSet<QString> closed_; // keys that the model keeps of the survey that was closed
+    RecoveryWriter recovery_;
 };
 
 // A survey without a name of its own: the path ends in ".tmp".

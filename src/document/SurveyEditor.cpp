@@ -6,7 +6,7 @@ namespace pollarix {
 
 DesignState SurveyEditor::Now() const {
     return {SurveySnapshot::Take(state_.CurrentSurvey, screen_.SelectedQuestionKey()),
-            screen_.NodeLabels(), state_.FileChanged};
+            screen_.NodeLabels(), state_.FileChanged()};
 }
 
 void SurveyEditor::KeepState() {

@@ -1,10 +1,11 @@
-// What the survey document asks of the screens when a survey is opened, saved or closed. The main
-// window answers by asking its screens; the document knows no widget.
+// What the survey document asks of the screen that shows the survey, when one is opened, saved or
+// closed. The Design screen answers; the document knows no widget.
 #pragma once
 
 #include <QString>
 
 #include <optional>
+#include <vector>
 
 namespace pollarix {
 
@@ -15,29 +16,23 @@ class SurveyViews {
   public:
     virtual ~SurveyViews() = default;
 
-    // Panel 1 of the status bar.
-    virtual void ShowPath(const QString& text) = 0;
+    struct Node {
+        QString key, text;
+    };
 
-    // The question tree, tvTreeView.
-    virtual void ClearTree() = 0;
-    virtual void AddRootNode() = 0; // "Survey" under RootKey, expanded
-    virtual void AddQuestionNode(const QString& key,
-                                 const QString& text) = 0; // the root's last child
-    virtual void SelectNode(const QString& key) = 0;       // raises nothing
+    // The question tree, tvTreeView: "Survey" under RootKey, expanded, and below it the questions
+    // in their order. Nothing is selected.
+    virtual void ShowTree(const std::vector<Node>& questions) = 0;
+    virtual void SelectNode(const QString& key) = 0; // raises nothing
     virtual void tvTreeView_NodeClick(const QString& key) = 0;
     virtual std::optional<QString> SelectedKey() const = 0; // none when no node is selected
 
     // The question's editor, txtQ, which works the same while its panel is hidden.
-    virtual QString PlainTextThroughEditor(const QString& rtf) = 0; // TextRTF in, Text out
-    virtual QString EditorText() const = 0;                         // Text
-    virtual void ClearEditors() = 0; // empties txtQ and lstCheckResponses
+    virtual QString EditorText() const = 0; // Text
+    virtual void ClearEditors() = 0;        // empties txtQ and lstCheckResponses
 
+    // The list of scales, out of the survey file. Throws what the database throws.
     virtual void LoadMatrixResponses() = 0;
-    virtual void RefreshRespondeSummaryReportList() = 0; // row 1, no response
-    virtual void RefreshRespondentList() = 0;            // row 1, no respondent
-
-    // Off while many questions are loaded, so that nothing is painted in between.
-    virtual void SetRedraw(bool on) = 0;
 };
 
 } // namespace pollarix

@@ -177,8 +177,8 @@ void frmExplore::Load() {
     work_.Do("Explore: respondent", [this](const ProgressStep& step) {
         answers_ = std::make_unique<Answers>(state_.SurveyConnection, step);
     });
-    const bool same = loadedFrom_ == state_.CurrentFilename;
-    loadedFrom_ = state_.CurrentFilename;
+    const bool same = loadedFrom_ == state_.SurveyConnection.Path();
+    loadedFrom_ = state_.SurveyConnection.Path();
     const int variable = same ? lstVariables_->ListIndex() : Nothing;
     const int columns = same ? cboColumns_->ListIndex() : Nothing;
     if (!same)
@@ -342,7 +342,7 @@ void frmExplore::cmdCopy_Click() {
 void frmExplore::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() == QEvent::ActivationChange && isActiveWindow() && answers_ &&
-        loadedFrom_ != state_.CurrentFilename && state_.SurveyConnection.IsOpen() &&
+        loadedFrom_ != state_.SurveyConnection.Path() && state_.SurveyConnection.IsOpen() &&
         !work_.IsRunning())
         RunHandler([this] { Load(); });
 }

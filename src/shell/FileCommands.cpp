@@ -1,7 +1,6 @@
 #include "shell/FileCommands.h"
 
 #include "platform/base/Handlers.h"
-#include "platform/files/Files.h"
 
 namespace pollarix {
 
@@ -10,9 +9,7 @@ void FileCommands::mnuNew_Click() {
         return;
     document_.DoClose();
     // The temporary file of the survey before stays where it is.
-    const QString path = NewTempFileName(state_.directories.user, "HC");
-    CopyFileOver(state_.directories.InProgram("blank.mdb"), path);
-    document_.DoOpen(path, true, -1);
+    document_.DoOpen(document_.NewSurveyFile(), true, -1);
 }
 
 void FileCommands::mnuFileOpen_Click() {
@@ -27,6 +24,7 @@ void FileCommands::mnuFileOpen_Click() {
             return;
         document_.DoClose();
         document_.DoOpen(name, true, 1);
+        document_.OfferRecovery(name);
     } catch (const std::exception&) {
         if (CaughtFailure().Number() != failure::DialogCancelled)
             state_.dialogs.MsgBox("Unable to open file.", MsgIcon::Critical);

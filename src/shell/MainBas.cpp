@@ -34,7 +34,7 @@ int Run(QtDialogs& dialogs) {
     Settings settings(Settings::DefaultDirectory());
     ApplicationState state(Directories::OfThisProgram(), settings, dialogs);
     SetFailureReporter([&state](const Failure& failure) {
-        state.dialogs.MsgBox(FailureText(failure, state.CurrentFilename), MsgIcon::Critical);
+        state.dialogs.MsgBox(FailureText(failure, state.CurrentFilename()), MsgIcon::Critical);
     });
 
     int code = 0;
@@ -55,6 +55,7 @@ void StartUp(ApplicationState& state, frmMain& window, const QString& commandLin
     RunHandler([&] {
         // A file named on the command line gains the blank question at its end as well.
         window.AddBlankOpenEndedQuestion();
+        window.OfferRecovery();
         if (ShowTipsAtStartup(state))
             frmTip(state, &window).exec();
         const QString firstRun =
@@ -70,7 +71,7 @@ QString FailureText(const Failure& failure, const QString& surveyFile) {
     if (failure.Source() == "SQLite" && !surveyFile.isEmpty()) {
         text += "\n" + surveyFile;
         if (!QFileInfo::exists(surveyFile))
-            text += "\nThe file is no longer there.";
+            text += "\nThe file is no longer there. File, Save As... saves what is open here.";
         else if ((failure.Number() & 0xff) == ReadOnlyDatabase)
             text += "\nThis file can only be read. File, Save As... makes a copy to work on.";
     }

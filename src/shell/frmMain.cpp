@@ -2,7 +2,6 @@
 
 #include <QAction>
 #include <QCloseEvent>
-#include <QFile>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QIcon>
@@ -37,21 +36,28 @@ constexpr int FrameAndMenu = ToPixels(900 - 20);
 } // namespace
 
 frmMain::frmMain(ApplicationState& state)
-    : state_(state), document_(state, *this), files_(state, document_), work_(*this),
+    : state_(state), canvas_(new QWidget(this)), picDesign_(new picDesign(state, canvas_)),
+      document_(state, *picDesign_), files_(state, document_), work_(*this),
       detailedReport_(state, work_), paperSurvey_(state, work_), export_(state, work_),
       print_(state.dialogs, *this), transfer_(internet_), server_(transfer_, state.directories),
-      publish_({state, *this, transfer_, server_}), collect_({state, *this, transfer_, server_}),
-      helpKey_(help_), helpMenu_(state, help_, *this) {
+      publish_({state, *picDesign_, transfer_, server_}),
+      collect_({state, *picDesign_, transfer_, server_}), helpKey_(help_),
+      helpMenu_(state, help_, *this) {
     setObjectName("frmMain");
     setWindowTitle("Pollarix v1.12");
     setWindowIcon(QIcon(":/icons/pollarix.svg"));
     state_.dialogs.SetDefaultParent(this);
     BuildPanels();
+    document_.ShowPath = [this](const QString& text) { statusPath_->setText(text); };
+    document_.Opened = [this] {
+        RefreshRespondeSummaryReportList();
+        RefreshRespondentList();
+    };
     BuildMenus();
     BuildMenuKey();
     BuildToolbars();
     // Also where the first opening fails, questions can be added below it.
-    AddRootNode();
+    picDesign_->ShowTree({});
     ShowScreen("Design");
     resize(1024, 740);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &frmMain::EndOfSession);
@@ -63,11 +69,9 @@ frmMain::~frmMain() {
 }
 
 void frmMain::BuildPanels() {
-    canvas_ = new QWidget(this);
     setCentralWidget(canvas_);
     picToolbar_ = new QFrame(canvas_);
     picToolbar_->setObjectName("picToolbar");
-    picDesign_ = new picDesign(state_, canvas_);
     picCollect_ = new picCollect(state_, canvas_);
     picCollect_->RespondentList().ShowRespondentScreen = [this] { ShowScreen("Respondent"); };
     picAnalyse_ = new picAnalyse(state_, work_, canvas_);
@@ -111,7 +115,7 @@ void frmMain::Form_Load(const QString& commandLine) {
         LoadState = 5;
         help_.SetPath(state_.directories.InProgram("bhelp.qch"));
         LoadState = 6;
-        state_.FileChanged = false;
+        state_.MarkFileUnchanged();
         if (!commandLine.isEmpty())
             document_.DoOpen(commandLine, true, 1);
         else
@@ -152,13 +156,7 @@ bool frmMain::Form_Unload() {
     picDesign_->CommitEdits();
     if (!document_.AskToSave(Qt::CaseInsensitive))
         return false;
-    // A file that could not be opened is none of this program's temporary surveys.
-    if (!document_.IsFileChanged() && EndsInTmp(state_.CurrentFilename, Qt::CaseInsensitive) &&
-        state_.SurveyConnection.IsOpen()) {
-        const QString path = state_.CurrentFilename;
-        state_.SurveyConnection.Close();
-        QFile::remove(path);
-    }
+    document_.End();
     return true;
 }
 
@@ -266,9 +264,10 @@ void frmMain::mnuViewDataCollection_Click() {
             MsgIcon::Question, MsgButtons::YesNoCancel);
         if (answer != MsgAnswer::Yes)
             return;
-        RunSave([this] { document_.mnuFileSave_Click(); });
+        bool saved = false;
+        RunSave([&] { saved = document_.mnuFileSave_Click(); });
         // Also a dialog that was cancelled, or a file that could not be written, leaves it unsaved.
-        if (document_.IsFileChanged())
+        if (!saved)
             return;
     }
     ShowScreen("Respondent");
@@ -287,7 +286,7 @@ void frmMain::AddBlankOpenEndedQuestion() {
 void frmMain::mnuTextWriteXML_Click() {
     document_.DoClose();
     document_.DoOpen(state_.directories.InProgram("test5.plxs"), true, 1);
-    DoSaveXML(state_, *this);
+    DoSaveXML(state_, *picDesign_);
 }
 
 void frmMain::Form_Resize() {
@@ -314,50 +313,11 @@ void frmMain::Form_Resize() {
     picAnalyse_->LayOut(width, height);
 }
 
-// ---- SurveyViews
-
-void frmMain::ShowPath(const QString& text) {
-    statusPath_->setText(text);
-}
-void frmMain::ClearTree() {
-    picDesign_->ClearTree();
-}
-void frmMain::AddRootNode() {
-    picDesign_->AddRootNode();
-}
-void frmMain::AddQuestionNode(const QString& key, const QString& text) {
-    picDesign_->AddQuestionNode(key, text);
-}
-void frmMain::SelectNode(const QString& key) {
-    picDesign_->SelectNode(key);
-}
-void frmMain::tvTreeView_NodeClick(const QString& key) {
-    picDesign_->tvTreeView_NodeClick(key);
-}
-std::optional<QString> frmMain::SelectedKey() const {
-    return picDesign_->SelectedKey();
-}
-QString frmMain::PlainTextThroughEditor(const QString& rtf) {
-    return picDesign_->PlainTextThroughEditor(rtf);
-}
-QString frmMain::EditorText() const {
-    return picDesign_->EditorText();
-}
-void frmMain::ClearEditors() {
-    picDesign_->ClearEditors();
-}
-void frmMain::LoadMatrixResponses() {
-    picDesign_->LoadMatrixResponses();
-}
 void frmMain::RefreshRespondeSummaryReportList() {
     picAnalyse_->RefreshRespondeSummaryReportList(1, 0);
 }
 void frmMain::RefreshRespondentList() {
     picCollect_->RespondentList().RefreshRespondentList(1, 0);
-}
-void frmMain::SetRedraw(bool on) {
-    canvas_->setUpdatesEnabled(on);
-    picDesign_->SetRedraw(on);
 }
 
 // ---- ProgressDisplay

@@ -38,7 +38,7 @@ class picDesign;
 class frmExplore;
 class PathLabel;
 
-class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay {
+class frmMain : public QMainWindow, private ProgressDisplay {
     Q_OBJECT
   public:
     explicit frmMain(ApplicationState& state);
@@ -54,6 +54,7 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     void ShowScreen(const QString& name);
 
     void AddBlankOpenEndedQuestion();
+    void OfferRecovery() { document_.OfferRecovery({}); } // of any survey
 
     // The help that the menu and F1 open, set by Form_Load.
     HelpFile& Help() { return help_; }
@@ -88,27 +89,16 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     void MoveFocusTo(std::size_t screen);
     void mnuTextWriteXML_Click();
 
-    // SurveyViews
-    void ShowPath(const QString& text) override;
-    void ClearTree() override;
-    void AddRootNode() override;
-    void AddQuestionNode(const QString& key, const QString& text) override;
-    void SelectNode(const QString& key) override;
-    void tvTreeView_NodeClick(const QString& key) override;
-    std::optional<QString> SelectedKey() const override;
-    QString PlainTextThroughEditor(const QString& rtf) override;
-    QString EditorText() const override;
-    void ClearEditors() override;
-    void LoadMatrixResponses() override;
-    void RefreshRespondeSummaryReportList() override;
-    void RefreshRespondentList() override;
-    void SetRedraw(bool on) override;
+    void RefreshRespondeSummaryReportList(); // row 1, no response
+    void RefreshRespondentList();            // row 1, no respondent
 
     // ProgressDisplay
     void ShowProgress(const QString& text) override;
     void ClearProgress() override;
 
     ApplicationState& state_;
+    QWidget* canvas_;
+    picDesign* picDesign_;
     SurveyDocument document_;
     FileCommands files_;
     LongWork work_;
@@ -125,13 +115,11 @@ class frmMain : public QMainWindow, private SurveyViews, private ProgressDisplay
     HelpKey helpKey_;
     HelpMenu helpMenu_;
 
-    QWidget* canvas_ = nullptr;
     QFrame* picToolbar_ = nullptr;
     QToolBar* Toolbar_ = nullptr;
     QToolBar* ToolbarDesign_ = nullptr;
     QFrame* ToolBarTopLine_ = nullptr;
     QFrame* ToolBarBottomLine_ = nullptr;
-    picDesign* picDesign_ = nullptr;
     picCollect* picCollect_ = nullptr;
     picAnalyse* picAnalyse_ = nullptr;
     frmExplore* explore_ = nullptr;

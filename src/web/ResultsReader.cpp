@@ -162,6 +162,9 @@ class Importer {
 
 void DoLoadXML(ApplicationState& state, const QString& path) {
     ResultsLines lines(path);
+    if (!state.MayWrite())
+        throw Failure(failure::PathOrFileAccess,
+                      "The survey was changed by another program. Nothing was imported");
     int count = 0;
     {
         WriteBatch batch(state.SurveyConnection);

@@ -10,8 +10,7 @@
 
 namespace pollarix::test {
 
-DesignScreen::DesignScreen()
-    : design_(new picDesign(state, &window_)), views_(*design_), document_(state, views_) {
+DesignScreen::DesignScreen() : design_(new picDesign(state, &window_)), document_(state, *design_) {
     SetFailureReporter([this](const Failure& failure) {
         failures_ << QString("%1 %2").arg(failure.Number()).arg(failure.Description());
     });
@@ -48,7 +47,7 @@ void DesignScreen::SurveyOf(std::initializer_list<std::int32_t> kinds) {
 }
 
 void DesignScreen::Reopen() {
-    const QString path = state.CurrentFilename;
+    const QString path = state.CurrentFilename();
     document_.DoClose();
     document_.DoOpen(path, true, 1);
 }
@@ -132,9 +131,9 @@ QString DesignScreen::Rows(const char* sql) {
 }
 
 bool DesignScreen::Marks(const std::function<void()>& action) {
-    state.FileChanged = false;
+    state.MarkFileUnchanged();
     action();
-    return state.FileChanged;
+    return state.FileChanged();
 }
 
 void DesignScreen::InNextDialog(const char* className, std::function<void(QWidget&)> act) {

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "design/DesignViews.h"
+#include "design/picDesign.h"
 #include "document/SurveyDocument.h"
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/ListBox.h"
@@ -64,7 +64,6 @@ class DesignScreen : public testing::Test, protected TestState {
 
     QMainWindow window_;
     picDesign* design_;
-    DesignViews views_;
     SurveyDocument document_;
     QStringList failures_; // "number description"
 

@@ -92,7 +92,7 @@ class Scales : public DesignScreen {
     }
     // SQLite counts a file's commits in its head.
     quint32 Commits() {
-        QFile file(state.CurrentFilename);
+        QFile file(state.CurrentFilename());
         EXPECT_TRUE(file.open(QFile::ReadOnly));
         return qFromBigEndian<quint32>(file.read(28).constData() + 24);
     }

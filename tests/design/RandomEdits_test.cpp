@@ -186,12 +186,12 @@ class RandomEdits : public DesignScreen {
             ClickNode(i);
         const QStringList before = Look();
         const std::vector<Question> picture = survey_;
-        const bool marked = state.FileChanged;
+        const bool marked = state.FileChanged();
         for (int step = Below(5); step >= 0; --step)
             Step();
         const QStringList after = Look();
         if (PressUntil(Qt::Key_Z, before) > 0) {
-            EXPECT_EQ(state.FileChanged, marked && before.mid(1) != saved_);
+            EXPECT_EQ(state.FileChanged(), marked && before.mid(1) != saved_);
         }
         if (Below(2) == 0)
             survey_ = picture;
@@ -199,8 +199,38 @@ class RandomEdits : public DesignScreen {
             PressUntil(Qt::Key_Y, after);
     }
 
+    // Neither a save nor a Save As that fails in the middle leaves a trace.
+    void FailToSave() {
+        if (Rows("SELECT 1 FROM question").size() < 2)
+            return;
+        Connection& file = state.SurveyConnection;
+        file.Run("CREATE UNIQUE INDEX refusing ON question (Deleteme) WHERE Deleteme = 1");
+        const char* const all =
+            "SELECT id || ' ' || pos || ' ' || Deleteme || question FROM question UNION ALL "
+            "SELECT id || ' ' || pos || ' ' || Deleteme || name FROM response";
+        const QStringList before = Look();
+        const QString rows = Rows(all), path = state.CurrentFilename();
+        const bool marked = state.FileChanged();
+        EXPECT_THROW(document_.DoSave(), Failure);
+        dialogs.fileNames = {{Path("refused.plxs")}};
+        EXPECT_FALSE(document_.mnuFileSaveAs_Click());
+        EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+        EXPECT_EQ(Look(), before);
+        EXPECT_EQ(Rows(all), rows);
+        EXPECT_EQ(state.FileChanged(), marked);
+        EXPECT_EQ(state.CurrentFilename(), path);
+        file.Run("DROP INDEX refusing");
+    }
+
     void Save() {
-        document_.DoSave();
+        if (Below(3) == 0)
+            FailToSave();
+        if (Below(3) == 0) {
+            dialogs.fileNames = {{Path(QString("copy%1.plxs").arg(++copies_))}};
+            EXPECT_TRUE(document_.mnuFileSaveAs_Click());
+        } else {
+            EXPECT_TRUE(document_.DoSave());
+        }
         int inherited = Nowhere; // by a jump whose target is gone
         for (Question& q : survey_) {
             if (!HasResponses(q.qType))
@@ -232,7 +262,7 @@ class RandomEdits : public DesignScreen {
             }
         }
         EXPECT_EQ(Nodes(), labels.join('|'));
-        EXPECT_FALSE(state.FileChanged);
+        EXPECT_FALSE(state.FileChanged());
         saved_ = Look().mid(1);
         Recordset q = state.SurveyConnection.Execute("SELECT * FROM question ORDER BY pos");
         for (int pos = 1; !q.AtEnd(); q.MoveNext(), ++pos) {
@@ -255,6 +285,7 @@ class RandomEdits : public DesignScreen {
 
     std::vector<Question> survey_;
     int added_ = 0;
+    int copies_ = 0;
     std::int64_t lastResponse_ = 0; // id given
     QStringList saved_;
     std::mt19937 dice_;

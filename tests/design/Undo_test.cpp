@@ -30,7 +30,7 @@ class Undo : public DesignScreen {
     }
     // The model and the tree, and whether there is something to save.
     auto Look() {
-        return std::tuple(SurveySnapshot::Take(Survey()).questions, Nodes(), state.FileChanged);
+        return std::tuple(SurveySnapshot::Take(Survey()).questions, Nodes(), state.FileChanged());
     }
     QString Ids() { return Rows("SELECT group_concat(id) FROM question ORDER BY pos"); }
 };
@@ -82,12 +82,12 @@ TEST_F(Undo, EachStepGoesBackAndForth) {
         step();
         auto after = Look();
         EXPECT_NE(std::get<0>(after), std::get<0>(before));
-        const bool marked = state.FileChanged;
+        const bool marked = state.FileChanged();
         StepKey(Qt::Key_Z);
         EXPECT_EQ(Look(), before) << "what is saved is not marked";
         StepKey(Qt::Key_Y);
         EXPECT_EQ(Look(), after);
-        EXPECT_EQ(state.FileChanged, marked);
+        EXPECT_EQ(state.FileChanged(), marked);
         StepKey(Qt::Key_Z);
         StepKey(Qt::Key_Z, "tvTreeView", Qt::ShiftModifier);
         EXPECT_EQ(Look(), after);
@@ -95,7 +95,7 @@ TEST_F(Undo, EachStepGoesBackAndForth) {
         EXPECT_EQ(Look(), before);
         EXPECT_EQ(SelectedKey(), Q(name == std::string("scale") ? 3 : 2).Key);
         ClickNode(2);
-        state.FileChanged = false; // which the step to another kind has marked
+        state.MarkFileUnchanged(); // which the step to another kind has marked
     }
     EXPECT_EQ(Get<RichTextBox>("txtQ").Text(), "Q2");
     EXPECT_EQ(Entries("lstCheckResponses"), "a|b");
@@ -152,17 +152,17 @@ TEST_F(Undo, ASaveKeepsStepsUpToTheFirstThatNeedsADeletedRow) {
     AddResponses("txtCheckResponse", {"x", "x"});
     Press("cmdUp");
     document_.DoSave();
-    EXPECT_FALSE(state.FileChanged);
+    EXPECT_FALSE(state.FileChanged());
     const QString rows = "SELECT group_concat(id || name) FROM response WHERE questionid = 4";
     const QString saved = Rows(qPrintable(rows));
     for (int step = 0; step < 10; ++step)
         StepKey(Qt::Key_Z);
     EXPECT_EQ(Survey().QCount, 2) << "the addition is undone, the deletion is not";
-    EXPECT_TRUE(state.FileChanged);
+    EXPECT_TRUE(state.FileChanged());
     for (int step = 0; step < 10; ++step)
         StepKey(Qt::Key_Y);
     EXPECT_EQ(Nodes(), "1. Q1|2. new|3. Q3");
-    EXPECT_FALSE(state.FileChanged) << "as it was saved";
+    EXPECT_FALSE(state.FileChanged()) << "as it was saved";
     Press("cmdDown");
     document_.DoSave();
     EXPECT_EQ(Rows(qPrintable(rows)), saved) << "they are the same rows";

@@ -2,6 +2,8 @@
 #include "document/SurveyDocument.h"
 
 #include <QDir>
+#include <QEventLoop>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -22,6 +24,13 @@ class SurveyDocumentTest : public testing::Test {
     QueuedDialogs& dialogs = program.dialogs;
     FakeViews views;
     SurveyDocument document{state, views};
+    QString path_; // as the status bar shows it
+    int refreshes = 0;
+
+    SurveyDocumentTest() {
+        document.ShowPath = [this](const QString& text) { path_ = text; };
+        document.Opened = [this] { ++refreshes; };
+    }
 
     clsSurvey& Survey() { return state.CurrentSurvey; }
 
@@ -136,18 +145,18 @@ TEST_F(SurveyDocumentTest, OpeningFollowsTheFile) {
     document.DoOpen(path, true, 3);
     EXPECT_EQ(views.Texts(), QStringList({"Survey", "text", "one\r\ntwo", "2. ", "3. m"}));
     EXPECT_EQ(views.selected, Survey().GetQIndex(3)->Key);
-    EXPECT_EQ(views.calls, QStringList({"scales", "summary", "respondents"}));
-    EXPECT_EQ(views.clicks.size(), 5); // each question as it is read, then the one selected
+    EXPECT_EQ(refreshes, 1);
+    EXPECT_EQ(views.clicks, QStringList(*views.selected));
     EXPECT_EQ(Survey().GetQIndex(3)->ResponseMatrixGroupID, 1);
     EXPECT_EQ(Survey().GetQIndex(4)->ResponseMatrixGroupID, 4);
     EXPECT_EQ(Survey().GetQIndex(4)->GetResponse(1)->Text, "first");
     EXPECT_EQ(Survey().GetQIndex(4)->GetResponse(2)->Text, "");
-    EXPECT_EQ(views.path, path);
+    EXPECT_EQ(path_, path);
 
     const QString key = Survey().GetQIndex(1)->Key;
     document.DoClose();
-    EXPECT_EQ(state.CurrentFilename, "");
-    EXPECT_EQ(views.path, "");
+    EXPECT_EQ(state.CurrentFilename(), "");
+    EXPECT_EQ(path_, "");
     EXPECT_EQ(Survey().QCount, 4); // the model stays until the next opening
     EXPECT_EQ(views.clicks.last(), RootKey);
     document.DoClose(); // nothing open: no failure
@@ -183,7 +192,7 @@ TEST_F(SurveyDocumentTest, BadFilesAreNamedAndTheProgramGoesOn) {
         const QStringList shown = dialogs.TakeTexts();
         ASSERT_EQ(shown.size(), 1) << path.toStdString();
         EXPECT_TRUE(shown[0].startsWith("Unable to open " + path + ". ")) << shown[0].toStdString();
-        EXPECT_EQ(state.CurrentFilename, path);
+        EXPECT_EQ(state.CurrentFilename(), path);
         EXPECT_EQ(QFile::exists(path), existed) << "no file is made in its place";
         document.DoClose();
     }
@@ -234,7 +243,7 @@ TEST_F(SurveyDocumentTest, AnotherVersionIsAWarningOnly) {
 
 TEST_F(SurveyDocumentTest, SaveAsCopiesTheFileAndWritesTheModelOverIt) {
     const QString old = OpenBlank("HC3.tmp");
-    EXPECT_EQ(views.path, ""); // an unnamed survey shows none
+    EXPECT_EQ(path_, ""); // an unnamed survey shows none
     RunSql(old, {"INSERT INTO respondent (source) VALUES ('Web')"});
     Add(0, "hello");
     state.MarkFileChanged();
@@ -242,21 +251,21 @@ TEST_F(SurveyDocumentTest, SaveAsCopiesTheFileAndWritesTheModelOverIt) {
 
     dialogs.fileNames = {{""}}; // cancelled
     document.mnuFileSave_Click();
-    EXPECT_EQ(state.CurrentFilename, old);
-    EXPECT_TRUE(state.FileChanged);
+    EXPECT_EQ(state.CurrentFilename(), old);
+    EXPECT_TRUE(state.FileChanged());
     EXPECT_TRUE(state.SurveyConnection.IsOpen());
 
     dialogs.fileNames = {{named}};
     document.mnuFileSave_Click();
     EXPECT_EQ(dialogs.fileRequests.back().fileName, "");
-    EXPECT_EQ(state.CurrentFilename, named);
-    EXPECT_EQ(views.path, named);
+    EXPECT_EQ(state.CurrentFilename(), named);
+    EXPECT_EQ(path_, named);
     EXPECT_EQ(Questions(named), QStringList("1|hello|1|0|1|0"));
     EXPECT_EQ(SqlRows(named, "SELECT source FROM respondent", 1), QStringList("Web"));
     EXPECT_EQ(Questions(old), QStringList()); // left as it was, and left behind
     EXPECT_EQ(views.selected, Survey().GetQIndex(1)->Key);
 
-    // Onto the open file itself, and to where nothing can be written: the old state comes back.
+    // Onto the open file itself, and to where nothing can be written: all is as it was.
     Survey().GetQIndex(1)->Question = "changed";
     for (const QString& target :
          {named, program.Path("no/such/directory.plxs"), program.Path("")}) {
@@ -266,7 +275,7 @@ TEST_F(SurveyDocumentTest, SaveAsCopiesTheFileAndWritesTheModelOverIt) {
         const QStringList shown = dialogs.TakeTexts();
         ASSERT_EQ(shown.size(), 1);
         EXPECT_TRUE(shown[0].startsWith("Unable to write to file " + target + " "));
-        EXPECT_EQ(state.CurrentFilename, named);
+        EXPECT_EQ(state.CurrentFilename(), named);
         EXPECT_TRUE(state.SurveyConnection.IsOpen());
         EXPECT_EQ(Questions(named), QStringList("1|hello|1|0|1|0"));
     }
@@ -274,27 +283,174 @@ TEST_F(SurveyDocumentTest, SaveAsCopiesTheFileAndWritesTheModelOverIt) {
     EXPECT_EQ(Questions(named), QStringList("1|changed|1|0|1|0"));
 }
 
-TEST_F(SurveyDocumentTest, ASaveAsThatFailsAfterTheCopyGoesOnWithTheOldFile) {
-    const QString old = OpenBlank();
+// Nothing that fails on the way to a file changes the survey, and so nothing that comes after it.
+TEST_F(SurveyDocumentTest, ASaveThatFailsChangesNothing) {
+    QString path;
     const QString copy = program.Path("copy.plxs");
-    // The next question's id is beyond what the model holds.
-    RunSql(old, {"INSERT INTO sqlite_sequence (name, seq) VALUES ('question', 40000)"});
-    Add(0, "hello");
-    state.MarkFileChanged();
-    dialogs.fileNames = {{copy}};
-    EXPECT_THROW(document.mnuFileSaveAs_Click(), Failure); // the connection is open
-    EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith("Unable to write to file " + copy));
-    EXPECT_EQ(state.CurrentFilename, old);
-    EXPECT_EQ(state.SurveyConnection.Path(), old);
-    EXPECT_EQ(Survey().QCount, 1);
+    const auto lock = [&](const QString& file) {
+        auto other = std::make_unique<Connection>();
+        other->Open(file);
+        other->Execute("BEGIN EXCLUSIVE").Close();
+        return other;
+    };
+    std::unique_ptr<Connection> locker;
+    const struct {
+        const char* name;
+        std::function<void()> fault, repair;
+        bool saveAs;
+    } faults[] = {
+        {"an id beyond what the model holds",
+         [&] { RunSql(path, {"UPDATE sqlite_sequence SET seq = 40000 WHERE name = 'question'"}); },
+         [&] { RunSql(path, {"UPDATE sqlite_sequence SET seq = 2 WHERE name = 'question'"}); },
+         true},
+        {"a row that is refused in the middle",
+         [&] { RunSql(path, {"CREATE UNIQUE INDEX once ON response (name) WHERE deleteme = 0"}); },
+         [&] { RunSql(path, {"DROP INDEX once"}); }, true},
+        {"a locked file", [&] { locker = lock(path); }, [&] { locker.reset(); }, false},
+        {"a locked target",
+         [&] {
+             program.BlankSurvey("copy.plxs");
+             locker = lock(copy);
+             QFile(copy + "-journal").open(QIODevice::WriteOnly);
+         },
+         [&] {
+             locker.reset();
+             QFile::remove(copy);
+             QFile::remove(copy + "-journal");
+         },
+         true},
+        {"a text that no file takes",
+         [&] { Survey().GetQIndex(1)->Question = QString(Connection::LongestText - 100, 'x'); },
+         [&] { Survey().GetQIndex(1)->Question = "first"; }, true},
+    };
+    for (const auto& fault : faults) {
+        SCOPED_TRACE(fault.name);
+        path = OpenBlank(QString(fault.name).replace(' ', '-') + ".plxs");
+        Add(0, "first");
+        const auto radio = Add(2, "second");
+        radio->AddResponse("a", -1, -1, "");
+        radio->AddResponse("b", -1, -1, radio->Key);
+        ASSERT_TRUE(document.DoSave());
+        const QStringList questions = Questions(path), responses = Responses(path);
+        // New ones, a response twice, and another order.
+        const auto third = Add(0, "third");
+        const auto fourth = Add(2, "fourth");
+        fourth->AddResponse("twice", -1, -1, "");
+        fourth->AddResponse("twice", -1, -1, third->Key);
+        Survey().SwapQ(Survey().GetQIndex(1)->Key, third->Key);
+        state.MarkFileChanged();
+        fault.fault();
+        const SurveySnapshot before = SurveySnapshot::Take(Survey());
+        if (QString(fault.name) != "a locked target") {
+            EXPECT_THROW(document.DoSave(), Failure);
+        }
+        if (fault.saveAs) {
+            dialogs.fileNames = {{copy}};
+            EXPECT_FALSE(document.mnuFileSaveAs_Click());
+            EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith("Unable to write to file " + copy));
+        }
+        EXPECT_EQ(SurveySnapshot::Take(Survey()), before);
+        EXPECT_TRUE(state.FileChanged());
+        EXPECT_EQ(state.CurrentFilename(), path);
+        EXPECT_EQ(state.SurveyConnection.Path(), path);
+        fault.repair();
+        EXPECT_EQ(Questions(path), questions);
+        EXPECT_EQ(Responses(path), responses);
+        EXPECT_EQ(QDir(program.directory.path()).entryList({"*.tmp*", "copy*"}), QStringList());
 
-    // A plain save that fails stops what was asked for as well.
-    views.editor = "hello";
-    dialogs.answers = {MsgAnswer::Yes};
-    EXPECT_THROW(document.AskToSave(Qt::CaseSensitive), Failure);
-    dialogs.TakeTexts();
+        // A reorder, then the save: every question is its own.
+        Survey().SwapQ(fourth->Key, third->Key);
+        QStringList texts;
+        for (std::int16_t i = 1; i <= Survey().QCount; ++i)
+            texts << Survey().GetQIndex(i)->Question;
+        ASSERT_TRUE(document.DoSave());
+        EXPECT_EQ(SqlRows(path, "SELECT question FROM question ORDER BY pos", 1), texts);
+        EXPECT_FALSE(state.FileChanged());
+        document.DoClose();
+    }
 }
 
+TEST_F(SurveyDocumentTest, ASurveyThatWasNotReadWholeIsNeverWritten) {
+    const QString path = program.BlankSurvey("survey.plxs");
+    RunSql(path, {"INSERT INTO question (id, question, qtype, pos) VALUES (1, 'a', 0, 1), "
+                  "(2, 'b', 2, 2), (40000, 'c', 0, 3)"});
+    const QStringList questions = Questions(path);
+    document.DoOpen(path, true, 1);
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+    EXPECT_EQ(views.Texts(), QStringList({"Survey", "a", "b"})); // as far as it got
+    state.MarkFileChanged();
+    Add(0, "d");
+    const QString copy = program.Path("copy.plxs");
+    dialogs.answers = {MsgAnswer::Yes};
+    EXPECT_FALSE(document.mnuFileSave_Click());
+    EXPECT_FALSE(document.mnuFileSaveAs_Click());
+    EXPECT_FALSE(document.AskToSave(Qt::CaseSensitive));
+    const QString told = path + " was not read whole. Saving would delete the rest of it, so "
+                                "nothing was saved or changed.";
+    EXPECT_EQ(dialogs.TakeTexts(),
+              QStringList({told, told, "Do you want to save the changes you made?", told}));
+    EXPECT_EQ(Questions(path), questions);
+    EXPECT_EQ(Survey().QCount, 3);
+    EXPECT_TRUE(state.FileChanged());
+}
+
+// With no survey open, what was typed is no dead end.
+TEST_F(SurveyDocumentTest, WithoutAFileSaveAsMakesOne) {
+    OpenBlank();
+    Add(0, "of the survey before");
+    document.DoClose();
+    const QString letter = program.Path("letter.plxs");
+    QFile file(letter);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("This is a letter and no survey.");
+    file.close();
+    document.DoOpen(letter, true, 1);
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+
+    Add(0, "typed");
+    state.MarkFileChanged();
+    const QString named = program.Path("named.plxs");
+    dialogs.fileNames = {{letter}, {named}};
+    EXPECT_FALSE(document.mnuFileSave_Click()); // not over what could not be read
+    EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith("Unable to write to file " + letter));
+    EXPECT_EQ(QFileInfo(letter).size(), 31);
+    EXPECT_TRUE(document.mnuFileSave_Click());
+    EXPECT_EQ(SqlRows(named, "SELECT question FROM question", 1), QStringList("typed"));
+    EXPECT_EQ(views.Texts(), QStringList({"Survey", "2. typed"}));
+    EXPECT_FALSE(document.IsFileChanged());
+}
+
+TEST_F(SurveyDocumentTest, SaveAsRescuesASurveyWhoseFileIsGone) {
+    const QString path = OpenBlank();
+    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Web')"});
+    Add(0, "hello");
+    state.MarkFileChanged();
+    QFile::remove(path);
+    EXPECT_THROW(document.DoSave(), Failure);
+    dialogs.fileNames = {{path}}; // under the same name
+    EXPECT_TRUE(document.mnuFileSaveAs_Click());
+    EXPECT_EQ(Questions(path), QStringList("1|hello|1|0|1|0"));
+    EXPECT_EQ(SqlRows(path, "SELECT source FROM respondent", 1), QStringList("Web"));
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+}
+
+TEST_F(SurveyDocumentTest, ANameThatEndsInTmpGetsTheSuffix) {
+    OpenBlank("HC1.tmp");
+    Add(0, "hello");
+    for (const QString& name : {program.Path("a.tmp"), program.Path("b.TMP")}) {
+        dialogs.fileNames = {{name}};
+        EXPECT_TRUE(document.mnuFileSaveAs_Click());
+        EXPECT_EQ(state.CurrentFilename(), name + ".plxs");
+        EXPECT_FALSE(QFile::exists(name));
+    }
+    // The dialog has not asked about that name.
+    dialogs.fileNames = {{program.Path("a.tmp")}};
+    dialogs.answers = {MsgAnswer::No};
+    EXPECT_FALSE(document.mnuFileSaveAs_Click());
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+}
+
+// Yes means saved: else what was asked for does not go on.
 TEST_F(SurveyDocumentTest, TheSaveQuestionIsAskedOnceAndObeyed) {
     OpenBlank("HC4.tmp");
     EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive)); // nothing changed, nothing asked
@@ -302,32 +458,220 @@ TEST_F(SurveyDocumentTest, TheSaveQuestionIsAskedOnceAndObeyed) {
     Add(0, "");
     EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive)); // nor for one question without a text
     Add(0, "");
-    dialogs.answers = {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes, MsgAnswer::Yes};
+    dialogs.answers = {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes, MsgAnswer::Yes,
+                       MsgAnswer::Yes};
     EXPECT_FALSE(document.AskToSave(Qt::CaseSensitive));
     EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive));
-    // Neither a cancelled Save As nor one that cannot write stops what was asked for.
-    dialogs.fileNames = {{""}, {program.Path("no/such/directory.plxs")}};
-    EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive));
+    dialogs.fileNames = {
+        {""}, {program.Path("no/such/directory.plxs")}, {program.Path("named.plxs")}};
+    EXPECT_FALSE(document.AskToSave(Qt::CaseSensitive));
     EXPECT_EQ(dialogs.TakeTexts(), QStringList(3, "Do you want to save the changes you made?"));
-    EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive));
+    EXPECT_FALSE(document.AskToSave(Qt::CaseSensitive));
     EXPECT_TRUE(dialogs.TakeTexts().value(1).startsWith("Unable to write to file "));
-    EXPECT_TRUE(state.FileChanged);
+    EXPECT_TRUE(state.FileChanged());
+    EXPECT_TRUE(document.AskToSave(Qt::CaseSensitive));
+    EXPECT_FALSE(state.FileChanged());
 }
 
-TEST_F(SurveyDocumentTest, WhatAFailedSaveHasWrittenTheNextOneUpdates) {
-    const QString path = OpenBlank();
-    Add(0, "first");
-    Add(0, "second");
-    const auto third = Add(0, "third");
-    const auto radio = Add(2, "fourth");
-    radio->AddResponse("a", -1, -1, "");
-    radio->AddResponse("a", -1, -1, "");
-    RunSql(path, {"CREATE UNIQUE INDEX once ON response (name) WHERE deleteme = 0"});
-    EXPECT_THROW(document.DoSave(), Failure);
-    const QStringList written = SqlRows(path, "SELECT id, question FROM question ORDER BY id", 2);
-    EXPECT_EQ(written.size(), 4);
-    EXPECT_EQ(third->DatabaseID, 3);
-    radio->GetResponse(2)->Text = "b";
-    document.DoSave();
-    EXPECT_EQ(SqlRows(path, "SELECT id, question FROM question ORDER BY id", 2), written);
+// The file is not the one that was opened: nothing is written before the user has chosen.
+TEST_F(SurveyDocumentTest, AFileThatSomebodyElseChangedIsNotWrittenOver) {
+    const auto design = [](const QString& path) {
+        return SqlRows(path, "SELECT id, question FROM question ORDER BY pos", 2);
+    };
+    const QString foreign = program.BlankSurvey("foreign.plxs");
+    RunSql(foreign, {"INSERT INTO question (question, qtype, pos) VALUES ('theirs', 0, 1)",
+                     "INSERT INTO respondent (source) VALUES ('theirs')"});
+    int number = 0;
+    for (const char* way : {"replaced", "overwritten", "redesigned"}) {
+        for (const MsgAnswer answer : {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes}) {
+            SCOPED_TRACE(testing::Message() << way << ' ' << static_cast<int>(answer));
+            const QString path = OpenBlank(QString("survey%1.plxs").arg(++number));
+            Add(0, "ours");
+            Add(0, "second");
+            ASSERT_TRUE(document.DoSave());
+            RunSql(path, {"INSERT INTO respondent (source) VALUES ('ours')"});
+            EXPECT_TRUE(state.MayWrite()); // who only adds answers is welcome
+            Survey().GetQIndex(2)->Question = "changed";
+            state.MarkFileChanged();
+            if (QString(way) == "replaced") {
+                QFile::remove(path);
+                ASSERT_TRUE(QFile::copy(foreign, path));
+            } else if (QString(way) == "overwritten") {
+                QFile from(foreign), to(path);
+                ASSERT_TRUE(from.open(QIODevice::ReadOnly) && to.open(QIODevice::ReadWrite));
+                to.write(from.readAll());
+                to.resize(from.size());
+            } else {
+                RunSql(path, {"DELETE FROM question WHERE id = 2",
+                              "INSERT INTO question (question, qtype, pos) VALUES ('new', 0, 2)"});
+            }
+            const QStringList there = design(path);
+            const QString own = program.Path(QString("own%1.plxs").arg(number));
+            dialogs.answers = {answer, answer};
+            dialogs.fileNames = {{own}};
+            const bool saved = number % 2 == 0 ? document.DoSave() : state.MayWrite();
+            EXPECT_EQ(saved, answer == MsgAnswer::Yes);
+            const QStringList asked = dialogs.TakeTexts();
+            ASSERT_EQ(asked.size(), 1) << asked.join('\n').toStdString();
+            EXPECT_TRUE(asked[0].startsWith(path + " was changed by another program"));
+            EXPECT_EQ(design(path), there);
+            if (answer == MsgAnswer::Cancel) {
+                EXPECT_TRUE(state.FileChanged());
+                EXPECT_EQ(Survey().GetQIndex(2)->Question, "changed");
+            } else if (answer == MsgAnswer::No) {
+                EXPECT_EQ(views.Texts().size(), there.size() + 1);
+                EXPECT_FALSE(state.FileChanged());
+            } else {
+                EXPECT_EQ(state.CurrentFilename(), own);
+                // Under the ids that their answers know, and with no answers of another survey.
+                EXPECT_EQ(design(own), QStringList({"1|ours", "2|changed"}));
+                EXPECT_EQ(SqlRows(own, "SELECT source FROM respondent", 1),
+                          QString(way) == "overwritten" ? QStringList() : QStringList("ours"));
+            }
+            document.DoClose();
+        }
+    }
+}
+
+class RecoveryTest : public SurveyDocumentTest {
+  protected:
+    // Another program on the same directory; this one holds what it has until it is gone.
+    struct Program {
+        explicit Program(TestState& of)
+            : dialogs(of.dialogs), state(of.state.directories, of.settings, of.dialogs) {}
+        QueuedDialogs& dialogs;
+        ApplicationState state;
+        FakeViews views;
+        SurveyDocument document{state, views, 20};
+
+        void Edit(const QString& path) {
+            document.DoOpen(path, true, 1);
+            clsSurvey& survey = state.CurrentSurvey;
+            const auto q = survey.GetQ(survey.AddQ("Which?", kind::Radio, -1, 2));
+            q->AddResponse("a", -1, -1, survey.AddQ("Then", kind::Matrix, -1, 56));
+            views.selected = q->Key;
+            views.editor = "Which?";
+            state.MarkFileChanged();
+            Wait();
+        }
+        // Until what is due has been written.
+        static void Wait() {
+            QEventLoop loop;
+            QTimer::singleShot(200, &loop, &QEventLoop::quit);
+            loop.exec();
+        }
+    };
+    QStringList Kept() {
+        return QDir(program.directory.path()).entryList({"*.recovery*"}, QDir::Files);
+    }
+};
+
+TEST_F(RecoveryTest, ADesignThatWasNotSavedComesBack) {
+    for (const QString& name : {QString("tea.plxs"), QString("HC7.tmp")}) {
+        SCOPED_TRACE(qPrintable(name));
+        const QString path = program.BlankSurvey(name);
+        RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
+                      "('First', '1', 0, 1)",
+                      "INSERT INTO responsematrixgroup (name) VALUES ('mine')",
+                      "INSERT INTO responsematrix (name, ResponseMatrixGroupID) VALUES "
+                      "('Rarely', 13)"});
+        const bool named = name.endsWith(".plxs");
+        auto other = std::make_unique<Program>(program);
+        other->Edit(path);
+        const SurveySnapshot unsaved =
+            SurveySnapshot::Take(other->state.CurrentSurvey, *other->views.selected);
+        EXPECT_EQ(Kept().size(), 2);              // with its lock
+        EXPECT_FALSE(document.OfferRecovery({})); // that of a running program
+        other.reset();                            // gone, without a word
+
+        const QString what = named ? path : QString("A survey without a name");
+        dialogs.answers = {MsgAnswer::Cancel, MsgAnswer::Yes};
+        EXPECT_FALSE(document.OfferRecovery({}));
+        EXPECT_FALSE(document.OfferRecovery(program.Path("another.plxs")));
+        EXPECT_TRUE(document.OfferRecovery(named ? path : QString()));
+        const QStringList asked = dialogs.TakeTexts();
+        ASSERT_EQ(asked.size(), 2);
+        EXPECT_TRUE(asked[0].startsWith(what + " was not saved. Restore it? 3 questions, "));
+        EXPECT_EQ(SurveySnapshot::Take(Survey(), views.selected.value_or("")), unsaved);
+        EXPECT_TRUE(state.FileChanged());
+        EXPECT_EQ(views.Texts(), QStringList({"Survey", "1. First", "2. Which?", "3. Then"}));
+        EXPECT_EQ(EndsInTmp(state.CurrentFilename(), Qt::CaseSensitive), !named);
+        EXPECT_EQ(SqlRows(state.CurrentFilename(),
+                          "SELECT name FROM responsematrix WHERE ResponseMatrixGroupID = 13", 1),
+                  QStringList("Rarely"));
+        EXPECT_EQ(Kept().size(), 2); // now this program's
+
+        dialogs.fileNames = {{program.Path("saved-" + name + ".plxs")}};
+        EXPECT_TRUE(document.mnuFileSave_Click());
+        EXPECT_EQ(Kept(), QStringList());
+        document.DoClose();
+    }
+}
+
+TEST_F(RecoveryTest, WhatWasSavedOrLeftWithNoIsNotKept) {
+    const QString path = program.BlankSurvey("tea.plxs");
+    {
+        Program other(program);
+        other.Edit(path);
+        other.document.DoSave();
+        EXPECT_EQ(Kept(), QStringList());
+        other.Edit(program.BlankSurvey("coffee.plxs"));
+        dialogs.answers = {MsgAnswer::No};
+        EXPECT_TRUE(other.document.AskToSave(Qt::CaseSensitive));
+        other.document.DoClose();
+        EXPECT_EQ(Kept(), QStringList());
+        dialogs.TakeTexts();
+
+        // A question without a text is left without a question; its responses are not.
+        other.document.DoOpen(program.BlankSurvey("HC8.tmp"), true, 1);
+        clsSurvey& survey = other.state.CurrentSurvey;
+        const auto q = survey.GetQ(survey.AddQ("", kind::Radio, -1, 2));
+        other.state.MarkFileChanged();
+        Program::Wait();
+        EXPECT_EQ(Kept(), QStringList()); // blank
+        q->AddResponse("a", -1, -1, "");
+        EXPECT_TRUE(other.document.AskToSave(Qt::CaseSensitive));
+        other.document.End();
+        EXPECT_FALSE(QFile::exists(program.Path("HC8.tmp")));
+    }
+    dialogs.answers = {MsgAnswer::No};
+    EXPECT_FALSE(document.OfferRecovery({}));
+    EXPECT_TRUE(dialogs.TakeTexts().value(0).contains(" 1 question, "));
+    EXPECT_EQ(Kept(), QStringList());
+}
+
+TEST_F(RecoveryTest, AFileThatWasChangedSinceIsLeftAlone) {
+    const QString path = program.BlankSurvey("tea.plxs");
+    {
+        Program other(program);
+        other.Edit(path);
+    }
+    RunSql(path, {"INSERT INTO question (question, qtype, pos) VALUES ('since', 0, 1)"});
+    dialogs.answers = {MsgAnswer::Yes};
+    EXPECT_TRUE(document.OfferRecovery(path));
+    EXPECT_EQ(dialogs.TakeTexts().size(), 2);
+    EXPECT_EQ(Survey().QCount, 2);
+    EXPECT_TRUE(EndsInTmp(state.CurrentFilename(), Qt::CaseSensitive));
+}
+
+TEST_F(RecoveryTest, WhatLiesAboutIsBoundedAndNothingElseIsTaken) {
+    const auto leave = [&](int days) {
+        Recovery files(program.directory.path());
+        UnsavedSurvey survey;
+        survey.path = QString::number(days);
+        survey.when = QDateTime::currentDateTime().addDays(-days);
+        files.Keep(survey);
+        return survey.ToBytes();
+    };
+    const QByteArray whole = leave(31);
+    for (int days = 25; days > 0; --days)
+        leave(days);
+    QByteArray changed = whole;
+    changed[changed.size() - 1] = '!';
+    for (const QByteArray& bytes : {QByteArray(), whole.chopped(1), changed})
+        EXPECT_FALSE(UnsavedSurvey::FromBytes(bytes));
+    const auto found = Recovery(program.directory.path()).Search();
+    ASSERT_EQ(found.size(), std::size_t(Recovery::MostFiles));
+    EXPECT_EQ(found.front().survey.path, "1");
+    EXPECT_EQ(Kept().size(), 2 * Recovery::MostFiles); // each with its lock
 }

@@ -35,8 +35,7 @@ class Explore : public testing::Test {
     void Open(const char* name) {
         if (program_.state.SurveyConnection.IsOpen())
             program_.state.SurveyConnection.Close();
-        program_.state.CurrentFilename = program_.BlankSurvey(name);
-        program_.state.SurveyConnection.Open(program_.state.CurrentFilename);
+        program_.state.SurveyConnection.Open(program_.BlankSurvey(name));
     }
     template <typename Control> Control& Find(const char* name) {
         return *window_.findChild<Control*>(name);

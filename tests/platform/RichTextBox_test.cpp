@@ -11,6 +11,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include <array>
 #include <memory>
 #include <random>
@@ -323,4 +325,24 @@ TEST_F(RichTextBoxTest, TheProgramTakesTheFocusAwayQuietly) {
     EXPECT_TRUE(button->hasFocus());
     EXPECT_EQ(events, "");
     box->removeEventFilter(&handler);
+}
+
+// The document converts texts without a box and must get what the box would show.
+TEST(RichTextBox, PlainTextOfGivesWhatTheBoxGives) {
+    QStringList pieces =
+        QString::fromUtf8("{\\rtf1\\ansi |{|}|\\par |\\line |\\pard |\\tab |\\b |\\fs30 |\\u8364?|"
+                          "\\u-3?|\\'e9|\\~|\\-|{\\*\\x |{\\pntext\\'b7\\tab}|\\bullet |\\cell |"
+                          "\\bin3 |abc| |\r\n|\r|\n|\t|\f|\v|é日本🙂")
+            .split('|');
+    for (const char16_t unit : {0, 0xa0, 0xad, 0x2028, 0x2029, 0xd83d, 0xfdd0, 0xfeff, 0xfffc})
+        pieces << QString(QChar(unit));
+    std::mt19937 dice(7);
+    RichTextBox box;
+    for (int text = 0; text < 3000 && !HasFailure(); ++text) {
+        QString rtf = dice() % 4 == 0 ? QString() : pieces[0];
+        for (unsigned i = dice() % 25; i > 0; --i)
+            rtf += pieces[qsizetype(dice() % unsigned(pieces.size()))];
+        box.SetTextRTF(rtf);
+        EXPECT_EQ(box.Text(), PlainTextOf(rtf)) << qPrintable(rtf.toHtmlEscaped());
+    }
 }

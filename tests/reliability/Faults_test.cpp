@@ -72,10 +72,10 @@ class FaultTest : public testing::Test {
         QStringList tree;
         for (int i = 1; i <= nodes->Count(); ++i)
             tree << nodes->Item(i).Text();
-        const QString& open = session.state.CurrentFilename;
+        const QString& open = session.state.CurrentFilename();
         return {open,
                 session.Find<QLabel>("StatusBar")->text(),
-                session.state.FileChanged,
+                session.state.FileChanged(),
                 session.state.SurveyConnection.IsOpen(),
                 tree,
                 QDir(directory).entryList(QDir::Files | QDir::Hidden),
@@ -87,7 +87,7 @@ class FaultTest : public testing::Test {
     // Does something about the disk, runs the action and puts all right again. False if that could
     // not be done here.
     bool During(Fault fault, const std::function<void()>& action) {
-        const QString path = session.state.CurrentFilename;
+        const QString path = session.state.CurrentFilename();
         switch (fault) {
         case Fault::FileVanished:
         case Fault::DirectoryVanished: {
@@ -135,13 +135,10 @@ class Faults : public FaultTest, public testing::WithParamInterface<Action> {
         if (action == Action::DeleteRespondent) {
             EXPECT_EQ(told.takeFirst(), Session::Told(action).front());
         }
-        // When the copy can be made but not changed, opening the old file again is told as well.
-        if (action == Action::SaveAs && told.size() == 2) {
-            EXPECT_TRUE(told.takeLast().contains("is open already"));
-        }
         ASSERT_EQ(told.size(), 1) << told.join("\n").toStdString();
         const bool namesTarget = !WritesTheSurvey(action) || action == Action::SaveAs;
-        EXPECT_TRUE(told[0].contains(namesTarget ? session.target : session.state.CurrentFilename))
+        EXPECT_TRUE(
+            told[0].contains(namesTarget ? session.target : session.state.CurrentFilename()))
             << told[0].toStdString();
         EXPECT_TRUE(Look() == before) << "after: " << told[0].toStdString();
         if (action == Action::TurnPage) {
@@ -201,8 +198,9 @@ TEST_P(Faults, AreToldOnceAndLeaveAllAsItWas) {
             const Seen before = Look();
             if (During(fault, [&] { session.Act(action); })) {
                 const QStringList told = dialogs.TakeTexts();
-                // An open file whose name is gone can still be read.
-                if (fault == Fault::FileVanished && !WritesTheSurvey(action)) {
+                // An open file whose name is gone can still be read, and saved under another.
+                if (fault == Fault::FileVanished &&
+                    (!WritesTheSurvey(action) || action == Action::SaveAs)) {
                     ExpectDone(before, told);
                     return;
                 }
@@ -260,12 +258,14 @@ TEST_F(FaultTest, APageThatCannotBeReadTakesNoAnswer) {
         EXPECT_EQ(question(), "1. Why?");
         EXPECT_EQ(answers(), QStringList("1|because"));
 
-        RunSql(session.survey, {"ALTER TABLE question RENAME COLUMN questionno TO gone"});
+        // By the program's own connection: what others change in a design stops the entry.
+        Connection& file = session.state.SurveyConnection;
+        file.Run("UPDATE question SET qtype = 4294967297 WHERE pos = 2");
         answer->setPlainText("first");
         next->click();
         EXPECT_EQ(dialogs.TakeTexts().size(), 1);
         EXPECT_EQ(question(), "1. Why?");
-        RunSql(session.survey, {"ALTER TABLE question RENAME COLUMN gone TO questionno"});
+        file.Run("UPDATE question SET qtype = 1 WHERE pos = 2");
         answer->setPlainText("second");
         next->click();
         EXPECT_EQ(question(), "2. Which?");

@@ -25,7 +25,7 @@ std::string NameOf(Action action) {
 Session::Session(const QString& directory)
     : survey(directory + "/survey.plxs"), target(directory + "/target") {
     SetFailureReporter([this](const Failure& failure) {
-        dialogs.MsgBox(FailureText(failure, state.CurrentFilename), MsgIcon::Critical,
+        dialogs.MsgBox(FailureText(failure, state.CurrentFilename()), MsgIcon::Critical,
                        MsgButtons::Ok);
     });
     QDir().mkpath(directory);

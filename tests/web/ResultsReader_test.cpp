@@ -77,7 +77,7 @@ TEST_F(Results, AnswersOfEveryKindBecomeRows) {
     ASSERT_EQ(program.dialogs.shown.size(), 1U);
     EXPECT_EQ(program.dialogs.shown[0].icon, MsgIcon::Information);
     EXPECT_EQ(program.dialogs.TakeTexts(), QStringList(Told(3)));
-    EXPECT_FALSE(program.state.FileChanged);
+    EXPECT_FALSE(program.state.FileChanged());
 }
 
 TEST_F(Results, LinesAreTakenAsTheyStand) {

@@ -235,6 +235,25 @@ std::int64_t Connection::Count(const char* sql, std::initializer_list<DbValue> v
     return WholeOf(lease.Statement().statement, 0);
 }
 
+void Connection::CopyTo(Connection& target) {
+    sqlite3* const from = RequireOpen().Raw();
+    Handle& to = target.RequireOpen();
+    sqlite3_backup* const copy = sqlite3_backup_init(to.Raw(), "main", from, "main");
+    if (!copy)
+        to.Fail();
+    sqlite3_backup_step(copy, -1);
+    if (sqlite3_backup_finish(copy) != SQLITE_OK)
+        to.Fail();
+}
+
+std::int64_t Connection::DataVersion() {
+    return Count("PRAGMA data_version");
+}
+
+std::int64_t Connection::OwnChanges() const {
+    return sqlite3_total_changes64(RequireOpen().Raw());
+}
+
 // --- TableInsert ---
 
 struct TableInsert::State {
@@ -269,7 +288,7 @@ std::int64_t TableInsert::Add(std::initializer_list<DbValue> values) {
 
 // --- WriteBatch ---
 
-WriteBatch::WriteBatch(Connection& connection) {
+WriteBatch::WriteBatch(Connection& connection, OnFailure onFailure) : onFailure_(onFailure) {
     if (connection.RequireOpen().inBatch) {
         done_ = true;
         return;
@@ -281,6 +300,10 @@ WriteBatch::WriteBatch(Connection& connection) {
 WriteBatch::~WriteBatch() {
     if (done_)
         return;
+    if (onFailure_ == OnFailure::TakeBack) {
+        handle_->RollBack();
+        return;
+    }
     try {
         Commit();
     } catch (const std::exception&) {
@@ -297,6 +320,15 @@ void WriteBatch::Commit() {
     } else if (handle_->batchFailure) {
         throw *handle_->batchFailure; // the connection was closed and could not keep the batch
     }
+}
+
+void RequireWritable(Connection& connection) {
+    const WriteBatch attempt(connection, WriteBatch::OnFailure::TakeBack);
+    connection.Run("UPDATE version SET version = version");
+}
+
+bool IsBusy(const Failure& failure) {
+    return failure.Source() == "SQLite" && (failure.Number() & 0xff) == SQLITE_BUSY;
 }
 
 void SettleJournal(const QString& path) {

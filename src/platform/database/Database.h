@@ -12,6 +12,8 @@
 #include <string>
 #include <variant>
 
+#include "platform/base/Failure.h"
+
 struct sqlite3_stmt;
 
 namespace pollarix {
@@ -92,6 +94,9 @@ class Connection {
     // tables in it. Fails with InvalidArgument when the connection is open already.
     void Open(const QString& path, Mode mode = Mode::ReadWrite);
     bool IsOpen() const;
+    // What a text may have, in bytes of UTF-8, together with what else its row holds. Nobody writes
+    // a text that long; a file that holds one ends in a message, not in want of memory.
+    static constexpr std::int64_t LongestText = 64 << 20;
     // Closes; open recordsets become unusable (AtEnd). Throws NoObject when not open. A batch that
     // is under way is committed first; when that fails the connection is closed all the same and
     // the failure thrown, and once more by the batch's Commit. Whoever must not lose what it holds
@@ -106,6 +111,16 @@ class Connection {
     std::int64_t Run(const char* sql, std::initializer_list<DbValue> values = {});
     // The first field of the first row as a whole number; throws NoCurrentRecord without a row.
     std::int64_t Count(const char* sql, std::initializer_list<DbValue> values = {});
+
+    // Copies the whole database, as it is at one moment, into the one that `target` is open on and
+    // whose content goes. Also reads a file whose name is gone or belongs to another by now.
+    void CopyTo(Connection& target);
+    // What another connection's commit changes: two calls that give the same number have seen the
+    // same content, but for this connection's own writes, which OwnChanges counts.
+    std::int64_t DataVersion();
+    std::int64_t OwnChanges() const;
+    // Both go on with the other's file. What was read of it before becomes unusable.
+    void Swap(Connection& other) { handle_.swap(other.handle_); }
 
     struct Handle;
     Handle& RequireOpen() const;
@@ -139,13 +154,16 @@ class TableInsert {
 
 // Groups the statements of one user action into one commit. Nested batches belong to the outermost.
 // When the scope is left without Commit, by a failure say, what was written so far is committed: an
-// action that fails leaves the file as far as it got. At a crash the file holds all of the action
+// action that fails leaves the file as far as it got. Where that is not wanted, the batch is made
+// to take everything back, and the file is as it was. At a crash the file holds all of the action
 // or none of it. Some failures (a full disk, a broken one) make the database itself take the whole
 // batch back: then nothing more is written in it and Commit throws that failure.
 class WriteBatch {
   public:
+    enum class OnFailure { Keep, TakeBack };
+
     // Takes the file's write lock; throws "database is locked" when another program holds it.
-    explicit WriteBatch(Connection& connection);
+    explicit WriteBatch(Connection& connection, OnFailure onFailure = OnFailure::Keep);
     ~WriteBatch();
     WriteBatch(const WriteBatch&) = delete;
     WriteBatch& operator=(const WriteBatch&) = delete;
@@ -156,8 +174,16 @@ class WriteBatch {
 
   private:
     std::shared_ptr<Connection::Handle> handle_;
+    OnFailure onFailure_ = OnFailure::Keep;
     bool done_ = false;
 };
+
+// Tries whether the file can be written, without changing it: throws as a write does that the file,
+// its directory or the disk refuses.
+void RequireWritable(Connection& connection);
+
+// True for a failure that says no more than that another program holds the file just now.
+bool IsBusy(const Failure& failure);
 
 // To be called before a file at this path is replaced by another: finishes what a crash cut off in
 // the one that is there, if it is a database. What was left of that beside it would else be taken

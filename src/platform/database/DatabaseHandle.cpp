@@ -16,8 +16,6 @@ namespace {
 
 constexpr int BusyTimeoutMs = 2000;
 constexpr std::size_t MostStatements = 256;
-// Nobody writes a text that long. A file that holds one ends in a message, not in want of memory.
-constexpr int LongestText = 64 << 20;
 
 Failure FailureOf(const SQLite::Exception& failure) {
     return Failure(failure.getExtendedErrorCode(), QString::fromUtf8(failure.what()), "SQLite");
@@ -110,7 +108,7 @@ void Connection::Handle::Configure(Mode mode) {
     sqlite3_db_config(raw, SQLITE_DBCONFIG_ENABLE_FKEY, 0, nullptr);
     sqlite3_limit(raw, SQLITE_LIMIT_ATTACHED, 0);
     if (mode != Mode::ReadWriteTrusted)
-        sqlite3_limit(raw, SQLITE_LIMIT_LENGTH, LongestText);
+        sqlite3_limit(raw, SQLITE_LIMIT_LENGTH, static_cast<int>(LongestText));
     database->exec("PRAGMA cell_size_check = ON");
     database->exec("PRAGMA synchronous = FULL");
     database->exec("PRAGMA cache_size = -32000"); // KB; a large import then seldom spills
@@ -289,6 +287,13 @@ void Connection::Handle::Commit() {
     if (!sqlite3_get_autocommit(Raw()))
         sqlite3_exec(Raw(), "ROLLBACK", nullptr, nullptr, nullptr);
     throw failed;
+}
+
+void Connection::Handle::RollBack() noexcept {
+    inBatch = false;
+    batchFailure.reset();
+    if (IsOpen() && !sqlite3_get_autocommit(Raw()))
+        sqlite3_exec(Raw(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 void Connection::Handle::Fail() {

@@ -59,6 +59,7 @@ struct Connection::Handle {
     void Begin();
     // Ends the batch; what can't be committed is rolled back and the failure thrown.
     void Commit();
+    void RollBack() noexcept;
     // Throws what SQLite says, and notes when it has rolled back the batch.
     [[noreturn]] void Fail();
 

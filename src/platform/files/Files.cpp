@@ -10,6 +10,7 @@
 
 #ifdef Q_OS_UNIX
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #endif
 
@@ -125,6 +126,21 @@ void WholeFile::Finish() {
         Refuse(path_, file_.errorString());
 }
 
+std::optional<FileState> StateOfFile(const QString& path) {
+#ifdef Q_OS_UNIX
+    struct stat status {};
+    if (stat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return FileState{status.st_dev, status.st_ino, status.st_size,
+                     status.st_mtim.tv_sec * 1'000'000'000LL + status.st_mtim.tv_nsec};
+#else
+    const QFileInfo info(path);
+    if (!info.exists())
+        return std::nullopt;
+    return FileState{0, 0, info.size(), info.lastModified().toMSecsSinceEpoch() * 1'000'000};
+#endif
+}
+
 void CopyFileOver(const QString& from, const QString& to) {
     RequireTwoFiles(from, to);
     WholeFile out(to);
@@ -132,41 +148,22 @@ void CopyFileOver(const QString& from, const QString& to) {
     out.Finish();
 }
 
-PendingCopy::PendingCopy(const QString& from, const QString& to) : target_(to) {
-    RequireTwoFiles(from, to);
-    RequireWritable(to);
-    // A link is kept, and what it leads to replaced.
-    if (const QString real = QFileInfo(to).canonicalFilePath(); !real.isEmpty())
+PendingFile::PendingFile(const QString& target) : target_(target) {
+    RequireWritable(target);
+    if (const QString real = QFileInfo(target).canonicalFilePath(); !real.isEmpty())
         target_ = real;
-    const QFileInfo target(target_);
-    const QString name = NewTempFileName(target.absolutePath(), target.fileName() + '-');
-    try {
-        QFile out(name);
-        if (!out.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
-            Refuse(to, out.errorString());
-        if (target.exists())
-            out.setPermissions(target.permissions());
-        ReadBlocks(from, [&](const QByteArray& block) {
-            for (qint64 done = 0; done < block.size();) {
-                const qint64 written = out.write(block.constData() + done, block.size() - done);
-                if (written <= 0)
-                    Refuse(to, out.errorString());
-                done += written;
-            }
-        });
-    } catch (...) {
-        QFile::remove(name);
-        throw;
-    }
-    path_ = name;
+    const QFileInfo replaced(target_);
+    path_ = NewTempFileName(replaced.absolutePath(), replaced.fileName() + '-');
+    if (replaced.exists())
+        QFile(path_).setPermissions(replaced.permissions());
 }
 
-PendingCopy::~PendingCopy() {
+PendingFile::~PendingFile() {
     if (!path_.isEmpty())
         QFile::remove(path_);
 }
 
-void PendingCopy::Finish() {
+void PendingFile::Finish() {
     SyncToDisk(path_);
     std::error_code why;
     std::filesystem::rename(EncodedPath(path_), EncodedPath(target_), why);

@@ -5,6 +5,9 @@
 #include <QSaveFile>
 #include <QString>
 
+#include <cstdint>
+#include <optional>
+
 namespace pollarix {
 
 // A new empty file in the directory: the prefix, a number that no file there has, ".tmp". Gives its
@@ -21,15 +24,16 @@ bool IsSameFile(const QString& one, const QString& other);
 // and anything the system says; the path is named.
 void CopyFileOver(const QString& from, const QString& to);
 
-// A copy of a file that lies beside its later name until it is finished, so that it can be changed
-// first. Removed when it is not finished.
-class PendingCopy {
+// A new empty file that lies beside its later name until it is finished, for what is written by
+// others than WholeFile. Removed when it is not finished.
+class PendingFile {
   public:
-    // Throws as CopyFileOver does, and PathOrFileAccess naming the directory that takes no file.
-    PendingCopy(const QString& from, const QString& to);
-    ~PendingCopy();
-    PendingCopy(const PendingCopy&) = delete;
-    PendingCopy& operator=(const PendingCopy&) = delete;
+    // A target that is a link is kept, and what it leads to replaced. Throws PathOrFileAccess for a
+    // target that may not be written, and naming the directory that takes no file.
+    explicit PendingFile(const QString& target);
+    ~PendingFile();
+    PendingFile(const PendingFile&) = delete;
+    PendingFile& operator=(const PendingFile&) = delete;
 
     const QString& Path() const { return path_; }
     // Replaces the target in one step, which is on the disk when it returns. Throws
@@ -40,6 +44,21 @@ class PendingCopy {
     QString target_;
     QString path_;
 };
+
+// Which file lies under a name, and as of when: two that are equal were one file that nobody wrote
+// in between.
+struct FileState {
+    std::uint64_t device = 0;
+    std::uint64_t inode = 0;
+    std::int64_t size = 0;
+    std::int64_t changed = 0; // nanoseconds
+    bool IsSameFile(const FileState& other) const {
+        return device == other.device && inode == other.inode;
+    }
+    bool operator==(const FileState&) const = default;
+};
+// None when there is no such file. Links are followed.
+std::optional<FileState> StateOfFile(const QString& path);
 
 // Writes a file piece by piece, in bounded memory and in the same way: only Finish replaces the
 // target, and without it the target keeps its old content. A target that is there and no regular
