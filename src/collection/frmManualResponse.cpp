@@ -161,8 +161,8 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const Recordset row = state_.SurveyConnection.Execute(
         "SELECT id, question, questionno, qtype FROM question WHERE pos = ?",
         {entry_.CurrentPosition});
-    isRead_ = true;
-    if (row.AtEnd())
+    isRead_ = row.AtEnd();
+    if (isRead_)
         return false;
     const std::int64_t id = row.Integer("id");
     const std::int32_t qtype = Narrow32(row.Integer("qtype"));
@@ -170,6 +170,8 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const QString number = row.NullToString("questionno");
     if (qtype != kind::Text && !number.isEmpty())
         text.prepend(number + ". ");
+    // From here on this page is the one on the screen, however far it gets.
+    isRead_ = true;
     lblDCQuestion_->setText(Shortened(text, LongestQuestion));
     scrollDCQuestion_->verticalScrollBar()->setValue(0);
     entry_.CurrentQType = qtype;
