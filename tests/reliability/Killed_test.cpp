@@ -61,6 +61,16 @@ QByteArray ContentOf(const QString& path) {
     return digest.result().toHex();
 }
 
+// Keeps windows from being painted: the toolkit may do that in threads, and of those a copy of the
+// process has none.
+class Unpainted : public QObject {
+  public:
+    bool eventFilter(QObject*, QEvent* event) override {
+        return event->type() == QEvent::Paint || event->type() == QEvent::UpdateRequest ||
+               event->type() == QEvent::Expose;
+    }
+};
+
 class Killed : public testing::Test {
   protected:
     // In memory, where there is such a disk: nothing is lost from it by a kill, and no time by
@@ -87,6 +97,8 @@ class Killed : public testing::Test {
     bool Do(Action action, const QString& survey, long killAt) {
         const pid_t child = fork();
         if (child == 0) {
+            Unpainted unpainted;
+            qApp->installEventFilter(&unpainted);
             session.Open(survey);
             // So that pages reach the file before the commit, as in a large import.
             session.state.SurveyConnection.Execute("PRAGMA cache_size = 5");
