@@ -22,6 +22,6 @@ POLLARIX_SERVER=$PWD/build/$preset/bin/pollarix-server
 export POLLARIX_SERVER
 # One file after the other: each has a server and a browser of its own.
 for tests in form holder; do
-    timeout 1200 node --test --test-reporter=spec "tests/browser/$tests.test.mjs" || failed=1
+    timeout 1200 node --test --test-reporter=tap "tests/browser/$tests.test.mjs" || failed=1
 done
 exit "${failed:-0}"

@@ -1,7 +1,6 @@
 #include "platform/controls/RichTextBox.h"
 
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QInputMethodEvent>
 #include <QMimeData>
 #include <QPushButton>
@@ -177,21 +176,18 @@ TEST_F(RichTextBoxTest, LinesBeyondAllLengthStayTheirOwnThroughAllEdits) {
     EXPECT_EQ(copied->text(), model);
 }
 
-// A key with a million letters in the box: far below what the eye sees, were the machine not busy.
-TEST_F(RichTextBoxTest, AKeyInAMillionLettersWithoutABlankIsQuick) {
+// What keeps a key quick there: no block of the layout is long, however the text came.
+TEST_F(RichTextBoxTest, AMillionLettersWithoutABlankAreLaidOutInShortBlocks) {
     box->SetText({});
     QMimeData pasted;
     pasted.setText(QString(1000000, 'x'));
-    QElapsedTimer elapsed;
-    elapsed.start();
     box->insertFromMimeData(&pasted);
-    EXPECT_LT(elapsed.elapsed(), 5000);
     box->SetSelStart(500000);
-    elapsed.start();
     for (int key = 0; key < 10; ++key)
         QTest::keyClick(box, Qt::Key_A);
-    EXPECT_LT(elapsed.elapsed() / 10, 200);
     EXPECT_EQ(box->Text().size(), 1000010);
+    for (auto block = box->document()->begin(); block.isValid(); block = block.next())
+        ASSERT_LT(block.length(), 12000);
 }
 
 TEST_F(RichTextBoxTest, KeysAreToldBeforeAndAfterTheBoxActs) {

@@ -2,7 +2,6 @@
 #include "web/WebPublishWizard.h"
 
 #include <QClipboard>
-#include <QElapsedTimer>
 #include <QPointer>
 
 #include "WebWizard.h"
@@ -271,11 +270,8 @@ TEST_F(Publish, WhatIsPressedWhileACallWaitsActsBeforeTheNextBox) {
         EXPECT_FALSE(upload->isVisible());
         EXPECT_GT(ticks, 3);
     };
-    QElapsedTimer elapsed;
-    elapsed.start();
     RunWizard();
     EXPECT_EQ(dialogs.shown.size(), 1u);
-    EXPECT_LT(elapsed.elapsed(), 10000);
 }
 
 TEST_F(Publish, TheLastPageOffersTheAddressAsALinkOnlyIfItIsOne) {
