@@ -32,6 +32,9 @@ DbValue ToNumber(std::string_view bytes) {
     return ToText(bytes);
 }
 
+// Some milliseconds of work.
+constexpr std::int64_t LinesBetweenProgress = 256;
+
 class Importer {
   public:
     explicit Importer(Connection& file) : file_(file) {}
@@ -160,7 +163,7 @@ class Importer {
 
 } // namespace
 
-void DoLoadXML(ApplicationState& state, const QString& path) {
+bool DoLoadXML(ApplicationState& state, const QString& path, const ImportProgress& progress) {
     ResultsLines lines(path);
     if (!state.MayWrite())
         throw Failure(failure::PathOrFileAccess,
@@ -169,13 +172,20 @@ void DoLoadXML(ApplicationState& state, const QString& path) {
     {
         WriteBatch batch(state.SurveyConnection);
         Importer importer(state.SurveyConnection);
-        while (lines.Next())
+        for (std::int64_t line = 1; lines.Next(); ++line) {
             importer.Take(lines);
+            if (progress && line % LinesBetweenProgress == 0 &&
+                !progress(importer.Count(), lines.Position(), lines.Size())) {
+                batch.TakeBack();
+                return false;
+            }
+        }
         count = importer.Count();
         batch.Commit();
     }
     state.dialogs.MsgBox("Successfully imported " + QString::number(count) + " respondent(s).",
                          MsgIcon::Information);
+    return true;
 }
 
 } // namespace pollarix

@@ -1,5 +1,6 @@
 #include "web/WizardProgressPage.h"
 
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -38,6 +39,10 @@ WizardProgressPage::WizardProgressPage(WizardRun& run, const char* name, const Q
     AddLabelled("Label3", progressLabel, ProgressBar1_);
     Body().addSpacing(6);
     AddLabelled("Label1", "Messages:", txtMessages_);
+    lblDetail_ = new QLabel(this);
+    lblDetail_->setObjectName("lblDetail");
+    lblDetail_->setTextFormat(Qt::PlainText);
+    Body().addWidget(lblDetail_);
     cmdNext_->setEnabled(false); // until the run has succeeded
     setFocus();                  // no button is pressed by chance
 }
@@ -59,6 +64,10 @@ void WizardProgressPage::UP(const QString& message) {
     if (ProgressBar1_->value() < ProgressBar1_->maximum())
         ProgressBar1_->setValue(ProgressBar1_->value() + 1);
     DoEvents();
+}
+
+void WizardProgressPage::ShowDetail(const QString& text) {
+    lblDetail_->setText(text);
 }
 
 void WizardProgressPage::OfferNext() {

@@ -1,15 +1,23 @@
 #include "web/frmWizWebCollect_Download.h"
 
+#include <QElapsedTimer>
+#include <QLocale>
+
 #include <exception>
 
 #include "platform/base/Handlers.h"
-#include "platform/base/Windows1252.h"
 #include "platform/desktop/HourGlass.h"
-#include "platform/files/Files.h"
 #include "web/ResultsReader.h"
 #include "web/ServerList.h"
 
 namespace pollarix {
+
+namespace {
+
+// How often the import shows how far it is, and lets the window live.
+constexpr qint64 ShowEveryMs = 50;
+
+} // namespace
 
 frmWizWebCollect_Download::frmWizWebCollect_Download(WizardRun& run, WebServices services,
                                                      CollectState& collect, QWidget* parent)
@@ -56,7 +64,8 @@ bool frmWizWebCollect_Download::Collect() {
     UP("Downloaded results file.");
 
     UP("Importing results file " + fileName + ".");
-    DoLoadXML(services_.state, localPath);
+    if (!Import(localPath))
+        return false;
     UP("Imported results file.");
 
     const MsgAnswer answer =
@@ -76,13 +85,28 @@ bool frmWizWebCollect_Download::Collect() {
     return true;
 }
 
+bool frmWizWebCollect_Download::Import(const QString& localPath) {
+    QElapsedTimer sinceShown;
+    sinceShown.start();
+    const bool imported = DoLoadXML(
+        services_.state, localPath, [&](int respondents, std::int64_t bytes, std::int64_t size) {
+            if (sinceShown.elapsed() >= ShowEveryMs) {
+                const QLocale locale;
+                ShowDetail(QString("%1 respondents, %2 % of the file. Cancel takes them back.")
+                               .arg(locale.toString(respondents))
+                               .arg(size > 0 ? bytes * 100 / size : 100));
+                DoEvents();
+                sinceShown.restart();
+            }
+            return !HasLeft();
+        });
+    ShowDetail({});
+    return imported;
+}
+
 bool frmWizWebCollect_Download::Fetch(const QString& fileName, const QString& base,
                                       const QString& localPath) {
-    const QString results = services_.server.GetSurveyResults(fileName, base);
-    if (results.isEmpty())
-        return false;
-    WriteWholeFile(localPath, ToWindows1252(results));
-    return true;
+    return services_.server.GetSurveyResults(fileName, base, localPath);
 }
 
 } // namespace pollarix

@@ -18,6 +18,9 @@ class frmWizWebCollect_Download : public WizardProgressPage {
     void Timer1_Timer() override;
     // False for a failure that has been told already.
     bool Collect();
+    // Imports the local file; false when the page was left meanwhile, and then nothing was
+    // imported.
+    bool Import(const QString& localPath);
     // Fetches the results file into the local one; false when there is none.
     bool Fetch(const QString& fileName, const QString& base, const QString& localPath);
 

@@ -3,12 +3,11 @@
 #include <QFile>
 #include <QStringList>
 
-#include <algorithm>
-#include <limits>
 #include <utility>
 
 #include "platform/base/Failure.h"
 #include "platform/base/Windows1252.h"
+#include "platform/files/Files.h"
 
 namespace pollarix {
 
@@ -18,7 +17,11 @@ constexpr int ValuePosition = 12; // from 1, behind "Success<br>"
 
 // What is read of a reply that holds one value: more than a value may take.
 constexpr qint64 LongestValueReply = 1 << 16; // bytes
-constexpr qint64 LongestDocument = std::numeric_limits<qint64>::max();
+
+[[noreturn]] void ThrowUnreadable(const QFile& file) {
+    throw Failure(failure::PathOrFileAccess,
+                  QString("Can't read %1: %2").arg(file.fileName(), file.errorString()));
+}
 
 } // namespace
 
@@ -56,11 +59,9 @@ QString modWebServer::GetSurveyName(const QString& surveyId, const QString& base
     return CallForValue("GetSurveyName", {surveyId}, base);
 }
 
-QString modWebServer::GetSurveyResults(const QString& fileName, const QString& base) {
-    QString document;
-    if (!Download("GetSurveyResults", {fileName}, base) || !ServerGetDocument(document))
-        return {};
-    return document;
+bool modWebServer::GetSurveyResults(const QString& fileName, const QString& base,
+                                    const QString& localPath) {
+    return Download("GetSurveyResults", {fileName}, base) && ServerGetDocument(localPath);
 }
 
 bool modWebServer::DeleteSurveyResultsFile(const QString& userId, std::int16_t surveyId,
@@ -70,7 +71,7 @@ bool modWebServer::DeleteSurveyResultsFile(const QString& userId, std::int16_t s
 }
 
 bool modWebServer::ServerGetValue(QString& value) {
-    const QString body = ReplyBody(LongestValueReply);
+    const QString body = ReplyBeginning();
     if (!body.startsWith(u"Success")) {
         LastServerError = body;
         return false;
@@ -90,14 +91,26 @@ bool modWebServer::ServerGetValue(QString& value) {
     return true;
 }
 
-bool modWebServer::ServerGetDocument(QString& document) {
-    const QString body = ReplyBody(LongestDocument);
-    if (body.startsWith(u"Failure")) {
-        LastServerError = body;
+bool modWebServer::ServerGetDocument(const QString& localPath) {
+    const QString beginning = ReplyBeginning();
+    if (beginning.startsWith(u"Failure")) {
+        LastServerError = beginning;
         return false;
     }
     LastServerError = "Success";
-    document = body;
+    if (beginning.isEmpty())
+        return false;
+    QFile reply(directories_.InUser("result.htm"));
+    if (!reply.open(QIODevice::ReadOnly))
+        ThrowUnreadable(reply);
+    WholeFile local(localPath);
+    QByteArray block(1 << 16, Qt::Uninitialized);
+    for (qint64 read = 0; (read = reply.read(block.data(), block.size())) != 0;) {
+        if (read < 0)
+            ThrowUnreadable(reply);
+        local.Write(QByteArrayView(block).first(read));
+    }
+    local.Finish();
     return true;
 }
 
@@ -127,12 +140,11 @@ std::int16_t modWebServer::CallForId(const QString& function, const QStringList&
     return ToNumber16(value);
 }
 
-QString modWebServer::ReplyBody(qint64 most) const {
+QString modWebServer::ReplyBeginning() const {
     QFile file(directories_.InUser("result.htm"));
     if (!file.open(QIODevice::ReadOnly))
-        throw Failure(failure::PathOrFileAccess,
-                      QString("Can't read %1: %2").arg(file.fileName(), file.errorString()));
-    return FromWindows1252(file.read(std::min(most, file.size())));
+        ThrowUnreadable(file);
+    return FromWindows1252(file.read(LongestValueReply));
 }
 
 } // namespace pollarix

@@ -34,14 +34,15 @@ class modWebServer {
     // The ids joined by ",".
     QString GetSurveyListForUser(const QString& userId, const QString& base);
     QString GetSurveyName(const QString& surveyId, const QString& base);
-    // The results file as it stands.
-    QString GetSurveyResults(const QString& fileName, const QString& base);
+    // The results file as it stands goes into the local file, which is replaced only by a whole
+    // one; false also for an empty one. In blocks, since it may be of any size.
+    bool GetSurveyResults(const QString& fileName, const QString& base, const QString& localPath);
     bool DeleteSurveyResultsFile(const QString& userId, std::int16_t surveyId, const QString& base);
 
     // Read the reply file and set LastServerError; true when the reply is accepted, and then with
     // what it holds. Throw as told above.
     bool ServerGetValue(QString& value);
-    bool ServerGetDocument(QString& document);
+    bool ServerGetDocument(const QString& localPath);
 
   private:
     bool Download(const QString& function, const QStringList& parameters, const QString& base);
@@ -49,7 +50,7 @@ class modWebServer {
                          const QString& base);
     std::int16_t CallForId(const QString& function, const QStringList& parameters,
                            const QString& base);
-    QString ReplyBody(qint64 most) const; // at most so many bytes of it
+    QString ReplyBeginning() const; // as much as a value may take
 
     wininet& net_;
     Directories directories_;

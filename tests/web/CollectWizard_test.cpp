@@ -146,6 +146,22 @@ TEST_P(Collect, TellsWhatHappensAndAsksTheServerNothingElse) {
 INSTANTIATE_TEST_SUITE_P(Runs, Collect, testing::ValuesIn(Cases),
                          [](const auto& run) { return run.param.name; });
 
+TEST_F(Collect, CancelInTheMiddleOfAnImportTakesItBack) {
+    server.Answer("GetWebUserID", ServerReply::Success("17"));
+    server.Answer("GetSurveyListForUser", ServerReply::Success("12"));
+    server.Answer("GetSurveyName", ServerReply::Success("Canteen"));
+    server.Answer("GetSurveyResults", {.body = TwoRespondents.repeated(100)});
+    GoToLogin();
+    On("frmWizWebCollect_Login", LogInOn);
+    Press("frmWizWebCollect_SelectSurvey");
+    On(
+        "frmWizWebCollect_Download", [](QDialog& page) { Click(page, "cmdCancel"); }, Got[2]);
+    RunWizard();
+    EXPECT_EQ(Rows(), QStringList());
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+    EXPECT_EQ(server.Calls().last(), Results);
+}
+
 TEST_F(Collect, TheLoginIsTriedOnItsPage) {
     server.Answer("GetWebUserID", {.body = "Wrong password"});
     server.Answer("GetWebUserID", {.body = "Success<br>17"}); // cut short: nothing catches it

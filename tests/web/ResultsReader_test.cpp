@@ -134,6 +134,27 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     EXPECT_EQ(Taken(), taken);
 }
 
+TEST_F(Results, AnImportThatIsStoppedTakesEverythingBack) {
+    QFile file(program.Path("3-7.txt"));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    for (int block = 0; block < 1000; ++block)
+        file.write(Block(Record("5", "1", Values({"51"}))));
+    file.close();
+    int told = 0;
+    const auto progress = [&](int respondents, std::int64_t bytes, std::int64_t size) {
+        EXPECT_EQ(size, file.size());
+        EXPECT_NEAR(double(bytes) / size, respondents / 1000.0, 0.01);
+        return ++told != 3;
+    };
+    EXPECT_FALSE(DoLoadXML(program.state, file.fileName(), progress));
+    EXPECT_EQ(told, 3);
+    EXPECT_EQ(program.dialogs.TakeTexts(), QStringList());
+    EXPECT_EQ(Taken(), QStringList());
+    EXPECT_TRUE(DoLoadXML(program.state, file.fileName(), progress));
+    EXPECT_EQ(program.dialogs.TakeTexts(), QStringList(Told(1000)));
+    EXPECT_EQ(Taken().size(), 2000);
+}
+
 // Whatever a file holds, and wherever its blocks end, each line says what it says when the whole
 // file is looked at in one piece.
 TEST_F(Results, BlocksChangeNothing) {

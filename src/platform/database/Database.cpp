@@ -301,7 +301,7 @@ WriteBatch::~WriteBatch() {
     if (done_)
         return;
     if (onFailure_ == OnFailure::TakeBack) {
-        handle_->RollBack();
+        TakeBack();
         return;
     }
     try {
@@ -309,6 +309,11 @@ WriteBatch::~WriteBatch() {
     } catch (const std::exception&) {
         // What brought us here is the failure to tell, and it is on its way already.
     }
+}
+
+void WriteBatch::TakeBack() {
+    done_ = true;
+    handle_->RollBack();
 }
 
 void WriteBatch::Commit() {

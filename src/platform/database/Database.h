@@ -171,6 +171,9 @@ class WriteBatch {
     // Ends the batch and writes it; throws if the file can't take it, and then nothing of the batch
     // is in the file.
     void Commit();
+    // Ends the batch and leaves the file as it was; in a nested batch, as it was before the
+    // outermost.
+    void TakeBack();
 
   private:
     std::shared_ptr<Connection::Handle> handle_;
