@@ -1,12 +1,16 @@
 // The small windows around the main one: splash, tips, about box; and what the start shows of them.
 #include <QCheckBox>
+#include <QDir>
 #include <QElapsedTimer>
 #include <QLabel>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include "document/Kinds.h"
+#include "document/SurveyDocument.h"
 #include "platform/base/Handlers.h"
+#include "platform/controls/TreeView.h"
 #include "platform/files/Files.h"
 #include "shell/Attendant.h"
 #include "shell/MainBas.h"
@@ -14,6 +18,7 @@
 #include "shell/frmSplash.h"
 #include "shell/frmTip.h"
 #include "shell/help/HelpWindow.h"
+#include "support/FakeViews.h"
 #include "support/NumberOf.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -40,6 +45,11 @@ struct TipProgram {
         return settings.GetSetting(TipsApplication(), "Options", key, "none");
     }
 };
+
+// The recovery files of a program.
+QStringList Kept(const TestState& program) {
+    return QDir(program.directory.path()).entryList({"*.recovery"}, QDir::Files);
+}
 
 QString TextOf(const frmTip& window) {
     return window.findChild<QLabel*>("lblTipText")->text();
@@ -156,6 +166,61 @@ TEST(StartUp, TheFirstStartAsksAndTheSecondDoesNot) {
     EXPECT_EQ(user.seen, QStringList("frmSplash"));
     EXPECT_EQ(program.dialogs.TakeTexts().size(), 1);
     EXPECT_EQ(program.settings.GetSetting("Quillmark", "Config", "FirstRun", ""), "False");
+}
+
+TEST(StartUp, WhatWasNotSavedIsOfferedBeforeTheTip) {
+    for (const bool named : {true, false}) {
+        SCOPED_TRACE(named);
+        TestState program;
+        const QString path = program.BlankSurvey(named ? "tea.plxs" : "HC1.tmp");
+        RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
+                      "('Tea?', '1', 0, 1)"});
+        const auto state = [&program] {
+            return ApplicationState(program.state.directories, program.settings, program.dialogs);
+        };
+        {
+            // A program that goes down with a second question, not saved.
+            ApplicationState other = state();
+            FakeViews views;
+            SurveyDocument document(other, views, 20);
+            document.DoOpen(path, true, 1);
+            other.CurrentSurvey.AddQ("And why?", kind::OpenEnded, -1, 2);
+            views.editor = "And why?";
+            other.MarkFileChanged();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !Kept(program).isEmpty(); }));
+        }
+        program.settings.SaveSetting("Quillmark", "Config", "FirstRun", "False");
+        Attendant user;
+        const auto start = [&](MsgAnswer answer, bool comesBack) {
+            user.seen.clear();
+            program.dialogs.answers = {answer};
+            program.dialogs.onBox = [&] { user.seen << "question"; };
+            ApplicationState next = state();
+            frmMain window(next);
+            StartUp(next, window, {});
+            program.dialogs.onBox = {};
+            EXPECT_EQ(user.seen, QStringList({"frmSplash", "question", "frmTip"}));
+            QStringList asked = program.dialogs.TakeTexts();
+            ASSERT_EQ(asked.size(), 1);
+            EXPECT_TRUE(asked[0].startsWith((named ? path : QString("A survey without a name")) +
+                                            " was not saved. Restore it? 2 questions, "))
+                << asked[0].toStdString();
+            auto& tree = *window.findChild<TreeView*>("tvTreeView");
+            EXPECT_EQ(tree.Count(), comesBack ? 3 : 2);
+            EXPECT_EQ(tree.Item(2).Text(), comesBack ? "1. Tea?" : "1. <Text not yet entered>");
+            EXPECT_EQ(window.findChild<QLabel*>("StatusBar")->text(),
+                      named && comesBack ? path : QString());
+            EXPECT_EQ(SqlRows(path, "SELECT question FROM question", 1), QStringList("Tea?"));
+            // What was restored is changed; the program is gone then without an answer.
+            program.dialogs.answers = {MsgAnswer::Cancel};
+            EXPECT_EQ(window.close(), !comesBack);
+            EXPECT_EQ(program.dialogs.TakeTexts().size(), comesBack ? 1 : 0);
+        };
+        start(MsgAnswer::Cancel, false);
+        start(MsgAnswer::Yes, true);
+        start(MsgAnswer::No, false);
+        EXPECT_EQ(Kept(program), QStringList());
+    }
 }
 
 TEST(FailureText, SaysOfASurveyFileWhetherItIsThereAndCanBeWritten) {
