@@ -100,6 +100,24 @@ TEST_F(RespondentList, NothingSelectedNothingDone) {
     EXPECT_EQ(Column(2), QStringList(""));
 }
 
+TEST_F(RespondentList, AFileThatCannotBeWrittenSaysSoBeforeTheFirstPage) {
+    MakeAnswers();
+    ShowScreen();
+    ASSERT_TRUE(state.MayWrite()); // knows of the new respondents, and reads no more
+    state.SurveyConnection.Run("PRAGMA query_only = ON");
+    for (const char* button : {"cmdCreateResponse", "cmdEditResponse"}) {
+        QTimer::singleShot(0, screen.get(), [] {
+            if (QWidget* const page = QApplication::activeModalWidget()) {
+                ADD_FAILURE() << "a page came up";
+                page->close();
+            }
+        });
+        Press(button);
+        QCoreApplication::processEvents();
+    }
+    EXPECT_EQ(failures, std::vector<int>({8, 8})); // whose box says that it can only be read
+}
+
 TEST_F(RespondentList, TheWidthThatTheUserGaveAColumnStaysHis) {
     MakeAnswers();
     picRespondentList& list = ShowScreen();
