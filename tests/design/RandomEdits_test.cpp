@@ -1,8 +1,10 @@
 // Two hundred seeded sequences of edits by hand, against a plain picture of what they should give.
 // The judge is the file, read after each save, which all that follows is then built on. Some
-// stretches are undone, and some of these done again.
+// stretches are undone, and some of these done again. Between them respondents answer, and what
+// they said stays with the question that they were asked.
 #include <QAbstractButton>
 
+#include <map>
 #include <random>
 
 #include "design/DesignScreen.h"
@@ -283,7 +285,46 @@ class RandomEdits : public DesignScreen {
         EXPECT_EQ(Rows("SELECT 1 FROM question WHERE Deleteme"), "");
     }
 
+    // Gives each question that is asked the question's own number for an answer, past the design:
+    // by the program's connection, or by that of another window.
+    void Respond() {
+        Connection other;
+        Connection& file = Below(2) == 0 ? state.SurveyConnection : other;
+        if (&file == &other)
+            other.Open(state.CurrentFilename());
+        file.Run("INSERT INTO respondent (source) VALUES ('Manual Entry')");
+        for (std::size_t at = 0; at < survey_.size(); ++at) {
+            if (Below(2) == 0)
+                continue;
+            const int number = survey_[at].number;
+            ++given_[number];
+            const QString answer =
+                QString("INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+                        "SimpleResponse) SELECT (SELECT max(id) FROM respondent), id, 1, %1 "
+                        "FROM question WHERE pos = %2");
+            file.Run(qPrintable(answer.arg(number).arg(at + 1)));
+        }
+    }
+
+    // Of a question that is gone nothing may have come to another.
+    void CompareAnswers() {
+        std::map<int, int> found;
+        Recordset answer = state.SurveyConnection.Execute(
+            "SELECT a.SimpleResponse, q.question FROM respondent_responses a "
+            "JOIN question q ON q.id = a.QuestionID");
+        for (; !answer.AtEnd(); answer.MoveNext()) {
+            const int number = answer.Text(0).toInt();
+            const Question* const asked = Numbered(number);
+            ASSERT_NE(asked, nullptr) << number;
+            EXPECT_EQ(PlainTextOf(answer.Text(1)), asked->text);
+            ++found[number];
+        }
+        std::erase_if(given_, [this](const auto& given) { return !Numbered(given.first); });
+        EXPECT_EQ(found, given_);
+    }
+
     std::vector<Question> survey_;
+    std::map<int, int> given_; // how many answered the question of a number
     int added_ = 0;
     int copies_ = 0;
     std::int64_t lastResponse_ = 0; // id given
@@ -298,6 +339,7 @@ TEST_F(RandomEdits, LeaveTheFileAsThePictureOfThem) {
         if (seed % 10 == 1) {
             NewSurvey();
             survey_.clear();
+            given_.clear();
             lastResponse_ = 0;
             saved_.clear();
         }
@@ -311,6 +353,8 @@ TEST_F(RandomEdits, LeaveTheFileAsThePictureOfThem) {
         if (seed % 4 == 0)
             Reopen();
         Compare();
+        CompareAnswers();
+        Respond();
     }
 }
 
