@@ -103,6 +103,39 @@ TEST_P(ChartLayout, MarksAreFoundWhereTheValuesStand) {
 INSTANTIATE_TEST_SUITE_P(Styles, ChartLayout, testing::ValuesIn(AllChartTypes()),
                          [](const auto& info) { return ChartTypeName(info.param); });
 
+// White letters are for the face; half on the wall they could not be read.
+TEST(ChartPlan, ValuesInTheLettersOfAnAreaStandOnItWhole) {
+    std::mt19937 dice(7);
+    int onFace = 0;
+    for (int series = 0; series < 200; ++series) {
+        std::vector<ChartRow> rows;
+        for (int i = 0; i < 3 + series % 23; ++i) {
+            const unsigned most = dice() % 3 == 0 ? 20 : 1000;
+            rows.push_back({" A", double(dice() % most)});
+        }
+        const ChartPlan plan = PlanOf(ChartType::Area3D, rows,
+                                      {double(220 + dice() % 600), double(160 + dice() % 300)});
+        const ChartSlab slab = BodySlab(plan.type);
+        QPainterPath solid;
+        for (int layer = 0; layer <= 10; ++layer) {
+            const double share = slab.near + (slab.far - slab.near) * layer / 10;
+            QPainterPath face(plan.At(0, 0, share));
+            for (const QPointF& point : ProfileOf(plan))
+                face.lineTo(plan.At(point.x(), point.y(), share));
+            face.lineTo(plan.At(double(rows.size()) - 1, 0, share));
+            solid |= face;
+        }
+        for (const ChartText& text : plan.texts) {
+            const QRectF box = text.Outline().boundingRect().adjusted(1, 1, -1, -1);
+            onFace += text.onFace;
+            EXPECT_TRUE(!text.onFace ||
+                        (solid.contains(box.topLeft()) && solid.contains(box.topRight())))
+                << series << ": " << text.text.toStdString();
+        }
+    }
+    EXPECT_GT(onFace, 0);
+}
+
 TEST(ChartScale, RunsFromZeroInRoundSteps) {
     std::mt19937 random(1);
     for (int i = 0; i < 2000; ++i) {

@@ -426,9 +426,30 @@ class AxisPlanner {
             if (const qreal within = LineWithin(box); within < least - 1) {
                 least = within;
                 best = place;
+                best.onFace = place.onFace && IsCovered(box.topLeft()) && IsCovered(box.topRight());
             }
         }
         return best;
+    }
+
+    // Whether a solid area, from its front to its back edge, stands behind a point. Beside a steep
+    // rise the wall does, on which the letters of a face can't be read.
+    bool IsCovered(const QPointF& point) const {
+        const ChartSlab slab = BodySlab(plan_.type);
+        for (int layer = 0; layer <= 4; ++layer) {
+            const double share = slab.near + (slab.far - slab.near) * layer / 4;
+            const double column = ColumnAt(point.x() - plan_.depth.x() * share);
+            for (std::size_t i = 1; i < profile_.size(); ++i) {
+                const QPointF &from = profile_[i - 1], &to = profile_[i];
+                if (column < from.x() || column > to.x() || to.x() == from.x())
+                    continue;
+                const double value =
+                    from.y() + (to.y() - from.y()) * (column - from.x()) / (to.x() - from.x());
+                if (plan_.At(column, value, share).y() <= point.y())
+                    return true;
+            }
+        }
+        return false;
     }
 
     // Where columns are narrower than their values only those are shown that stand on no other
