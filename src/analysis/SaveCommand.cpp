@@ -9,8 +9,9 @@ namespace pollarix {
 namespace {
 
 // All questions and answers would be gone, and the connection left without a file.
-void RefuseOpenSurvey(const Connection& survey, const QString& path) {
-    if (survey.IsOpen() && IsSameFile(survey.Path(), path))
+void RefuseOpenSurvey(const ApplicationState& state, const QString& path) {
+    const Connection& survey = state.SurveyConnection;
+    if (state.IsOpenSurvey(path) || (survey.IsOpen() && IsSameFile(survey.Path(), path)))
         throw Failure(failure::PathOrFileAccess, path + ": it is the open survey");
 }
 
@@ -26,7 +27,7 @@ void RunSaveCommand(ApplicationState& state, const LongWork& work, const FileDia
         FileName = chosen.fileName;
         if (FileName.isEmpty())
             return;
-        RefuseOpenSurvey(state.SurveyConnection, FileName);
+        RefuseOpenSurvey(state, FileName);
         action(chosen);
     } catch (const std::exception&) {
         const Failure failure = CaughtFailure();

@@ -238,17 +238,22 @@ void frmManualResponse::ShowDCAnswer() {
     batch.Commit();
 }
 
-// Where the survey was left for another meanwhile, the page has nothing to go on with, unless its
-// respondent was taken along.
+// Where the survey was left for another meanwhile, or another program has deleted the respondent,
+// the page has nothing to go on with.
 bool frmManualResponse::MayStore() {
     const int opening = state_.Openings();
     const bool may = state_.MayWrite();
-    if (state_.Openings() == opening)
-        return may;
-    if (may && !state_.SurveyConnection
-                    .Execute("SELECT id FROM respondent WHERE id = ?", {entry_.CurrentRespondentID})
-                    .AtEnd())
-        return true;
+    if (!may && state_.Openings() == opening)
+        return false;
+    if (may) {
+        if (!state_.SurveyConnection
+                 .Execute("SELECT id FROM respondent WHERE id = ?", {entry_.CurrentRespondentID})
+                 .AtEnd())
+            return true;
+        state_.dialogs.MsgBox("This respondent is not in the survey any more. What was entered on "
+                              "this page is not stored.",
+                              MsgIcon::Critical);
+    }
     reject();
     return false;
 }

@@ -42,8 +42,8 @@ frmMatrixDefine::frmMatrixDefine(ApplicationState& state, QWidget* parent)
 }
 
 void frmMatrixDefine::Setup() {
+    lstList_->Clear(); // first, so that a reading that fails leaves no scales of another survey
     const std::vector<ResponseScale> scales = ReadResponseScales(state_.SurveyConnection);
-    lstList_->Clear();
     for (const ResponseScale& scale : scales) {
         lstList_->AddItem(scale.text);
         lstList_->SetItemData(lstList_->NewIndex(), scale.id);

@@ -55,6 +55,10 @@ struct ApplicationState {
     // database throws.
     bool MayWrite() { return !mayWrite_ || mayWrite_(); }
 
+    // Whether the path leads to the file of the open survey, by whatever name, also when the survey
+    // has been renamed meanwhile or could not be opened.
+    bool IsOpenSurvey(const QString& path) const { return isOpenSurvey_ && isOpenSurvey_(path); }
+
   private:
     friend class SurveyDocument;
 
@@ -64,6 +68,7 @@ struct ApplicationState {
     int openings_ = 0;
     std::function<void()> onChange_;
     std::function<bool()> mayWrite_;
+    std::function<bool(const QString&)> isOpenSurvey_;
 };
 
 } // namespace pollarix

@@ -43,6 +43,16 @@ bool SameInFile(const SurveySnapshot& a, const SurveySnapshot& b) {
                       [](const Question& x, const Question& y) { return SameInFile(x, y); });
 }
 
+// Whether what was read after a save can be what was written: another program may have come
+// between.
+bool CanBe(const SurveySnapshot& written, const SurveySnapshot& saved) {
+    return std::equal(written.questions.begin(), written.questions.end(), saved.questions.begin(),
+                      saved.questions.end(), [](const Question& before, const Question& after) {
+                          return (before.DatabaseID < 1 || before.DatabaseID == after.DatabaseID) &&
+                                 after.responses.size() <= before.responses.size();
+                      });
+}
+
 // From the keys and ids before a save to those after it.
 class Identities {
   public:
@@ -155,8 +165,8 @@ std::optional<DesignState> DesignHistory::Redo(DesignState now) {
 }
 
 void DesignHistory::FollowSave(const SurveySnapshot& written, SurveySnapshot saved) {
-    if (written.questions.size() != saved.questions.size()) {
-        Start(std::move(saved)); // not what was written has been read back
+    if (!CanBe(written, saved)) {
+        Start(std::move(saved));
         return;
     }
     const Identities identities(written, saved);

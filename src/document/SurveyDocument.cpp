@@ -71,11 +71,17 @@ SurveyDocument::SurveyDocument(ApplicationState& state, SurveyViews& views, int 
       recovery_(state.directories.user, recoveryMs, [this] { return Unsaved(); }) {
     state_.onChange_ = [this] { recovery_.Start(); };
     state_.mayWrite_ = [this] { return CheckFile() != FileCheck::Stop; };
+    state_.isOpenSurvey_ = [this](const QString& path) {
+        const std::optional<FileState> file = StateOfFile(path);
+        return (file && opened_ && file->IsSameFile(*opened_)) ||
+               IsSameFile(state_.CurrentFilename(), path);
+    };
 }
 
 SurveyDocument::~SurveyDocument() {
     state_.onChange_ = {};
     state_.mayWrite_ = {};
+    state_.isOpenSurvey_ = {};
 }
 
 bool SurveyDocument::IsFileChanged() const {
@@ -134,11 +140,12 @@ void SurveyDocument::ReadAndShow(int SelectIndex) {
             throw *read.failure;
         state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
         isWhole_ = true;
-    }
-    try {
-        watch_.Note(file);
-    } catch (const Failure&) {
-        // A table that is missing is told by whoever shows it.
+        // Within the same transaction: what another program commits from now on is a change.
+        try {
+            watch_.Note(file);
+        } catch (const Failure&) {
+            // A table that is missing is told by whoever shows it.
+        }
     }
 }
 
@@ -263,7 +270,8 @@ bool SurveyDocument::DoSave() {
     CarriedHistory carried(state_);
     DoClose();
     DoOpen(path, false, position);
-    carried.Arrive();
+    if (isWhole_) // else the questions that the steps are about are not on the screen
+        carried.Arrive();
     return true;
 }
 
@@ -301,7 +309,8 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
     CarriedHistory carried(state_);
     DoClose();
     DoOpen(chosen, true, 1);
-    carried.Arrive();
+    if (isWhole_) // else the questions that the steps are about are not on the screen
+        carried.Arrive();
     return true;
 }
 

@@ -1,6 +1,7 @@
 #include "shell/frmMain.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFrame>
 #include <QGuiApplication>
@@ -165,7 +166,11 @@ void frmMain::EndOfSession(QSessionManager& session) {
     if (session.allowsInteraction()) {
         RunHandler([&] {
             save = false;
-            save = !work_.IsRunning() && document_.AskToSave(Qt::CaseInsensitive);
+            // A dialog may stand in the middle of something that writes.
+            if (work_.IsRunning() || QApplication::activeModalWidget())
+                return;
+            picDesign_->CommitEdits();
+            save = document_.AskToSave(Qt::CaseInsensitive);
         });
         session.release();
     }

@@ -17,10 +17,14 @@ void PlainTextBox::SetText(const QString& text) {
     whole.clear();
     InsertPlainText(QTextCursor(&whole), text);
     whole.setUndoRedoEnabled(true);
+    whole.setModified(false);
+    given_ = text;
     setTextCursor(QTextCursor(&whole)); // to the start
 }
 
 QString PlainTextBox::Text() const {
+    if (!document()->isModified())
+        return given_;
     QTextCursor all(document());
     all.select(QTextCursor::Document);
     return TypedText(all, "\r\n");

@@ -13,13 +13,16 @@ class PlainTextBox : public QPlainTextEdit {
 
     // Clears the undo history.
     void SetText(const QString& text);
-    // As it was typed, with CR LF line ends.
+    // As it was put in until somebody edits it, then with CR LF line ends.
     QString Text() const;
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     QMimeData* createMimeDataFromSelection() const override;
     void insertFromMimeData(const QMimeData* source) override;
+
+  private:
+    QString given_;
 };
 
 } // namespace pollarix
