@@ -2,6 +2,7 @@
 // as a person would.
 #include <gtest/gtest.h>
 
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <SQLiteCpp/SQLiteCpp.h>
@@ -74,13 +75,18 @@ class Pages : public testing::Test {
     void Take(Response response) {
         shown = std::move(response);
         fields.clear();
-        const std::regex hidden("<input type=\"hidden\" name=\"(\\w+)\" value=\"([^\"]*)\"");
-        const std::regex checked("name=\"(q[0-9.]+)\" value=\"([0-9]+)\" checked");
-        const std::regex area("<textarea[^>]* name=\"(q[0-9]+)\"[^>]*>\n([^<]*)<");
-        for (const std::regex& kind : {hidden, checked, area})
-            for (std::sregex_iterator at(shown.body.begin(), shown.body.end(), kind), end;
-                 at != end; ++at)
-                fields.emplace((*at)[1], Unescaped((*at)[2]));
+        // The standard library's own expressions need more stack the longer a value is.
+        static const QRegularExpression kinds[] = {
+            QRegularExpression("<input type=\"hidden\" name=\"(\\w+)\" value=\"([^\"]*)\""),
+            QRegularExpression("name=\"(q[0-9.]+)\" value=\"([0-9]+)\" checked"),
+            QRegularExpression("<textarea[^>]* name=\"(q[0-9]+)\"[^>]*>\n([^<]*)<")};
+        const QString page = QString::fromStdString(shown.body);
+        for (const QRegularExpression& kind : kinds)
+            for (auto at = kind.globalMatch(page); at.hasNext();) {
+                const QRegularExpressionMatch field = at.next();
+                fields.emplace(field.captured(1).toStdString(),
+                               Unescaped(field.captured(2).toStdString()));
+            }
     }
     std::string Body(const std::string& button) {
         std::string body = "go=" + button;

@@ -17,14 +17,17 @@ void PlainTextBox::SetText(const QString& text) {
     whole.clear();
     InsertPlainText(QTextCursor(&whole), text);
     whole.setUndoRedoEnabled(true);
-    whole.setModified(false);
-    given_ = text;
     setTextCursor(QTextCursor(&whole)); // to the start
+    given_ = text;
+    shown_ = Typed();
 }
 
 QString PlainTextBox::Text() const {
-    if (!document()->isModified())
-        return given_;
+    const QString typed = Typed();
+    return typed == shown_ ? given_ : typed;
+}
+
+QString PlainTextBox::Typed() const {
     QTextCursor all(document());
     all.select(QTextCursor::Document);
     return TypedText(all, "\r\n");

@@ -22,7 +22,10 @@ class PlainTextBox : public QPlainTextEdit {
     void insertFromMimeData(const QMimeData* source) override;
 
   private:
+    QString Typed() const;
+
     QString given_;
+    QString shown_; // what the given text reads like when nobody has edited it
 };
 
 } // namespace pollarix
