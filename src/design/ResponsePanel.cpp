@@ -115,7 +115,7 @@ std::shared_ptr<clsQ> ResponsePanel::QuestionOfList() {
     std::shared_ptr<clsQ> q = CurrentQuestion();
     if (!q || shown_ == ResponsesOf(*q))
         return q;
-    Fill(*q);
+    Refill(*q);
     return nullptr;
 }
 

@@ -59,6 +59,8 @@ class ResponsePanel : public QWidget {
     void List_Click();
     void Up_Click() { Move(-1); }
     void Down_Click() { Move(1); }
+    // Shows the question's responses, and what else the panel shows of it.
+    virtual void Refill(const clsQ& q) { Fill(q); }
     // Called before two neighbours change places in the list; positions are 1-based.
     virtual void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) = 0;
 

@@ -79,7 +79,16 @@ void picMatrix::cmbMatrixResponses_Click() {
     editor_.ChooseScale(*q, Narrow16(cmbMatrixResponses_->ItemData(index)));
 }
 
+void picMatrix::Refill(const clsQ& q) {
+    Fill(q);
+    SelectScale(q.ResponseMatrixGroupID);
+}
+
 void picMatrix::cmdMatrixDefine_Click() {
+    // After a save with the root selected the box shows another question's scale. Loading the
+    // scales below gives the question the one that is shown, so that it has to be its own.
+    if (const std::shared_ptr<clsQ> q = CurrentQuestion())
+        SelectScale(q->ResponseMatrixGroupID);
     frmMatrixDefine(state_, window()).exec();
     LoadMatrixResponses();
 }

@@ -33,6 +33,7 @@ class picMatrix : public ResponsePanel {
     void cmdMatrixDefine_Click();
 
   private:
+    void Refill(const clsQ& q) override;
     void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) override;
 
     ComboBox* cmbMatrixResponses_;

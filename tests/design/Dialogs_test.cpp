@@ -157,5 +157,21 @@ TEST_F(Scales, AQuestionKeepsItsScaleOnlyWithSubQuestions) {
     EXPECT_EQ(Q(3).ResponseMatrixGroupID, 1);
 }
 
+// After a save with the root selected the last question is shown beside the scale of another.
+TEST_F(Scales, DefiningOneLeavesTheQuestionItsOwn) {
+    SurveyOf({Matrix, Matrix});
+    for (const int question : {1, 2}) {
+        ClickNode(question);
+        AddResponses("txtMatrixResponse", {"a"});
+        combo.SetListIndex(question + 2);
+    }
+    ClickNode(1);
+    ClickNode(0);
+    document_.DoSave();
+    const auto scale = Q(2).ResponseMatrixGroupID;
+    MakeScale({"a", "b"}, "cmdCancel");
+    EXPECT_EQ(Q(2).ResponseMatrixGroupID, scale);
+}
+
 } // namespace
 } // namespace pollarix::test

@@ -68,8 +68,11 @@ std::string_view Request::Cookie(std::string_view name) const {
 }
 
 void TakeProxysWord(Request& request) {
-    // The last address is the one that the proxy itself has seen.
-    const std::string_view chain = request.Header("X-Forwarded-For");
+    // The last address of the last header is the one that the proxy itself has seen.
+    std::string_view chain;
+    for (const auto& [name, value] : request.headers)
+        if (SameName(name, "X-Forwarded-For"))
+            chain = value;
     const std::size_t before = chain.find_last_of(", ");
     const std::string last(before == std::string_view::npos ? chain : chain.substr(before + 1));
     std::array<unsigned char, 16> bytes{};

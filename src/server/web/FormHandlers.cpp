@@ -265,6 +265,9 @@ void AddPages(Router& router, const Site& site) {
                });
     AddHolderPages(router, site);
     router.SetErrorPage([](int status, const Request& request) {
+        // The program shows a reply as it stands, and takes any other word for a results file.
+        if (request.path == "/ws/CallFunc.php")
+            return Response::Text(status, "Failure: The server can't do this just now.");
         return PageResponse(WordsOf(request), FaultPage(WordsOf(request), status));
     });
 }
