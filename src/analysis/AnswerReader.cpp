@@ -1,23 +1,12 @@
 #include "analysis/AnswerReader.h"
 
+#include "document/AnswerRows.h"
+
 namespace pollarix {
 
+using namespace answer_rows;
+
 namespace {
-
-// Indexes give this order: no sorting, no waiting before the first row.
-constexpr const char* AllAnswers =
-    "SELECT respondent.id, submitteddate, source, answer.id, QuestionID, ResponseID, "
-    "ResponseMatrixID, SimpleResponse "
-    "FROM respondent LEFT JOIN respondent_responses AS answer ON RespondentID = respondent.id "
-    "ORDER BY submitteddate, respondent.id, QuestionID, answer.id";
-
-enum Field { Id, SubmittedDate, Source, AnswerId, QuestionId, ResponseId, PointId, SimpleResponse };
-
-std::optional<QString> TextOrNull(const Recordset& rows, Field field) {
-    if (rows.IsNull(field))
-        return std::nullopt;
-    return rows.Text(field);
-}
 
 int PlaceIn(const QHash<std::int64_t, int>& places, const Recordset& rows, Field field) {
     return rows.IsNull(field) ? -1 : places.value(rows.Integer(field), -1);

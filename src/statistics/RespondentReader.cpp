@@ -2,28 +2,12 @@
 
 #include <algorithm>
 
+#include "document/AnswerRows.h"
 #include "document/clsQ.h"
 
 namespace pollarix::statistics {
 
-namespace {
-
-// Indexes give this order: no sorting, no waiting before the first row.
-constexpr const char* AllAnswers =
-    "SELECT respondent.id, submitteddate, source, answer.id, QuestionID, ResponseID, "
-    "ResponseMatrixID, SimpleResponse "
-    "FROM respondent LEFT JOIN respondent_responses AS answer ON RespondentID = respondent.id "
-    "ORDER BY submitteddate, respondent.id, QuestionID, answer.id";
-
-enum Field { Id, SubmittedDate, Source, AnswerId, QuestionId, ResponseId, PointId, SimpleResponse };
-
-std::optional<QString> TextOrNull(const Recordset& rows, Field field) {
-    if (rows.IsNull(field))
-        return std::nullopt;
-    return rows.Text(field);
-}
-
-} // namespace
+using namespace answer_rows;
 
 RespondentReader::RespondentReader(Connection& survey, const SurveyVariables& variables)
     : variables_(variables), rows_(survey.Execute(AllAnswers)), codes_(variables.variables.size()),
