@@ -9,7 +9,6 @@ namespace pollarix {
 
 namespace {
 
-constexpr int SmallestFont = 9;
 constexpr qreal ShortestLabel = 6; // in letter heights; a list of shorter ones says too little
 
 class LegendPlanner {
@@ -23,7 +22,7 @@ class LegendPlanner {
             int last = 0;
             for (qreal share : {1.0, 0.93, 0.86, 0.8}) {
                 const int pixels =
-                    std::max(SmallestFont, int(std::lround(plan_.font.pixelSize() * share)));
+                    std::max(SmallestChartFont, int(std::lround(plan_.font.pixelSize() * share)));
                 if (pixels == last)
                     continue;
                 smallest = last = pixels;

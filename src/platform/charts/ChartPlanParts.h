@@ -9,9 +9,6 @@ namespace pollarix {
 void PlanAxes(ChartPlan& plan);
 void PlanPie(ChartPlan& plan);
 
-// The marks of a chart with axes, once the plot stands.
-void PlanAxisMarks(ChartPlan& plan);
-
 // A list of all rows beside or below the drawing: number, label and, if wanted, colour and value.
 struct ChartLegend {
     QSizeF size; // empty if there is no room for a list that is of use

@@ -11,6 +11,8 @@
 
 namespace pollarix {
 
+constexpr int SmallestChartFont = 9; // pixels
+
 struct ChartText {
     enum class Kind { Tick, Category, Value, Legend, Notice };
 
