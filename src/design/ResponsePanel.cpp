@@ -140,6 +140,13 @@ void ResponsePanel::ClearList() {
     shown_.clear();
 }
 
+void ResponsePanel::ShowResponse(int response) {
+    if (response < 1 || response > list_->ListCount())
+        return;
+    list_->SetListIndex(response - 1);
+    MoveFocusQuietly(*list_);
+}
+
 void ResponsePanel::FocusBox() {
     MoveFocusQuietly(*box_);
 }

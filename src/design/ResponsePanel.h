@@ -28,6 +28,8 @@ class ResponsePanel : public QWidget {
     // Puts the caret into the box.
     void FocusBox();
     void ClearList();
+    // Selects an entry of the list, from 1, which takes the focus; none that is not there.
+    void ShowResponse(int response);
 
   protected:
     // The controls' names and captions. "What" is an entry in a screen reader's words.

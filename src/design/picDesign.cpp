@@ -144,6 +144,17 @@ void picDesign::AddBlankOpenEndedQuestion() {
     state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
 }
 
+void picDesign::GoToQuestion(const QString& key, int response) {
+    TreeNode* const node = tvTreeView_.Find(key);
+    if (!node)
+        return;
+    CommitEdits();
+    node->SetSelected();
+    picQProperties_->tvTreeView_NodeClick(*node);
+    if (response > 0)
+        picQProperties_->ShowResponse(response);
+}
+
 void picDesign::Undo() {
     editor_.Undo();
 }

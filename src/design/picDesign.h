@@ -55,6 +55,10 @@ class picDesign : public QWidget, public SurveyViews, private EditorScreen {
     DesignPlace WhereOneIs() const;
     void GoBackTo(const DesignPlace& place);
 
+    // Selects and shows a question, and one of its responses (from 1) unless it is 0. What is
+    // entered is committed before. An unknown key does nothing.
+    void GoToQuestion(const QString& key, int response = 0);
+
     // A step of the design back, or forth again; nothing where there is none. The focus stays where
     // it is, if that is still there.
     void Undo();

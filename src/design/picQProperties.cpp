@@ -287,6 +287,16 @@ void picQProperties::FocusBox(std::int32_t qType) {
         picCheck_->FocusBox();
 }
 
+void picQProperties::ShowResponse(int response) {
+    const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
+    if (!q || !HasResponses(q->qType))
+        return;
+    if (q->qType == kind::Matrix)
+        picMatrix_->ShowResponse(response);
+    else
+        picCheck_->ShowResponse(response);
+}
+
 void picQProperties::ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden) {
     panel.setVisible(true);
     panel.raise();

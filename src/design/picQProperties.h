@@ -32,6 +32,10 @@ class picQProperties : public QFrame {
     // with a node that code has just selected.
     void tvTreeView_NodeClick(TreeNode& Node);
 
+    // Selects a response, or sub question, of the question that is shown, and gives the list the
+    // focus; from 1. One that is not there does nothing.
+    void ShowResponse(int response);
+
     // Puts a text into the box as if it had been typed, and commits it.
     void EnterText(const QString& rtf);
 

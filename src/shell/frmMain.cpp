@@ -38,10 +38,12 @@ constexpr int FrameAndMenu = ToPixels(900 - 20);
 
 frmMain::frmMain(ApplicationState& state)
     : state_(state), canvas_(new QWidget(this)), picDesign_(new picDesign(state, canvas_)),
-      document_(state, *picDesign_), files_(state, document_), work_(*this),
-      detailedReport_(state, work_), paperSurvey_(state, work_), export_(state, work_),
-      print_(state.dialogs, *this), transfer_(internet_), server_(transfer_, state.directories),
-      publish_({state, *picDesign_, transfer_, server_}),
+      document_(state, *picDesign_), files_(state, document_),
+      tools_(
+          state, *picDesign_, [this] { ShowScreen("Design"); }, *this),
+      work_(*this), detailedReport_(state, work_), paperSurvey_(state, work_),
+      export_(state, work_), print_(state.dialogs, *this), transfer_(internet_),
+      server_(transfer_, state.directories), publish_({state, *picDesign_, transfer_, server_}),
       collect_({state, *picDesign_, transfer_, server_}), helpKey_(help_),
       helpMenu_(state, help_, *this) {
     setObjectName("frmMain");

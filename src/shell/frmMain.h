@@ -17,6 +17,7 @@
 #include "platform/desktop/LongWork.h"
 #include "platform/desktop/ProgressDisplay.h"
 #include "platform/network/Internet.h"
+#include "shell/DesignTools.h"
 #include "shell/FileCommands.h"
 #include "shell/HelpMenu.h"
 #include "shell/help/HelpFile.h"
@@ -101,6 +102,7 @@ class frmMain : public QMainWindow, private ProgressDisplay {
     picDesign* picDesign_;
     SurveyDocument document_;
     FileCommands files_;
+    DesignTools tools_;
     LongWork work_;
     DetailedReport detailedReport_;
     PaperSurvey paperSurvey_;

@@ -150,15 +150,22 @@ void frmMain::BuildMenus() {
               {},
               [this] { picDesign_->mnuDesignAddMatrixQuestion_Click(); }},
              Separator("mnuDesignSep1"),
-             {"mnuDesignAddText", "Add &Instruction Text", {}, [this] {
-                  picDesign_->mnuDesignAddText_Click();
-              }}});
+             {"mnuDesignAddText",
+              "Add &Instruction Text",
+              {},
+              [this] { picDesign_->mnuDesignAddText_Click(); }},
+             Separator("mnuDesignSep2"),
+             {"mnuDesignCheck", "Check &Survey...", QKeySequence("F7"),
+              [this] { tools_.mnuDesignCheck_Click(); }}});
 
     AddMenu("mnuDataCollection", "Data &Collection",
             {{"mnuDataPublishWeb",
               "&Publish Web Survey...",
               {},
-              [this] { publish_.mnuDataPublishWeb_Click(this); }},
+              [this] {
+                  if (tools_.MayPublish())
+                      publish_.mnuDataPublishWeb_Click(this);
+              }},
              {"mnuDataCollectWeb",
               "&Collect Web Survey Responses...",
               {},

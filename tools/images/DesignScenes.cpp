@@ -1,4 +1,5 @@
 // The Design screen with each kind of question, and the dialogs that it opens.
+#include <QLineEdit>
 #include <QTest>
 
 #include "images/Scene.h"
@@ -84,6 +85,21 @@ QImage MatrixAdd(Studio& studio) {
     return picture;
 }
 
+// The sample with a few mistakes in it.
+QImage CheckSurvey(Studio& studio) {
+    studio.StartWithSample(Small);
+    studio.SelectNode("tvTreeView", "Was this your first visit");
+    for (const char* response : {"Yes", "\u2192 last page"}) {
+        studio.Find<QLineEdit>("txtCheckResponse").setText(response);
+        studio.Click("cmdCheckAdd");
+    }
+    studio.Menu("mnuDesignAddMatrixQuestion");
+    studio.Type("txtQ", "How often do you come for");
+    studio.Menu("mnuDesignAddRadioQuestion");
+    studio.Menu("mnuDesignCheck");
+    return studio.PictureOf(studio.Find<QWidget>("frmCheckSurvey"));
+}
+
 QImage SaveQuestion(Studio& studio) {
     studio.Start(Small);
     studio.Type("txtQ", "What do you think of our opening hours?");
@@ -114,6 +130,7 @@ std::vector<Scene> DesignScenes() {
     scenes.push_back({"logic", "Dialog that gives a response its jump", Logic});
     scenes.push_back({"matrix-define", "Dialog that lists the answer scales", MatrixDefine});
     scenes.push_back({"matrix-add", "Dialog that makes an answer scale", MatrixAdd});
+    scenes.push_back({"check-survey", "Window that lists what the check has found", CheckSurvey});
     scenes.push_back({"save-question", "Question before changes are lost", SaveQuestion});
     return scenes;
 }

@@ -1,0 +1,62 @@
+#include "shell/DesignTools.h"
+
+#include <QWidget>
+
+#include <utility>
+
+#include "design/frmCheckSurvey.h"
+#include "design/picDesign.h"
+
+namespace pollarix {
+
+DesignTools::DesignTools(ApplicationState& state, picDesign& design,
+                         std::function<void()> showDesign, QWidget& window)
+    : state_(state), design_(design), showDesign_(std::move(showDesign)), window_(window) {}
+
+frmCheckSurvey& DesignTools::CheckWindow() {
+    if (!check_) {
+        check_ = new frmCheckSurvey(state_, &window_);
+        check_->GoTo = [this](const QString& key, int response, bool activate) {
+            GoToQuestion(key, response, activate);
+        };
+    }
+    return *check_;
+}
+
+void DesignTools::mnuDesignCheck_Click() {
+    design_.CommitEdits();
+    CheckWindow().ShowFindings();
+}
+
+bool DesignTools::MayPublish() {
+    design_.CommitEdits();
+    int problems = 0;
+    try {
+        problems = CountProblems(CheckOpenSurvey(state_));
+    } catch (const Failure&) {
+        // A file that can't be read is told by who publishes it.
+    }
+    if (problems == 0 ||
+        state_.dialogs.MsgBox(
+            QString("Check Survey finds %1 in this survey. Do you want to look at %2 before "
+                    "publishing?")
+                .arg(problems == 1 ? QString("a problem") : QString("%1 problems").arg(problems),
+                     problems == 1 ? "it" : "them"),
+            MsgIcon::Question, MsgButtons::YesNo) != MsgAnswer::Yes)
+        return true;
+    CheckWindow().ShowFindings();
+    return false;
+}
+
+void DesignTools::GoToQuestion(const QString& key, int response, bool activate) {
+    if (!state_.CurrentSurvey.GetQ(key))
+        return;
+    showDesign_();
+    design_.GoToQuestion(key, response);
+    if (activate) {
+        window_.raise();
+        window_.activateWindow();
+    }
+}
+
+} // namespace pollarix

@@ -1,0 +1,80 @@
+// The windows beside the design, used from the main window's menus as a person does.
+#include "platform/controls/Grid.h"
+#include "platform/controls/ListBox.h"
+#include "platform/controls/RichTextBox.h"
+#include "platform/controls/TreeView.h"
+#include "shell/MainWindow.h"
+#include "support/Accessible.h"
+
+using namespace pollarix;
+using namespace pollarix::test;
+
+namespace {
+
+// A question with two equal responses, one that leads past the third, and one without text.
+class DesignToolsTest : public MainWindow {
+  protected:
+    const QString path = program.BlankSurvey("visit.plxs");
+
+    void Start() {
+        RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
+                      "('Been here?', '1', 2, 1), ('When?', '2', 0, 2), ('Why?', '3', 0, 3), "
+                      "('', '4', 0, 4)",
+                      "INSERT INTO response (questionid, name, pos, responseMatrixGroupID, "
+                      "LogicJumpToQuestionID) VALUES (1, 'yes', 1, 2, 3), (1, 'no', 2, 2, 3), "
+                      "(1, 'No', 3, 2, 3)"});
+        MainWindow::Start(path);
+    }
+    // A window beside the main one counts as active for Qt's own wait while that is.
+    static bool IsActive(const QWidget& window) {
+        return QTest::qWaitFor([&] { return window.isActiveWindow(); });
+    }
+    QString Selected() const { return Find<TreeView>("tvTreeView")->SelectedItem()->Text(); }
+};
+
+} // namespace
+
+TEST_F(DesignToolsTest, TheCheckLeadsToEachPlaceAndPublishingOffersIt) {
+    Start();
+    Menu("mnuViewAnalyse");
+    Menu("mnuDesignCheck");
+    auto* const check = Find<QWidget>("frmCheckSurvey");
+    ASSERT_TRUE(IsActive(*check));
+    CheckAccessible(*check);
+    auto* const found = Find<Grid>("gFindings");
+    ASSERT_EQ(found->Rows(), 4);
+    EXPECT_EQ(found->TextMatrix(1, 2), "Responses 2 and 3 are equal: \"No\"");
+    EXPECT_EQ(found->TextMatrix(2, 1), "2. When?");
+    EXPECT_EQ(found->TextMatrix(3, 0), "Problem");
+
+    QTest::keyClick(found, Qt::Key_Return);
+    EXPECT_TRUE(Find<QWidget>("picDesign")->isVisible());
+    EXPECT_EQ(Selected(), "1. Been here?");
+    EXPECT_EQ(Find<ListBox>("lstCheckResponses")->ListIndex(), 2);
+    EXPECT_TRUE(IsActive(*window));
+    EXPECT_EQ(QApplication::focusWidget(), Find<ListBox>("lstCheckResponses"));
+
+    // One is mended, and the survey saved, which gives all questions new keys.
+    Press("cdmCheckDelete");
+    Menu("mnuFileSave");
+    check->activateWindow();
+    ASSERT_TRUE(IsActive(*check));
+    ASSERT_EQ(found->Rows(), 3);
+    QTest::keyClick(found, Qt::Key_Down);
+    Press("cmdGoTo");
+    EXPECT_EQ(Selected(), "4. ");
+    check->close();
+
+    dialogs.answers = {MsgAnswer::Yes, MsgAnswer::No};
+    Menu("mnuDataPublishWeb");
+    EXPECT_TRUE(check->isVisible());
+    EXPECT_FALSE(user.seen.contains("frmWizWebPublish_Welcome"));
+    check->close();
+    Menu("mnuDataPublishWeb");
+    EXPECT_FALSE(check->isVisible());
+    EXPECT_TRUE(user.seen.contains("frmWizWebPublish_Welcome"));
+    EXPECT_EQ(dialogs.TakeTexts(),
+              QStringList(2, "Check Survey finds 2 problems in this survey. Do you want to look at "
+                             "them before publishing?"));
+    EXPECT_TRUE(failures.empty());
+}
