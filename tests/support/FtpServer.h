@@ -26,7 +26,6 @@ class FtpServer {
     FtpServer(const FtpServer&) = delete;
     FtpServer& operator=(const FtpServer&) = delete;
 
-    bool IsRunning() const { return process_.state() == QProcess::Running; }
     // "127.0.0.1:port"
     QString Host() const { return QString("127.0.0.1:%1").arg(port_); }
     // The one login. Another password is refused with 530, another user before any password.
