@@ -108,7 +108,7 @@ void frmManualResponse::BuildFooter() {
 }
 
 void frmManualResponse::Form_Load() {
-    entry_.CurrentPosition = 1;
+    entry_.CurrentPosition = entry_.FirstPosition;
     isRead_ = false;
     RespondentAnswers_ShowQuestion();
 }

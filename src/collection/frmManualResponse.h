@@ -23,7 +23,7 @@ struct AnswerPlace;
 class frmManualResponse : public QDialog {
     Q_OBJECT
   public:
-    // Shows the first page of entry.CurrentRespondentID. A failure on the way is shown as one of
+    // Shows the page at entry.FirstPosition of entry.CurrentRespondentID. A failure on the way is shown as one of
     // the running program, and leaves the window as far as it got: the user can go on from there.
     frmManualResponse(ApplicationState& state, ManualEntryState& entry, QWidget* parent);
 

@@ -2,8 +2,10 @@
 
 #include <QWidget>
 
+#include <algorithm>
 #include <utility>
 
+#include "collection/frmPreview.h"
 #include "design/frmCheckSurvey.h"
 #include "design/picDesign.h"
 
@@ -21,6 +23,26 @@ frmCheckSurvey& DesignTools::CheckWindow() {
         };
     }
     return *check_;
+}
+
+void DesignTools::mnuDesignPreview_Click() {
+    Preview(1);
+}
+
+void DesignTools::mnuDesignPreviewFromHere_Click() {
+    const QString selected = design_.SelectedKey().value_or(QString());
+    Preview(std::max<int>(1, state_.CurrentSurvey.GetQIndexFromKey(selected)));
+}
+
+void DesignTools::Preview(int position) {
+    design_.CommitEdits();
+    const SurveySnapshot design = SurveySnapshot::Take(state_.CurrentSurvey);
+    if (design.questions.empty()) {
+        state_.dialogs.MsgBox("There is no question to preview yet.", MsgIcon::Information);
+        return;
+    }
+    SurveyPreview preview(state_, design);
+    frmPreview(preview, position, &window_).exec();
 }
 
 void DesignTools::mnuDesignCheck_Click() {

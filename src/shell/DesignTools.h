@@ -1,5 +1,6 @@
 // What joins the windows around a design with the screens of the main window: the check of the
-// survey leads to questions. The windows themselves are the rooms' own.
+// survey leads to questions, and the pages for answers walk a design that is not saved. The windows
+// themselves are the rooms' own.
 #pragma once
 
 #include <functional>
@@ -19,6 +20,8 @@ class DesignTools {
     DesignTools(ApplicationState& state, picDesign& design, std::function<void()> showDesign,
                 QWidget& window);
 
+    void mnuDesignPreview_Click();         // from the first question on
+    void mnuDesignPreviewFromHere_Click(); // from the one that is selected, if there is one
     void mnuDesignCheck_Click();
 
     // To be asked before a survey is published: offers to look at the problems first, where the
@@ -27,6 +30,7 @@ class DesignTools {
 
   private:
     frmCheckSurvey& CheckWindow();
+    void Preview(int position);
     void GoToQuestion(const QString& key, int response, bool activate);
 
     ApplicationState& state_;

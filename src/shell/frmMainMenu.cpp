@@ -155,6 +155,10 @@ void frmMain::BuildMenus() {
               {},
               [this] { picDesign_->mnuDesignAddText_Click(); }},
              Separator("mnuDesignSep2"),
+             {"mnuDesignPreview", "&Preview...", QKeySequence("F5"),
+              [this] { tools_.mnuDesignPreview_Click(); }},
+             {"mnuDesignPreviewFromHere", "Preview from &Here...", QKeySequence("Shift+F5"),
+              [this] { tools_.mnuDesignPreviewFromHere_Click(); }},
              {"mnuDesignCheck", "Check &Survey...", QKeySequence("F7"),
               [this] { tools_.mnuDesignCheck_Click(); }}});
 

@@ -1,10 +1,15 @@
 // The windows beside the design, used from the main window's menus as a person does.
+#include <QDir>
+#include <QLabel>
+#include <QLineEdit>
+
 #include "platform/controls/Grid.h"
 #include "platform/controls/ListBox.h"
 #include "platform/controls/RichTextBox.h"
 #include "platform/controls/TreeView.h"
 #include "shell/MainWindow.h"
 #include "support/Accessible.h"
+#include "support/Bytes.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -33,6 +38,50 @@ class DesignToolsTest : public MainWindow {
 };
 
 } // namespace
+
+TEST_F(DesignToolsTest, ThePreviewWalksWhatIsNotSavedAndStoresNothing) {
+    Start();
+    const QByteArray before = BytesOf(path);
+    const QStringList files = QDir(program.directory.path()).entryList(QDir::Files);
+    // A new question, and another text of the first; nothing of it is in the file.
+    Menu("mnuDesignAddRadioQuestion");
+    auto* const txtQ = Find<RichTextBox>("txtQ");
+    txtQ->setFocus();
+    QTest::keyClicks(txtQ, "Coming back?");
+    for (const char* response : {"yes", "never"}) {
+        QTest::keyClicks(Find<QLineEdit>("txtCheckResponse"), response);
+        QTest::keyClick(Find<QLineEdit>("txtCheckResponse"), Qt::Key_Return);
+    }
+    const SurveySnapshot design = SurveySnapshot::Take(program.state.CurrentSurvey);
+    QStringList pages;
+    user.tasks["frmPreview"] = [&](QWidget& preview) {
+        CheckAccessible(preview);
+        for (int page = 0; page < 9 && preview.isVisible(); ++page) {
+            pages << preview.findChild<QLabel*>("lblDCQuestion")->text();
+            auto* const second = preview.findChild<QAbstractButton*>("optDCRadio(1)");
+            if (second->isVisible())
+                second->click();
+            preview.findChild<QAbstractButton*>("cmdDCAnswersNext")->click();
+        }
+    };
+    Menu("mnuDesignPreview");
+    EXPECT_EQ(pages, QStringList({"1. Been here?", "3. Why?", "4. ", "5. Coming back?"}));
+    pages.clear();
+    Menu("mnuDesignPreviewFromHere");
+    EXPECT_EQ(pages, QStringList("5. Coming back?"));
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList(2, "Survey completed."));
+
+    EXPECT_EQ(SurveySnapshot::Take(program.state.CurrentSurvey), design);
+    EXPECT_TRUE(program.state.FileChanged());
+    EXPECT_EQ(program.state.SurveyConnection.Path(), path);
+    EXPECT_EQ(BytesOf(path), before);
+    EXPECT_EQ(QDir(program.directory.path()).entryList(QDir::Files), files);
+    EXPECT_TRUE(failures.empty());
+    dialogs.answers = {MsgAnswer::No};
+    Menu("mnuNew"); // nothing to preview, which is told
+    Menu("mnuDesignPreview");
+    EXPECT_EQ(dialogs.TakeTexts().last(), "There is no question to preview yet.");
+}
 
 TEST_F(DesignToolsTest, TheCheckLeadsToEachPlaceAndPublishingOffersIt) {
     Start();

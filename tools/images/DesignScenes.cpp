@@ -85,6 +85,12 @@ QImage MatrixAdd(Studio& studio) {
     return picture;
 }
 
+QImage Preview(Studio& studio) {
+    studio.StartWithSample(Small);
+    studio.SelectNode("tvTreeView", "How would you rate");
+    return studio.PictureOfDialog([&] { studio.Menu("mnuDesignPreviewFromHere"); }, "frmPreview");
+}
+
 // The sample with a few mistakes in it.
 QImage CheckSurvey(Studio& studio) {
     studio.StartWithSample(Small);
@@ -130,6 +136,7 @@ std::vector<Scene> DesignScenes() {
     scenes.push_back({"logic", "Dialog that gives a response its jump", Logic});
     scenes.push_back({"matrix-define", "Dialog that lists the answer scales", MatrixDefine});
     scenes.push_back({"matrix-add", "Dialog that makes an answer scale", MatrixAdd});
+    scenes.push_back({"preview", "A page of the preview", Preview});
     scenes.push_back({"check-survey", "Window that lists what the check has found", CheckSurvey});
     scenes.push_back({"save-question", "Question before changes are lost", SaveQuestion});
     return scenes;

@@ -184,6 +184,12 @@ void Connection::Open(const QString& path, Mode mode) {
     handle_ = std::make_shared<Handle>(path, mode);
 }
 
+void Connection::OpenInMemory() {
+    if (IsOpen())
+        throw Failure(failure::InvalidArgument, QString("%1 is open already").arg(Path()));
+    handle_ = std::make_shared<Handle>();
+}
+
 bool Connection::IsOpen() const {
     return handle_ && handle_->IsOpen();
 }

@@ -93,6 +93,9 @@ class Connection {
     // file (53), a directory or no permission (75), no database, views or triggers or virtual
     // tables in it. Fails with InvalidArgument when the connection is open already.
     void Open(const QString& path, Mode mode = Mode::ReadWrite);
+    // An empty database of its own that lies in memory alone, and goes with the connection. Its
+    // path is "". Fails as Open does when the connection is open already.
+    void OpenInMemory();
     bool IsOpen() const;
     // What a text may have, in bytes of UTF-8, together with what else its row holds. Nobody writes
     // a text that long; a file that holds one ends in a message, not in want of memory.

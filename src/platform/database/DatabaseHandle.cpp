@@ -71,6 +71,15 @@ int DbStatement::FieldIndex(const char* name) const {
     return -1;
 }
 
+Connection::Handle::Handle() {
+    try {
+        database.emplace(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
+        Configure(Mode::ReadWriteTrusted);
+    } catch (const SQLite::Exception& failure) {
+        throw FailureOf(failure);
+    }
+}
+
 Connection::Handle::Handle(const QString& openPath, Mode mode)
     // An absolute path is never one of the names with a meaning of their own to SQLite.
     : path(openPath) {

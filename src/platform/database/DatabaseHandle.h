@@ -41,6 +41,7 @@ struct DbStatement {
 };
 
 struct Connection::Handle {
+    Handle(); // in memory
     Handle(const QString& path, Mode mode);
     ~Handle();
 
