@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "platform/base/Formats.h"
+#include "platform/network/FtpConnection.h"
 
 namespace pollarix {
 
@@ -61,6 +62,10 @@ constexpr ErrorText ErrorTexts[] = {
 
 } // namespace
 
+wininet::wininet(Internet& internet) : internet_(internet) {}
+
+wininet::~wininet() = default;
+
 bool wininet::DownloadToFile(const QString& url, const QString& localPath,
                              bool noCacheBuster) const {
     // Always "&": every URL of this program has a query.
@@ -70,31 +75,27 @@ bool wininet::DownloadToFile(const QString& url, const QString& localPath,
 }
 
 bool wininet::Open() {
-    // What a failed upload left open would have no name any more once the handles are overwritten.
-    internet_.InternetCloseHandle(FtpHandle);
-    internet_.InternetCloseHandle(InternetHandle);
+    Close(); // what a failed upload left open
     InternetHandle = internet_.InternetOpen();
-    return InternetHandle != 0;
+    return InternetHandle.has_value();
 }
 
 bool wininet::Connect(const QString& ftpServer, const QString& user, const QString& password) {
-    FtpHandle = internet_.InternetConnect(InternetHandle, ftpServer, user, password);
-    return FtpHandle != 0;
+    FtpHandle = internet_.InternetConnect(*InternetHandle, ftpServer, user, password);
+    return FtpHandle != nullptr;
 }
 
 bool wininet::SetCurrentDirectory(const QString& directory) {
-    return internet_.FtpSetCurrentDirectory(FtpHandle, directory);
+    return internet_.FtpSetCurrentDirectory(*FtpHandle, directory);
 }
 
 bool wininet::PutFile(const QString& localPath, const QString& remoteName) {
-    return internet_.FtpPutFile(FtpHandle, localPath, remoteName);
+    return internet_.FtpPutFile(*FtpHandle, localPath, remoteName);
 }
 
 void wininet::Close() {
-    internet_.InternetCloseHandle(FtpHandle);
-    internet_.InternetCloseHandle(InternetHandle);
-    FtpHandle = 0;
-    InternetHandle = 0;
+    FtpHandle.reset();
+    InternetHandle.reset();
 }
 
 QString wininet::FtpErrorText(std::int32_t code) const {

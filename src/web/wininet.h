@@ -5,6 +5,8 @@
 #include <QString>
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include "platform/network/Internet.h"
 
@@ -12,18 +14,20 @@ namespace pollarix {
 
 class wininet {
   public:
-    explicit wininet(Internet& internet) : internet_(internet) {}
+    explicit wininet(Internet& internet);
+    ~wininet();
 
-    // Both are 0 after an orderly close; an upload that failed leaves them as they are.
-    std::int32_t InternetHandle = 0;
-    std::int32_t FtpHandle = 0;
+    // Both are empty after an orderly close; an upload that failed leaves them open.
+    std::optional<InternetSession> InternetHandle;
+    std::unique_ptr<FtpConnection> FtpHandle;
 
     // Fetches the URL into the file; false for a failure of any kind, and then a file that was
     // there stays as it was. Unless noCacheBuster, "&refreshme=" and the local date and time go out
     // behind the URL, so that no cache on the way answers.
     bool DownloadToFile(const QString& url, const QString& localPath, bool noCacheBuster) const;
 
-    // The steps of one upload, in this order. After one that gives false, LastError has its code.
+    // The steps of one upload, in this order, each after one that gave true. After one that gives
+    // false, LastError has its code.
     bool Open();
     // ftpServer is "host" or "host:port".
     bool Connect(const QString& ftpServer, const QString& user, const QString& password);

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "platform/network/FtpConnection.h"
 #include "platform/network/FtpReply.h"
 #include "support/FtpServer.h"
 #include "support/Loopback.h"
@@ -127,15 +128,14 @@ class Upload : public testing::Test {
     // What connecting to the server ends in, with the password at hand.
     std::int32_t CodeOfConnecting(const QString& server, const QString& user = FtpServer::User(),
                                   const QString& password = FtpServer::Password()) {
-        const std::int32_t session = internet.InternetOpen();
-        const std::int32_t connection = internet.InternetConnect(session, server, user, password);
-        EXPECT_EQ(connection == 0, internet.LastError() != 0);
+        const auto connection =
+            internet.InternetConnect(*internet.InternetOpen(), server, user, password);
+        EXPECT_EQ(connection == nullptr, internet.LastError() != 0);
         EXPECT_FALSE(internet.LastResponse().contains(FtpServer::Password()));
-        internet.InternetCloseHandle(session);
         return internet.LastError();
     }
-    std::int32_t Connect(const FtpServer& ftp) {
-        return internet.InternetConnect(internet.InternetOpen(), ftp.Host(), FtpServer::User(),
+    std::unique_ptr<FtpConnection> Connect(const FtpServer& ftp) {
+        return internet.InternetConnect(*internet.InternetOpen(), ftp.Host(), FtpServer::User(),
                                         FtpServer::Password());
     }
     QString LocalFile(const QByteArray& bytes) const {
@@ -153,25 +153,22 @@ class Upload : public testing::Test {
 
 TEST_F(Upload, OneSessionLogsInChangesDirectoryAndStoresBytesAsTheyAre) {
     const FtpServer ftp;
-    const std::int32_t connection = Connect(ftp);
-    ASSERT_NE(connection, 0);
-    EXPECT_TRUE(internet.FtpSetCurrentDirectory(connection, "incoming"));
+    const std::unique_ptr<FtpConnection> connection = Connect(ftp);
+    ASSERT_TRUE(connection);
+    EXPECT_TRUE(internet.FtpSetCurrentDirectory(*connection, "incoming"));
     QByteArray bytes("\r\n\n\xff");
     bytes.append(500000, '\n');
-    EXPECT_TRUE(internet.FtpPutFile(connection, LocalFile(bytes), "3-7.xml"));
+    EXPECT_TRUE(internet.FtpPutFile(*connection, LocalFile(bytes), "3-7.xml"));
     EXPECT_EQ(ftp.File("incoming/3-7.xml"), bytes);
     // The same name may come again, shorter, and a name is only a name.
-    EXPECT_TRUE(internet.FtpPutFile(connection, LocalFile("x"), "3-7.xml"));
-    EXPECT_TRUE(internet.FtpPutFile(connection, LocalFile(""), "a ;type=a%41#?.xml"));
+    EXPECT_TRUE(internet.FtpPutFile(*connection, LocalFile("x"), "3-7.xml"));
+    EXPECT_TRUE(internet.FtpPutFile(*connection, LocalFile(""), "a ;type=a%41#?.xml"));
     EXPECT_EQ(ftp.File("incoming/3-7.xml"), "x");
     EXPECT_EQ(ftp.Incoming(), QStringList({"3-7.xml", "a ;type=a%41#?.xml"}));
-    internet.InternetCloseHandle(connection);
     const QStringList login = {"USER anonymous", "PASS <password>", "PWD", "CWD incoming"};
     const QStringList first = {"EPSV", "TYPE I", "STOR 3-7.xml"};
     EXPECT_EQ(ftp.Commands().mid(0, 7), login + first);
     EXPECT_EQ(ftp.Commands().filter("USER").size(), 1);
-    EXPECT_FALSE(internet.FtpPutFile(connection, LocalFile("x"), "late.xml"));
-    EXPECT_EQ(internet.LastError(), internet::WrongHandle);
 }
 
 TEST_F(Upload, AConnectionThatFailsSaysWhy) {
@@ -188,29 +185,27 @@ TEST_F(Upload, AConnectionThatFailsSaysWhy) {
         EXPECT_EQ(CodeOfConnecting(server), internet::InvalidUrl) << server;
     const SurveyServer silent; // waits for a request and never greets
     Internet impatient(Impatient);
-    EXPECT_EQ(impatient.InternetConnect(impatient.InternetOpen(),
-                                        QString("127.0.0.1:%1").arg(silent.Port()), "", ""),
-              0);
+    EXPECT_FALSE(impatient.InternetConnect(*impatient.InternetOpen(),
+                                           QString("127.0.0.1:%1").arg(silent.Port()), "", ""));
     EXPECT_EQ(impatient.LastError(), internet::TimedOut);
-    EXPECT_EQ(internet.InternetConnect(4711, ftp.Host(), "", ""), 0);
-    EXPECT_EQ(internet.LastError(), internet::WrongHandle);
 }
 
 TEST_F(Upload, ARefusalBringsTheServersOwnWords) {
     const FtpServer readOnly({.furtherLines = "anon_upload_enable=NO\n"});
-    std::int32_t connection = Connect(readOnly);
-    EXPECT_FALSE(internet.FtpSetCurrentDirectory(connection, "no such"));
+    const std::unique_ptr<FtpConnection> connection = Connect(readOnly);
+    EXPECT_FALSE(internet.FtpSetCurrentDirectory(*connection, "no such"));
     EXPECT_EQ(internet.LastResponse(), "550 Failed to change directory.");
-    EXPECT_FALSE(internet.FtpPutFile(connection, LocalFile("x"), "x.xml"));
+    EXPECT_FALSE(internet.FtpPutFile(*connection, LocalFile("x"), "x.xml"));
     EXPECT_EQ(internet.LastError(), internet::ServersOwnWords);
     EXPECT_EQ(internet.LastResponse(), "550 Permission denied.");
-    EXPECT_FALSE(internet.FtpPutFile(connection, directory.filePath("missing"), "x.xml"));
+    EXPECT_FALSE(internet.FtpPutFile(*connection, directory.filePath("missing"), "x.xml"));
     EXPECT_EQ(internet.LastError(), internet::LocalFileNotFound);
 
     // A small file is sent before the server can refuse it, a large one is cut off on its way.
     const FtpServer full({.largestFile = 20000});
     for (int size : {25000, 8000000}) {
-        EXPECT_FALSE(internet.FtpPutFile(Connect(full), LocalFile(QByteArray(size, 'x')), "x.xml"));
+        EXPECT_FALSE(
+            internet.FtpPutFile(*Connect(full), LocalFile(QByteArray(size, 'x')), "x.xml"));
         EXPECT_EQ(internet.LastError(), internet::ServersOwnWords);
         EXPECT_EQ(internet.LastResponse(), "451 Failure writing to local file.");
     }
@@ -226,9 +221,9 @@ TEST(FtpReply, GoesOnToTheLineWithItsCodeAndABlank) {
 
 TEST_F(Upload, ASessionThatTheServerEndsIsNotQuietlyTakenUpAgain) {
     FtpServer ftp;
-    const std::int32_t connection = Connect(ftp);
-    ASSERT_NE(connection, 0);
+    const std::unique_ptr<FtpConnection> connection = Connect(ftp);
+    ASSERT_TRUE(connection);
     ftp.Stop();
-    EXPECT_FALSE(internet.FtpPutFile(connection, LocalFile("x"), "x.xml"));
+    EXPECT_FALSE(internet.FtpPutFile(*connection, LocalFile("x"), "x.xml"));
     EXPECT_EQ(internet.LastError(), internet::ConnectionEnded);
 }

@@ -5,6 +5,7 @@
 #include <QPointer>
 
 #include "WebWizard.h"
+#include "platform/network/FtpConnection.h"
 #include "support/Bytes.h"
 #include "support/FtpServer.h"
 #include "web/frmWizWebPublish_Complete.h"
@@ -128,7 +129,7 @@ TEST_P(Publish, TellsWhatHappensAndAsksTheServerNothingElse) {
     if (run.box == Exists)
         dialogs.answers = {run.further == Cancelled ? MsgAnswer::No : MsgAnswer::Yes};
     program.state.CurrentSurvey.AddQ(QString(30000, 'x'), kind::OpenEnded, 1, 1);
-    net.FtpHandle = 5; // left by a run that failed
+    net.FtpHandle = std::make_unique<FtpConnection>(TransferPatience{}); // of a run that failed
     QStringList calls;
     for (const char* call = run.calls; *call; ++call)
         calls << Asked[*call - '0'];
@@ -151,8 +152,8 @@ TEST_P(Publish, TellsWhatHappensAndAsksTheServerNothingElse) {
     // An upload that is refused on its way never closes its handles.
     const bool asked = calls.contains(Asked[3]);
     if (asked || run.ftp == Ftp::Full) {
-        EXPECT_EQ(net.FtpHandle == 0, asked);
-        EXPECT_EQ(net.InternetHandle == 0, asked);
+        EXPECT_EQ(!net.FtpHandle, asked);
+        EXPECT_EQ(!net.InternetHandle, asked);
     }
     EXPECT_FALSE((run.box + messages.join(' ')).contains(QRegularExpression("Sesame|Rosebud")));
 }

@@ -92,7 +92,9 @@ class WebWizard : public testing::Test {
     SurveyServer server;
     struct : Internet {
         bool hasSessions = true;
-        std::int32_t InternetOpen() override { return hasSessions ? Internet::InternetOpen() : 0; }
+        std::optional<InternetSession> InternetOpen() override {
+            return hasSessions ? Internet::InternetOpen() : std::nullopt;
+        }
     } internet;
     wininet net{internet};
     modWebServer client{net, program.state.directories};

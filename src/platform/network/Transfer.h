@@ -19,7 +19,6 @@ constexpr std::int32_t UnknownScheme = 12006;
 constexpr std::int32_t NameNotResolved = 12007;
 constexpr std::int32_t WrongPassword = 12014;
 constexpr std::int32_t LoginFailed = 12015;
-constexpr std::int32_t WrongHandle = 12018;
 constexpr std::int32_t CannotConnect = 12029;
 constexpr std::int32_t ConnectionEnded = 12030;
 } // namespace internet
