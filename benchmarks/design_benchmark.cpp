@@ -32,13 +32,13 @@ struct Screen {
         window.show();
         design->LayOut(24);
         document.DoOpen(path, true, 1);
-        if (state.CurrentSurvey.QCount != questions)
+        if (state.CurrentSurvey.QCount() != questions)
             throw std::runtime_error("the survey was not read");
     }
 
     // By hand, somewhere in the middle.
     void SelectMiddle() {
-        const QString key = state.CurrentSurvey.GetQIndex(state.CurrentSurvey.QCount / 2)->Key;
+        const QString key = state.CurrentSurvey.GetQIndex(state.CurrentSurvey.QCount() / 2)->Key;
         design->SelectNode(key);
         design->tvTreeView_NodeClick(key);
         QCoreApplication::processEvents();

@@ -103,7 +103,6 @@ class Builder {
 void SummaryReport::AddEntry(std::int32_t count, std::int64_t key) {
     SummaryKeys.push_back(Narrow16(key));
     SummaryCounts.push_back(count);
-    ++SummaryRowCount;
 }
 
 QString PercentageText(std::int64_t count, std::int64_t total) {

@@ -36,9 +36,11 @@ struct SummaryReport {
     // One entry for each step of the building, from 1; element 0 is unused. After a matrix the
     // entries run ahead of the rows by one, and by a further one after each matrix that follows:
     // the graph reads them at the grid's row number as they stand.
-    std::int32_t SummaryRowCount = 0;
     std::vector<std::int32_t> SummaryCounts = {0};
     std::vector<std::int16_t> SummaryKeys = {0};
+    std::int32_t SummaryRowCount() const {
+        return static_cast<std::int32_t>(SummaryKeys.size()) - 1;
+    }
 
     void AddEntry(std::int32_t count, std::int64_t key);
 };

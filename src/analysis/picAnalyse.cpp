@@ -206,8 +206,8 @@ void picAnalyse::RefreshGraph() {
     const int row = gSummaryReport_->Row();
     std::int16_t key = -1;
     // Read at the grid's row number, without regard to the shift that a matrix leaves.
-    if (row > 0 && summary_.SummaryRowCount > 0) {
-        if (row > summary_.SummaryRowCount)
+    if (row > 0 && summary_.SummaryRowCount() > 0) {
+        if (row > summary_.SummaryRowCount())
             throw Failure(failure::Subscript);
         key = summary_.SummaryKeys[row];
     }

@@ -37,7 +37,7 @@ QPushButton* NewButton(const char* name, const char* caption, const QString& say
 
 std::vector<std::shared_ptr<clsResponse>> ResponsesOf(const clsQ& q) {
     std::vector<std::shared_ptr<clsResponse>> responses;
-    for (int i = 1; i <= q.ResponsesCount; ++i)
+    for (int i = 1; i <= q.ResponsesCount(); ++i)
         responses.push_back(q.GetResponse(Narrow16(i)));
     return responses;
 }

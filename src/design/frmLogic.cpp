@@ -79,7 +79,7 @@ void frmLogic::Form_Load() {
     cboList_->AddItem("Next Question (Default)");
     cboList_->SetItemData(cboList_->NewIndex(), -1);
     // Every question is a target, the one that is asked about too, and backwards as well.
-    for (int i = 1; i <= survey.QCount; ++i) {
+    for (int i = 1; i <= survey.QCount(); ++i) {
         const std::shared_ptr<clsQ> q = survey.GetQIndex(Narrow16(i));
         const QString text = PlainTextOf(q->Question);
         cboList_->AddItem(IsNumbered(q->qType) ? NumberAndDot(q->QuestionNo) + text : text);

@@ -109,7 +109,7 @@ void picTreeView::cmdDown_Click() {
 }
 
 void picTreeView::cmdDelete_Click() {
-    if (editor_.Survey().QCount == 1) {
+    if (editor_.Survey().QCount() == 1) {
         state_.dialogs.MsgBox("Can't delete last question.", MsgIcon::Critical);
         return;
     }

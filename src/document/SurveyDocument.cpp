@@ -85,7 +85,7 @@ SurveyDocument::~SurveyDocument() {
 }
 
 bool SurveyDocument::IsFileChanged() const {
-    if (state_.CurrentSurvey.QCount == 1 && views_.EditorText().isEmpty())
+    if (state_.CurrentSurvey.QCount() == 1 && views_.EditorText().isEmpty())
         return false;
     return state_.fileChanged_;
 }

@@ -8,8 +8,8 @@ namespace pollarix {
 SurveySnapshot SurveySnapshot::Take(const clsSurvey& survey, const QString& selectedKey) {
     SurveySnapshot snapshot;
     snapshot.selectedKey = selectedKey;
-    snapshot.questions.reserve(static_cast<std::size_t>(survey.QCount));
-    for (int i = 1; i <= survey.QCount; ++i) {
+    snapshot.questions.reserve(static_cast<std::size_t>(survey.QCount()));
+    for (int i = 1; i <= survey.QCount(); ++i) {
         const clsQ& q = *survey.GetQIndex(Narrow16(i));
         Question& question = snapshot.questions.emplace_back(Question{q.DatabaseID,
                                                                       q.Key,
@@ -19,8 +19,8 @@ SurveySnapshot SurveySnapshot::Take(const clsSurvey& survey, const QString& sele
                                                                       q.OpenEnded_NoOfRows,
                                                                       q.ResponseMatrixGroupID,
                                                                       {}});
-        question.responses.reserve(static_cast<std::size_t>(q.ResponsesCount));
-        for (int j = 1; j <= q.ResponsesCount; ++j) {
+        question.responses.reserve(static_cast<std::size_t>(q.ResponsesCount()));
+        for (int j = 1; j <= q.ResponsesCount(); ++j) {
             const clsResponse& r = *q.GetResponse(Narrow16(j));
             question.responses.push_back(
                 {r.DatabaseID, r.Text, r.LogicJumpToQuestionID, r.LogicJumpToQuestionKey});

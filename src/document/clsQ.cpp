@@ -7,12 +7,11 @@
 namespace pollarix {
 
 void clsQ::RemoveResponse(std::int16_t i) {
-    if (ResponsesCount < 1)
+    if (ResponsesCount() < 1)
         throw Failure(failure::Subscript);
-    for (std::int16_t at = i < 1 ? ResponsesCount : i; at < ResponsesCount; ++at)
+    for (std::int16_t at = i < 1 ? ResponsesCount() : i; at < ResponsesCount(); ++at)
         responses_[at] = responses_[at + 1];
-    --ResponsesCount;
-    responses_.resize(ResponsesCount + 1);
+    responses_.pop_back();
 }
 
 void clsQ::AddResponse(const QString& s, std::int32_t ResponseDatabaseID,
@@ -22,10 +21,9 @@ void clsQ::AddResponse(const QString& s, std::int32_t ResponseDatabaseID,
     r->DatabaseID = Narrow16(ResponseDatabaseID);
     r->LogicJumpToQuestionID = Narrow16(LogicJumpToQuestionID);
     r->LogicJumpToQuestionKey = LogicJumpToQuestionKey;
-    const std::int16_t count = Narrow16(ResponsesCount + 1);
+    const std::int16_t count = Narrow16(ResponsesCount() + 1);
     responses_.resize(count + 1);
     responses_[count] = std::move(r);
-    ResponsesCount = count;
 }
 
 std::shared_ptr<clsResponse> clsQ::GetResponse(std::int16_t i) const {
@@ -41,7 +39,6 @@ void clsQ::UpdateResponse(std::int16_t i, std::shared_ptr<clsResponse> r) {
 }
 
 void clsQ::ClearAllResponses() {
-    ResponsesCount = 0;
     responses_.clear();
 }
 

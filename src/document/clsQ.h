@@ -22,8 +22,11 @@ class clsQ {
     // Lines for the answer of an open ended question. Kept in memory only: a question read from a
     // file has 0 here.
     std::int16_t OpenEnded_NoOfRows = 0;
-    std::int16_t ResponsesCount = 0;
     std::int16_t ResponseMatrixGroupID = 0; // responsematrixgroup.id of a matrix's scale
+
+    std::int16_t ResponsesCount() const {
+        return static_cast<std::int16_t>(responses_.empty() ? 0 : responses_.size() - 1);
+    }
 
     // Takes out the response at the position (1-based); later ones close up. A position out of
     // range drops the last response: the list always shrinks. Throws Subscript on an empty list.

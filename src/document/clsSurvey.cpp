@@ -16,19 +16,18 @@ QString CreateGUIDKey(const QString& strip) {
 }
 
 void clsSurvey::Append(std::shared_ptr<clsQ> q) {
-    const std::int16_t count = Narrow16(QCount + 1);
+    const std::int16_t count = Narrow16(QCount() + 1);
     questions_.resize(count + 1);
     questions_[count] = std::move(q);
-    if (positions_.size() == QCount)
+    if (positions_.size() == count - 1)
         positions_.insert(questions_[count]->Key, count);
     else
         positions_.clear();
-    QCount = count;
 }
 
 void clsSurvey::ReorderQ_QuestionNos() {
     int number = 1;
-    for (int i = 1; i <= QCount; ++i)
+    for (int i = 1; i <= QCount(); ++i)
         if (IsNumbered(questions_[i]->qType))
             questions_[i]->QuestionNo = QString::number(number++);
 }
@@ -44,7 +43,7 @@ QString clsSurvey::AddQ(const QString& Question, std::int32_t qType, std::int16_
     q->DatabaseID = DatabaseID;
     if (IsNumbered(qType)) {
         int numbered = 0;
-        for (int i = 1; i <= QCount; ++i)
+        for (int i = 1; i <= QCount(); ++i)
             if (IsNumbered(questions_[i]->qType))
                 ++numbered;
         q->QuestionNo = QString::number(numbered + 1);
@@ -63,18 +62,17 @@ QString clsSurvey::AddQ2(const std::shared_ptr<clsQ>& newQ) {
 }
 
 void clsSurvey::DeleteQ(const QString& Key) {
-    if (QCount < 1)
+    if (QCount() < 1)
         throw Failure(failure::Subscript);
     bool found = false;
-    for (int i = 1; i < QCount; ++i) {
+    for (int i = 1; i < QCount(); ++i) {
         found = found || questions_[i]->Key == Key;
         if (found)
             questions_[i] = questions_[i + 1];
     }
     positions_.clear();
     // The shrink is not conditional: a key that is not in the list costs the last question.
-    --QCount;
-    questions_.resize(QCount + 1);
+    questions_.pop_back();
 }
 
 void clsSurvey::DebugQResponses(std::int16_t i) const {
@@ -82,7 +80,7 @@ void clsSurvey::DebugQResponses(std::int16_t i) const {
         const std::shared_ptr<clsQ> q = GetQIndex(i);
         if (!q)
             return;
-        for (int j = 1; j <= q->ResponsesCount; ++j)
+        for (int j = 1; j <= q->ResponsesCount(); ++j)
             (void)q->GetResponse(Narrow16(j));
     } catch (const Failure&) {
         // Ignored on purpose: the walk is for a debugger only.
@@ -105,7 +103,7 @@ void clsSurvey::SwapQ(const QString& Key1, const QString& Key2) {
 
 std::int16_t clsSurvey::GetQIndexFromKey(const QString& Key) const {
     if (positions_.isEmpty())
-        for (std::int16_t i = QCount; i >= 1; --i)
+        for (std::int16_t i = QCount(); i >= 1; --i)
             positions_.insert(questions_[i]->Key, i); // the first of two stays
     return positions_.value(Key, -1);
 }
@@ -121,7 +119,7 @@ std::int32_t clsSurvey::GetQuestionTypeFromKey(const QString& Key) const {
 }
 
 QString clsSurvey::GetKeyFromDatabaseID(std::int16_t DatabaseID) const {
-    for (int i = 1; i <= QCount; ++i)
+    for (int i = 1; i <= QCount(); ++i)
         if (questions_[i]->DatabaseID == DatabaseID)
             return questions_[i]->Key;
     return {};
@@ -159,7 +157,6 @@ void clsSurvey::UpdateQuestionType(const QString& Key, std::int32_t QuestionType
 void clsSurvey::ClearAll() {
     questions_.clear();
     positions_.clear();
-    QCount = 0;
 }
 
 } // namespace pollarix

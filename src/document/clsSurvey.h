@@ -19,8 +19,12 @@ QString CreateGUIDKey(const QString& strip);
 
 class clsSurvey {
   public:
-    std::int16_t QCount = 0;
     QString ProjectFilename; // nothing reads or writes it; the path is ApplicationState's
+
+    // How many questions there are.
+    std::int16_t QCount() const {
+        return static_cast<std::int16_t>(questions_.empty() ? 0 : questions_.size() - 1);
+    }
 
     // Numbers the questions 1, 2, 3 ... in list order. An instruction text uses up no number and
     // keeps whatever number it has.

@@ -51,12 +51,12 @@ void WriteScale(Document& document, Connection& file, std::int16_t group) {
 }
 
 void WriteResponses(Document& document, Connection& file, const clsQ& q) {
-    document.Value(1, "ResponsesCount", q.ResponsesCount);
-    if (q.ResponsesCount < 1)
+    document.Value(1, "ResponsesCount", q.ResponsesCount());
+    if (q.ResponsesCount() < 1)
         return;
     // One wrapper for all responses of the question, not one for each.
     document.Line(2, u"<Response>");
-    for (int j = 1; j <= q.ResponsesCount; ++j) {
+    for (int j = 1; j <= q.ResponsesCount(); ++j) {
         const std::shared_ptr<clsResponse> r = q.GetResponse(Narrow16(j));
         // Its result serves nothing, but a file that can't answer ends the run.
         file.Execute("SELECT id FROM response WHERE id = ?", {r->DatabaseID});
@@ -89,7 +89,7 @@ void DoSaveXML(ApplicationState& state, const SurveyViews& views) {
     document.Value(0, "user", QString());
     document.Value(0, "key", QString());
     document.Value(0, "version", QString("1.4"));
-    for (int i = 1; i <= survey.QCount; ++i) {
+    for (int i = 1; i <= survey.QCount(); ++i) {
         const clsQ& q = *survey.GetQIndex(Narrow16(i));
         file.Execute("SELECT id FROM question WHERE id = ?", {q.DatabaseID}); // as above
         document.Line(0, u"<q>");

@@ -119,7 +119,7 @@ QString DesignScreen::Entries(const char* list) const {
 
 QString DesignScreen::Responses(int question) const {
     const auto q = state.CurrentSurvey.GetQIndex(std::int16_t(question));
-    return Joined(1, q->ResponsesCount,
+    return Joined(1, q->ResponsesCount(),
                   [&](int i) { return q->GetResponse(std::int16_t(i))->Text; });
 }
 

@@ -162,7 +162,7 @@ TEST_F(QuestionPanel, NothingIsCutOffOrCoveredInASmallWindow) {
         window_.resize(size);
         QTest::qWait(0);
         design_->LayOut(24);
-        for (int i = 1; i <= Survey().QCount; ++i) {
+        for (int i = 1; i <= Survey().QCount(); ++i) {
             ClickNode(i);
             QTest::qWait(0);
             EXPECT_FALSE(QApplication::focusWidget()->visibleRegion().isEmpty()) << "scrolled to";

@@ -18,7 +18,7 @@ class QuestionTree : public DesignScreen {
   protected:
     // Number and first line of each question in the model.
     QString Model() {
-        return Joined(1, Survey().QCount, [&](int i) {
+        return Joined(1, Survey().QCount(), [&](int i) {
             return Q(i).QuestionNo + PlainTextOf(Q(i).Question).section("\r\n", 0, 0);
         });
     }

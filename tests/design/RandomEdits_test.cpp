@@ -281,7 +281,7 @@ class RandomEdits : public DesignScreen {
                 rows << r.Text(0) + ">" + PlainTextOf(r.NullToString(1));
         }
         EXPECT_EQ(rows, expected);
-        EXPECT_EQ(Get<TreeView>("tvTreeView").Count(), Survey().QCount + 1);
+        EXPECT_EQ(Get<TreeView>("tvTreeView").Count(), Survey().QCount() + 1);
         EXPECT_EQ(Rows("SELECT 1 FROM question WHERE Deleteme"), "");
     }
 

@@ -157,7 +157,7 @@ TEST_F(Undo, ASaveKeepsStepsUpToTheFirstThatNeedsADeletedRow) {
     const QString saved = Rows(qPrintable(rows));
     for (int step = 0; step < 10; ++step)
         StepKey(Qt::Key_Z);
-    EXPECT_EQ(Survey().QCount, 2) << "the addition is undone, the deletion is not";
+    EXPECT_EQ(Survey().QCount(), 2) << "the addition is undone, the deletion is not";
     EXPECT_TRUE(state.FileChanged());
     for (int step = 0; step < 10; ++step)
         StepKey(Qt::Key_Y);

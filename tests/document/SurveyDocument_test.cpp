@@ -86,7 +86,7 @@ TEST_F(SurveyDocumentTest, ASaveWritesInListOrderSweepsAndReadsBack) {
     EXPECT_EQ(Survey().GetQIndex(2)->GetResponse(2)->LogicJumpToQuestionKey,
               Survey().GetQIndex(4)->Key);
     EXPECT_EQ(Survey().GetQIndex(4)->ResponseMatrixGroupID, 3);
-    EXPECT_EQ(Survey().GetQIndex(3)->ResponsesCount, 0);
+    EXPECT_EQ(Survey().GetQIndex(3)->ResponsesCount(), 0);
 
     // The second save updates the same rows and changes nothing.
     document.DoSave();
@@ -157,7 +157,7 @@ TEST_F(SurveyDocumentTest, OpeningFollowsTheFile) {
     document.DoClose();
     EXPECT_EQ(state.CurrentFilename(), "");
     EXPECT_EQ(path_, "");
-    EXPECT_EQ(Survey().QCount, 4); // the model stays until the next opening
+    EXPECT_EQ(Survey().QCount(), 4); // the model stays until the next opening
     EXPECT_EQ(views.clicks.last(), RootKey);
     document.DoClose(); // nothing open: no failure
     document.DoOpen(path, true, 99);
@@ -208,7 +208,7 @@ TEST_F(SurveyDocumentTest, AsManyQuestionsAndResponsesAs16BitsCount) {
                   "LogicJumpToQuestionID) SELECT 7, questionno, pos, 1, 32767 FROM question"});
     document.DoOpen(path, true, 32767);
     ASSERT_EQ(dialogs.TakeTexts(), QStringList());
-    ASSERT_EQ(Survey().QCount, 32767);
+    ASSERT_EQ(Survey().QCount(), 32767);
     const auto last = Survey().GetQIndex(32767);
     EXPECT_EQ(views.selected, last->Key);
     EXPECT_EQ(Survey().GetQIndex(7)->GetResponse(32767)->LogicJumpToQuestionKey, last->Key);
@@ -234,7 +234,7 @@ TEST_F(SurveyDocumentTest, AnotherVersionIsAWarningOnly) {
     EXPECT_EQ(dialogs.TakeTexts(),
               QStringList("Unable to open survey file - expecting version 1.7, "
                           "but found version 1.4"));
-    EXPECT_EQ(Survey().QCount, 1);
+    EXPECT_EQ(Survey().QCount(), 1);
     document.DoClose();
     RunSql(path, {"DELETE FROM version"});
     document.DoOpen(path, true, 1);
@@ -361,7 +361,7 @@ TEST_F(SurveyDocumentTest, ASaveThatFailsChangesNothing) {
         // A reorder, then the save: every question is its own.
         Survey().SwapQ(fourth->Key, third->Key);
         QStringList texts;
-        for (std::int16_t i = 1; i <= Survey().QCount; ++i)
+        for (std::int16_t i = 1; i <= Survey().QCount(); ++i)
             texts << Survey().GetQIndex(i)->Question;
         ASSERT_TRUE(document.DoSave());
         EXPECT_EQ(SqlRows(path, "SELECT question FROM question ORDER BY pos", 1), texts);
@@ -390,7 +390,7 @@ TEST_F(SurveyDocumentTest, ASurveyThatWasNotReadWholeIsNeverWritten) {
     EXPECT_EQ(dialogs.TakeTexts(),
               QStringList({told, told, "Do you want to save the changes you made?", told}));
     EXPECT_EQ(Questions(path), questions);
-    EXPECT_EQ(Survey().QCount, 3);
+    EXPECT_EQ(Survey().QCount(), 3);
     EXPECT_TRUE(state.FileChanged());
 }
 
@@ -650,7 +650,7 @@ TEST_F(RecoveryTest, AFileThatWasChangedSinceIsLeftAlone) {
     dialogs.answers = {MsgAnswer::Yes};
     EXPECT_TRUE(document.OfferRecovery(path));
     EXPECT_EQ(dialogs.TakeTexts().size(), 2);
-    EXPECT_EQ(Survey().QCount, 2);
+    EXPECT_EQ(Survey().QCount(), 2);
     EXPECT_TRUE(EndsInTmp(state.CurrentFilename(), Qt::CaseSensitive));
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 QStringList Numbers(const clsSurvey& survey) {
     QStringList numbers;
-    for (std::int16_t i = 1; i <= survey.QCount; ++i)
+    for (std::int16_t i = 1; i <= survey.QCount(); ++i)
         numbers << survey.GetQIndex(i)->QuestionNo;
     return numbers;
 }
@@ -29,7 +29,7 @@ TEST(clsSurvey, FailedLookupsYieldValues) {
     survey.SwapQ("x", "y");
     EXPECT_EQ(NumberOf([&] { survey.UpdateQuestion("x", "t"); }), failure::NoObject);
     EXPECT_EQ(NumberOf([&] { (void)survey.GetQIndex(1); }), failure::Subscript);
-    EXPECT_EQ(survey.QCount, 0);
+    EXPECT_EQ(survey.QCount(), 0);
 }
 
 TEST(clsSurvey, NumbersFollowTheListAndSkipInstructionText) {
@@ -61,7 +61,7 @@ TEST(clsSurvey, RemovalAlwaysShrinks) {
     survey.AddQ("a", 1, 7, 2);
     const QString b = survey.AddQ("b", 1, 7, 2);
     survey.DeleteQ("unknown");
-    EXPECT_EQ(survey.QCount, 1);
+    EXPECT_EQ(survey.QCount(), 1);
     EXPECT_EQ(survey.GetQ(b), nullptr);
     EXPECT_EQ(survey.GetKeyFromDatabaseID(7), survey.GetQIndex(1)->Key);
 
@@ -70,19 +70,19 @@ TEST(clsSurvey, RemovalAlwaysShrinks) {
         q.AddResponse(text, -1, -1, "");
     q.RemoveResponse(2);
     q.RemoveResponse(99);
-    ASSERT_EQ(q.ResponsesCount, 2);
+    ASSERT_EQ(q.ResponsesCount(), 2);
     EXPECT_EQ(q.GetResponse(1)->Text, "one");
     EXPECT_EQ(q.GetResponse(2)->Text, "three");
     EXPECT_EQ(NumberOf([&] { (void)q.GetResponse(3); }), failure::Subscript);
     EXPECT_EQ(NumberOf([&] { q.AddResponse("", 32768, -1, ""); }), failure::Overflow);
-    EXPECT_EQ(q.ResponsesCount, 2);
+    EXPECT_EQ(q.ResponsesCount(), 2);
 }
 
 // Each key's position, looked up by it after each change, is the first place where it stands.
 TEST(clsSurvey, KeysAreFoundWhereTheyStandAfterEachChange) {
     clsSurvey survey;
     const auto check = [&](const char* change) {
-        for (std::int16_t i = survey.QCount; i >= 1; --i) {
+        for (std::int16_t i = survey.QCount(); i >= 1; --i) {
             const QString key = survey.GetQIndex(i)->Key;
             std::int16_t first = 1;
             while (survey.GetQIndex(first)->Key != key)

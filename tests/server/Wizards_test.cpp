@@ -29,7 +29,7 @@ class Together : public WebWizard {
         check.AddResponse("a < b", 42, -1, "");
         Add("Read this", kind::Text, 13, 1);
         Add("Rate", kind::Matrix, 14, 2).AddResponse("Food", 51, -1, "");
-        EXPECT_EQ(survey.QCount, 4);
+        EXPECT_EQ(survey.QCount(), 4);
         RunSql(path, {"DELETE FROM responsematrix WHERE ResponseMatrixGroupID = 2",
                       "INSERT INTO responsematrix (id, name, ResponseMatrixGroupID, pos) VALUES"
                       "(301, 'Good', 2, 1), (302, 'Bad', 2, 2)"});
