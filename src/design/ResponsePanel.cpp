@@ -113,10 +113,14 @@ std::shared_ptr<clsQ> ResponsePanel::CurrentQuestion() const {
 
 std::shared_ptr<clsQ> ResponsePanel::QuestionOfList() {
     std::shared_ptr<clsQ> q = CurrentQuestion();
-    if (!q || shown_ == ResponsesOf(*q))
+    if (!q || ShowsResponsesOf(*q))
         return q;
     Refill(*q);
     return nullptr;
+}
+
+bool ResponsePanel::ShowsResponsesOf(const clsQ& q) const {
+    return shown_ == ResponsesOf(q);
 }
 
 void ResponsePanel::AddRow(QWidget* label, QWidget* field, QWidget* button) {
@@ -133,6 +137,7 @@ void ResponsePanel::Fill(const clsQ& q) {
         list_->AddItem(r->Text);
         list_->SetItemData(list_->NewIndex(), r->DatabaseID);
     }
+    ListChanged(q);
 }
 
 void ResponsePanel::ClearList() {
@@ -161,6 +166,7 @@ void ResponsePanel::Add_Click() {
     for (const QString& text : texts)
         list_->AddItem(text);
     shown_ = ResponsesOf(*q);
+    ListChanged(*q);
     box_->clear();
     FocusBox();
 }
@@ -188,6 +194,7 @@ void ResponsePanel::Move(int step) {
     const QString kept = list_->List(index);
     list_->SetList(index, list_->List(neighbour));
     list_->SetList(neighbour, kept);
+    ListChanged(*q);
     list_->SetListIndex(neighbour);
 }
 

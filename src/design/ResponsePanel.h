@@ -56,6 +56,8 @@ class ResponsePanel : public QWidget {
     // meet another response than the one in sight.
     std::shared_ptr<clsQ> QuestionOfList();
 
+    bool ShowsResponsesOf(const clsQ& q) const;
+
     void Add_Click();
     void Delete_Click();
     void List_Click();
@@ -63,6 +65,8 @@ class ResponsePanel : public QWidget {
     void Down_Click() { Move(1); }
     // Shows the question's responses, and what else the panel shows of it.
     virtual void Refill(const clsQ& q) { Fill(q); }
+    // Called after the list has come to show the question's responses otherwise than before.
+    virtual void ListChanged(const clsQ& q) = 0;
     // Called before two neighbours change places in the list; positions are 1-based.
     virtual void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) = 0;
 

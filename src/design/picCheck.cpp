@@ -3,6 +3,8 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include "design/JumpDelegate.h"
+#include "design/JumpTexts.h"
 #include "design/frmLogic.h"
 #include "platform/controls/OnClick.h"
 
@@ -28,11 +30,30 @@ picCheck::picCheck(ApplicationState& state, SurveyEditor& editor, TreeView& tvTr
     cmdRadioLogic_->setAccessibleName("Logic of the response");
     cmdRadioLogic_->setToolTip("Choose the question that follows the selected response");
     ButtonColumn().addWidget(cmdRadioLogic_);
+    list_->setItemDelegate(new JumpDelegate(list_));
     OnClick(cmdRadioLogic_, this, &picCheck::cmdRadioLogic_Click);
 }
 
 void picCheck::SetLogicVisible(bool on) {
     cmdRadioLogic_->setVisible(on);
+}
+
+void picCheck::ListChanged(const clsQ& q) {
+    const bool jumps = !cmdRadioLogic_->isHidden();
+    for (int i = 0; i < list_->ListCount(); ++i) {
+        const QString target =
+            jumps ? JumpTarget(editor_.Survey(), *q.GetResponse(Narrow16(i + 1))) : QString();
+        QListWidgetItem& entry = *list_->item(i);
+        entry.setData(JumpDelegate::JumpRole,
+                      target.isEmpty() ? QVariant() : QString(u'\u2192') + ' ' + target);
+        entry.setData(Qt::AccessibleTextRole,
+                      target.isEmpty() ? QVariant() : entry.text() + ", jumps to " + target);
+    }
+}
+
+void picCheck::ShowJumps() {
+    if (const std::shared_ptr<clsQ> q = CurrentQuestion(); q && ShowsResponsesOf(*q))
+        ListChanged(*q);
 }
 
 // The responses themselves move, so each keeps its row and its jump.
@@ -55,6 +76,7 @@ void picCheck::cmdRadioLogic_Click() {
     }
     frmLogic(editor_, LogicQuestion, Narrow16(list_->ListIndex() + 1), window()).exec();
     editor_.JumpAsked();
+    ShowJumps();
 }
 
 } // namespace pollarix

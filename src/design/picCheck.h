@@ -11,8 +11,10 @@ class picCheck : public ResponsePanel {
   public:
     picCheck(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView, QWidget* parent);
 
-    // Jumps belong to single-answer questions only.
+    // Jumps belong to single-answer questions only. The list shows them from its next filling on.
     void SetLogicVisible(bool on);
+    // Shows anew where the responses of the list lead, after questions got other numbers.
+    void ShowJumps();
 
     void cmdCheckAdd_Click() { Add_Click(); }
     void cmdCheckUp_Click() { Up_Click(); }
@@ -22,6 +24,7 @@ class picCheck : public ResponsePanel {
     void cmdRadioLogic_Click();
 
   private:
+    void ListChanged(const clsQ& q) override;
     void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) override;
 
     QPushButton* cmdRadioLogic_;

@@ -58,6 +58,7 @@ picDesign::picDesign(ApplicationState& state, QWidget* parent)
     setObjectName("picDesign");
     picTitles_->setObjectName("picTitles");
     picQProperties_->setVisible(false);
+    picTreeView_->Renumbered = [this] { picQProperties_->ShowJumps(); };
     tvTreeView_.NodeClick = [this](TreeNode& Node) { picQProperties_->tvTreeView_NodeClick(Node); };
 }
 

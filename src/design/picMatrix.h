@@ -34,6 +34,7 @@ class picMatrix : public ResponsePanel {
 
   private:
     void Refill(const clsQ& q) override;
+    void ListChanged(const clsQ&) override {}
     void MoveInQuestion(clsQ& q, std::int16_t position, std::int16_t neighbour) override;
 
     ComboBox* cmbMatrixResponses_;

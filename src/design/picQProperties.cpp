@@ -304,6 +304,10 @@ void picQProperties::ShowKindPanel(QWidget& panel, std::initializer_list<QWidget
         other->setVisible(false);
 }
 
+void picQProperties::ShowJumps() {
+    picCheck_->ShowJumps();
+}
+
 void picQProperties::ClearCheckResponses() {
     picCheck_->ClearList();
 }

@@ -54,6 +54,7 @@ class picQProperties : public QFrame {
     const RichTextBox& Editor() const { return *txtQ_; }
     picMatrix& Matrix() { return *picMatrix_; }
     void ClearCheckResponses();
+    void ShowJumps(); // as picCheck tells
 
   protected:
     void resizeEvent(QResizeEvent* event) override;

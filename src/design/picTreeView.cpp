@@ -5,6 +5,8 @@
 #include <QToolButton>
 
 #include "design/ArrowButton.h"
+#include "design/JumpDelegate.h"
+#include "design/JumpTexts.h"
 #include "document/QuestionLabels.h"
 #include "document/SurveyViews.h"
 #include "platform/controls/OnClick.h"
@@ -22,6 +24,11 @@ picTreeView::picTreeView(ApplicationState& state, SurveyEditor& editor, QWidget*
     tvTreeView_->setObjectName("tvTreeView");
     tvTreeView_->setAccessibleName("Questions");
     tvTreeView_->setFrameShape(QFrame::NoFrame);
+    tvTreeView_->setItemDelegate(new TipDelegate(tvTreeView_, [this](const QModelIndex& index) {
+        const auto* const node = static_cast<TreeNode*>(tvTreeView_->itemFromIndex(index));
+        const QString from = JumpsTo(editor_.Survey(), node->Key());
+        return from.isEmpty() ? from : "Jumped to from:\n" + from;
+    }));
     cmdDelete_->setObjectName("cmdDelete");
     cmdDelete_->setAccessibleName("Delete question");
 
@@ -65,6 +72,8 @@ void picTreeView::ReindexTreeQuestionNos() {
         node.SetText(prefix +
                      (node.Text().isEmpty() ? QString(NoTextYet) : PlainTextOf(q->Question)));
     }
+    if (Renumbered)
+        Renumbered();
 }
 
 TreeNode& picTreeView::MoveTo(const TreeNode& neighbour, TreeView::Relationship side,

@@ -2,6 +2,8 @@
 // Adding and showing a question lie with picDesign and picQProperties.
 #pragma once
 
+#include <functional>
+
 #include "design/ListPanel.h"
 #include "document/SurveyEditor.h"
 #include "platform/controls/TreeView.h"
@@ -21,6 +23,9 @@ class picTreeView : public ListPanel {
 
     // Lays the tree over the panel. The panel's own place is the parent's business.
     void LayOutTree();
+
+    // Called when questions have got other places and numbers.
+    std::function<void()> Renumbered;
 
     // Rewrites the text of all question nodes, in the tree's collection order.
     void ReindexTreeQuestionNos();

@@ -8,8 +8,7 @@
 #include <utility>
 
 #include "document/Kinds.h"
-#include "document/QuestionLabels.h"
-#include "platform/base/ShownText.h"
+#include "document/QuestionLine.h"
 #include "platform/base/Windows1252.h"
 #include "platform/richtext/RichText.h"
 
@@ -23,10 +22,6 @@ using Response = SurveySnapshot::Response;
 constexpr qsizetype LongestLabel = 200;   // characters that are shown of a text
 constexpr qsizetype LongestQuote = 60;    // of one within a sentence
 constexpr qsizetype LettersThatShow = 10; // of those that are lost
-
-QString OnOneLine(const QString& text, qsizetype most) {
-    return Shortened(text.left(4 * most).simplified(), most);
-}
 
 QString Quoted(const QString& text) {
     return '"' + OnOneLine(text, LongestQuote) + '"';
@@ -169,7 +164,7 @@ class Check {
             for (const SurveyScales::Point& point : scales->points)
                 pointsOf_[point.scale] << point.name;
         for (const Question& q : survey.questions)
-            labels_.push_back(Label(q));
+            labels_.push_back(QuestionLine(q.qType, q.QuestionNo, q.Text, LongestLabel));
     }
 
     std::vector<Finding> Run() {
@@ -202,11 +197,6 @@ class Check {
     }
 
   private:
-    static QString Label(const Question& q) {
-        const QString text = OnOneLine(PlainTextOf(q.Text), LongestLabel);
-        return PrefixOf(q.qType, q.QuestionNo) + (text.isEmpty() ? QString(NoTextYet) : text);
-    }
-
     void Add(Finding::Kind kind, Finding::Gravity gravity, std::size_t response,
              const QString& words) {
         findings_.push_back({kind, gravity, survey_.questions[place_].Key,
