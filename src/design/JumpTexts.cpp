@@ -30,12 +30,12 @@ QString JumpTarget(const clsSurvey& survey, const clsResponse& response) {
 
 QString JumpsTo(const clsSurvey& survey, const QString& key) {
     QStringList lines;
-    for (int i = 1; i <= survey.QCount; ++i) {
+    for (int i = 1; i <= survey.QCount(); ++i) {
         const clsQ& q = *survey.GetQIndex(Narrow16(i));
         if (q.qType != kind::Radio)
             continue;
         QStringList from;
-        for (int j = 1; j <= q.ResponsesCount; ++j)
+        for (int j = 1; j <= q.ResponsesCount(); ++j)
             if (const clsResponse& r = *q.GetResponse(Narrow16(j)); r.LogicJumpToQuestionKey == key)
                 from << OnOneLine(r.Text, LongestResponse);
         if (from.isEmpty())
