@@ -1,5 +1,6 @@
-// What the survey server reads from anybody: the program's calls, forms, sessions of uploads,
-// survey documents, answers as a form carries them along. The first byte chooses among them.
+// What the survey server reads from anybody: requests, the program's calls, forms, sessions of
+// uploads, survey documents, answers as a form carries them along. The first byte chooses among
+// them.
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -11,10 +12,11 @@
 
 #include "exchange/CodePage.h"
 #include "exchange/ResultsWriter.h"
+#include "exchange/SentText.h"
 #include "exchange/SurveyReader.h"
-#include "server/accounts/SentText.h"
 #include "server/ftp/FtpSession.h"
 #include "server/net/Http.h"
+#include "server/net/RequestReader.h"
 #include "server/protocol/RawCall.h"
 #include "server/survey/SentAnswers.h"
 #include "server/survey/StoredAnswers.h"
@@ -38,9 +40,35 @@ void ReadCall(std::string_view query) {
         return;
     for (const std::string& value : call->values) {
         Require(exchange::IsUtf8(value), "values are UTF-8");
-        const std::string sent = server::AsSent(value);
-        Require(server::AsSent(sent) == sent, "a second sending changes nothing");
+        const std::string sent = exchange::AsSent(value);
+        Require(exchange::AsSent(sent) == sent, "a second sending changes nothing");
     }
+}
+
+// In two parts, as a network may deliver it; what isn't a head yet comes again with the rest.
+void ReadRequest(std::string_view bytes) {
+    constexpr std::size_t mostHead = 2000;
+    constexpr std::size_t mostBody = 1000;
+    server::Request request;
+    server::RequestReader reader(request, mostHead, mostBody);
+    const std::size_t middle = bytes.empty() ? 0 : static_cast<unsigned char>(bytes[0]);
+    for (const std::size_t end : {std::min(middle, bytes.size()), bytes.size()}) {
+        std::string_view part = bytes.substr(0, end);
+        boost::beast::error_code error;
+        while (!error && !reader.is_done() && !part.empty()) {
+            const std::size_t used = reader.put({part.data(), part.size()}, error);
+            part.remove_prefix(used);
+            bytes.remove_prefix(used);
+            if (!reader.is_header_done() && !reader.TakesMoreHead(used, part.size()))
+                return;
+        }
+        Require(request.body.size() <= mostBody, "a body has its bound");
+        Require(request.path.empty() || request.path[0] == '/', "a path begins with a slash");
+        if (reader.is_done() || (error && error != boost::beast::http::error::need_more))
+            break;
+    }
+    if (reader.is_header_done())
+        reader.IsAmbiguous();
 }
 
 void ReadForm(std::string_view body) {
@@ -148,6 +176,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     switch (data[0]) {
     case 'c':
         ReadCall(input);
+        break;
+    case 'h':
+        ReadRequest(input);
         break;
     case 'f':
         ReadForm(input);

@@ -28,11 +28,12 @@ DOCUMENT = ["platform/base", "platform/files", "platform/database", "platform/ri
 # Counting asks nobody: not even the dialogs.
 STATISTICS = ["document", "platform/base", "platform/database", "platform/richtext"]
 SCREEN = ["document", "statistics", "labelled", "exchange", *PLATFORM]
-# The survey server knows nothing of the desktop program but what both exchange.
+# The survey server knows nothing of the desktop program but what both exchange, and the code page, which
+# is plain numbers.
 SERVER = {
-    "exchange": [],
+    "exchange": ["platform/base/CodePage1252.h"],
     "server/store": [],
-    "server/accounts": ["exchange", "server/store"],
+    "server/accounts": ["exchange", "server/net", "server/store"],
     "server/net": [],
     "server/survey": ["exchange", "server/store"],
     "server/ftp": ["exchange", "server/accounts", "server/net", "server/store"],

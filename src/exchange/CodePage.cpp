@@ -3,18 +3,14 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/base/CodePage1252.h"
+
 namespace pollarix::exchange {
 
 namespace {
 
 constexpr std::size_t MostNamed = 20;
 constexpr char32_t NoLetter = 0xFFFD;
-
-// Bytes 0x80 to 0x9F; all others are the code points of the same number.
-constexpr std::array<char16_t, 32> HighControls = {
-    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
-    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
-    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
 
 unsigned char Byte(char c) {
     return static_cast<unsigned char>(c);
@@ -52,6 +48,12 @@ std::string LostLetters::Names() const {
         AppendLetter(names, letter);
     }
     return names;
+}
+
+void LostLetters::Note(char32_t letter) {
+    ++count;
+    if (some.size() < MostNamed && some.find(letter) == std::u32string::npos)
+        some += letter;
 }
 
 void AppendLetter(std::string& utf8, char32_t letter) {
@@ -96,10 +98,8 @@ bool IsUtf8(std::string_view bytes) {
 std::string Utf8FromWindows1252(std::string_view bytes) {
     std::string text;
     text.reserve(bytes.size());
-    for (const char c : bytes) {
-        const unsigned char byte = Byte(c);
-        AppendLetter(text, byte >= 0x80 && byte <= 0x9F ? HighControls[byte - 0x80U] : byte);
-    }
+    for (const char c : bytes)
+        AppendLetter(text, codepage1252::LetterOf(Byte(c)));
     return text;
 }
 
@@ -108,21 +108,23 @@ std::string Windows1252FromUtf8(std::string_view utf8, LostLetters& lost) {
     bytes.reserve(utf8.size());
     while (!utf8.empty()) {
         const char32_t letter = TakeLetter(utf8);
-        if (letter < 0x80 || (letter >= 0xA0 && letter <= 0xFF)) {
-            bytes += static_cast<char>(letter);
-            continue;
-        }
-        const auto* found = std::find(HighControls.begin(), HighControls.end(), letter);
-        if (found != HighControls.end()) {
-            bytes += static_cast<char>(0x80 + (found - HighControls.begin()));
+        if (const int byte = codepage1252::ByteOf(letter); byte >= 0) {
+            bytes += static_cast<char>(byte);
             continue;
         }
         bytes += '?';
-        ++lost.count;
-        if (lost.some.size() < MostNamed && lost.some.find(letter) == std::u32string::npos)
-            lost.some += letter;
+        lost.Note(letter);
     }
     return bytes;
+}
+
+void NoteLost(std::string_view utf8, LostLetters& lost) {
+    while (!utf8.empty()) {
+        if (Byte(utf8.front()) < 0x80)
+            utf8.remove_prefix(1);
+        else if (const char32_t letter = TakeLetter(utf8); codepage1252::ByteOf(letter) < 0)
+            lost.Note(letter);
+    }
 }
 
 } // namespace pollarix::exchange

@@ -14,6 +14,7 @@ struct LostLetters {
     std::u32string some; // the first few, each once
     // These as UTF-8, with blanks between them.
     std::string Names() const;
+    void Note(char32_t letter);
 };
 
 // Every byte is a character: the five that the code page leaves undefined become the control
@@ -22,6 +23,9 @@ std::string Utf8FromWindows1252(std::string_view bytes);
 
 // What the code page can't hold becomes one "?" for each letter, and is noted as lost.
 std::string Windows1252FromUtf8(std::string_view utf8, LostLetters& lost);
+
+// Notes the letters that the above would lose.
+void NoteLost(std::string_view utf8, LostLetters& lost);
 
 // Without overlong forms, surrogates and letters beyond the last one.
 bool IsUtf8(std::string_view bytes);

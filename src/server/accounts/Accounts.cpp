@@ -4,8 +4,9 @@
 #include <ctime>
 #include <mutex>
 
+#include "exchange/SentText.h"
 #include "server/accounts/Bounds.h"
-#include "server/accounts/SentText.h"
+#include "server/net/Address.h"
 
 namespace pollarix::server {
 
@@ -16,7 +17,8 @@ constexpr Time Day = 86400;
 // A name may be tried from many addresses. Its bound is wider, so that nobody can lock a holder out
 // with a handful of wrong passwords.
 constexpr int NameFactor = 10;
-constexpr int HashesAtOnce = 2; // 64 MB each
+// Each takes 64 MB, and the server is to stay below 128 whoever tries to log in.
+constexpr int HashesAtOnce = 1;
 constexpr int HashesWaiting = 16;
 constexpr std::size_t LongestName = 64;
 constexpr std::size_t ShortestPassword = 8;
@@ -113,36 +115,36 @@ Accounts::~Accounts() = default;
 
 Accounts::Login Accounts::LogIn(std::string_view typedName, std::string_view typedPassword,
                                 const std::string& address) {
-    const std::string name = AsSent(typedName);
-    const std::string password = AsSent(typedPassword);
+    const std::string name = exchange::AsSent(typedName);
+    const std::string password = exchange::AsSent(typedPassword);
     const std::string who = BoundName(address);
     const std::string key = Lower(name);
     if (state_->wrongByAddress.IsReached(who, Now()) || state_->wrongByName.IsReached(key, Now()))
-        return {LogInResult::TooMany, None};
+        return {LogInResult::TooMany};
     const auto account = state_->store.FindAccount(name);
     const bool canLogIn = account && !account->isDisabled && password.size() <= LongestPassword;
     bool fits = false;
     {
         const HashPlace place(*state_);
         if (!place)
-            return {LogInResult::Busy, None};
+            return {LogInResult::Busy};
         fits = PasswordFits(canLogIn ? account->passwordHash : std::string(),
                             std::string_view(password).substr(0, LongestPassword));
     }
     if (!fits) {
         state_->wrongByAddress.Count(who, Now());
         state_->wrongByName.Count(key, Now());
-        return {LogInResult::Wrong, None};
+        return {LogInResult::Wrong};
     }
-    return {LogInResult::Fine, account->id};
+    return {LogInResult::Fine, account->id, account->stamp};
 }
 
 Accounts::Creation Accounts::CreateAccount(std::string_view typedName,
                                            std::string_view typedPassword,
                                            std::string_view invitation,
                                            const std::string& address) {
-    const std::string wanted = AsSent(typedName);
-    const std::string password = AsSent(typedPassword);
+    const std::string wanted = exchange::AsSent(typedName);
+    const std::string password = exchange::AsSent(typedPassword);
     if (!MayCreateAccount(invitation))
         return {NewAccountResult::Closed, None};
     if (!IsNameFit(wanted))
@@ -199,7 +201,7 @@ NewAccountResult Accounts::ChangePassword(Id account, std::string_view oldPasswo
 }
 
 NewAccountResult Accounts::SetPassword(Id account, std::string_view typedPassword) {
-    const std::string newPassword = AsSent(typedPassword);
+    const std::string newPassword = exchange::AsSent(typedPassword);
     if (!IsPasswordFit(newPassword))
         return NewAccountResult::PasswordWeak;
     std::string hash;

@@ -4,7 +4,7 @@
 #include <array>
 #include <charconv>
 
-#include "server/accounts/SentText.h"
+#include "exchange/SentText.h"
 #include "server/store/Records.h"
 
 namespace pollarix::server {
@@ -57,10 +57,10 @@ std::optional<RawCall> ReadCall(std::string_view query) {
         const std::size_t end = function->isTypedFirst ? query.rfind(mark) : query.find(mark);
         if (end == std::string_view::npos)
             return std::nullopt;
-        call.values.push_back(TextOfSent(query.substr(0, end)));
+        call.values.push_back(exchange::TextOfSent(query.substr(0, end)));
         query.remove_prefix(end + mark.size());
     }
-    call.values.push_back(TextOfSent(query));
+    call.values.push_back(exchange::TextOfSent(query));
     return call;
 }
 

@@ -1,13 +1,15 @@
-#include "server/accounts/SentText.h"
+#include "exchange/SentText.h"
 
 #include <algorithm>
 #include <charconv>
 
 #include "exchange/CodePage.h"
 
-namespace pollarix::server {
+namespace pollarix::exchange {
 
 namespace {
+
+constexpr std::size_t LongestSurveyName = 200; // bytes
 
 // The byte that "%XX" at the text's start stands for, if the program writes that byte so; else -1.
 int EscapedByte(std::string_view text) {
@@ -44,7 +46,7 @@ template <typename Change> std::string EachPart(std::string_view text, Change ch
 
 std::string TextOfPart(std::string_view part) {
     std::string bytes = Unescaped(part);
-    return exchange::IsUtf8(bytes) ? bytes : exchange::Utf8FromWindows1252(bytes);
+    return IsUtf8(bytes) ? bytes : exchange::Utf8FromWindows1252(bytes);
 }
 
 } // namespace
@@ -55,10 +57,28 @@ std::string TextOfSent(std::string_view bytes) {
 
 std::string AsSent(std::string_view utf8) {
     return EachPart(utf8, [](std::string_view part) {
-        exchange::LostLetters lost;
-        const std::string narrow = exchange::Windows1252FromUtf8(part, lost);
+        LostLetters lost;
+        const std::string narrow = Windows1252FromUtf8(part, lost);
         return TextOfPart(lost.count == 0 ? std::string_view(narrow) : part);
     });
 }
 
-} // namespace pollarix::server
+std::string_view FaultOfSurveyName(std::string_view utf8) {
+    if (utf8.empty() || utf8.size() > LongestSurveyName)
+        return "The survey's name is empty or too long.";
+    for (std::string_view rest = utf8; !rest.empty();) {
+        // The program takes that mark for the end of the name.
+        if (rest.size() >= 4 && rest[0] == '<' && (rest[1] | 0x20) == 'b' &&
+            (rest[2] | 0x20) == 'r' && rest[3] == '>')
+            return "The survey's name can't have <br> in it.";
+        const char32_t letter = TakeLetter(rest);
+        if (letter < 0x20 || (letter >= 0x7F && letter <= 0x9F))
+            return "The survey's name has characters that can't be in a name.";
+    }
+    if (AsSent(utf8) != utf8)
+        return "The program can't send such a name: behind a % it has two characters that stand "
+               "for another one.";
+    return "";
+}
+
+} // namespace pollarix::exchange

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-namespace pollarix::server {
+namespace pollarix::exchange {
 
 // What was sent, as UTF-8.
 std::string TextOfSent(std::string_view bytes);
@@ -16,4 +16,8 @@ std::string TextOfSent(std::string_view bytes);
 // nothing any more.
 std::string AsSent(std::string_view utf8);
 
-} // namespace pollarix::server
+// What keeps a text from being a survey's name, in words for its author; "" for nothing. A name has
+// to come through the program's calls as it is, there and back.
+std::string_view FaultOfSurveyName(std::string_view utf8);
+
+} // namespace pollarix::exchange
