@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include <QDir>
 #include <QTemporaryDir>
 
 #include <atomic>
@@ -110,7 +111,7 @@ TEST_F(Stored, WhatWasAcknowledgedIsThereOnceAfterAKill) {
             },
             50 + round * 7));
         Store store(Directory());
-        EXPECT_TRUE(store.Check().empty());
+        EXPECT_TRUE(CheckDatabase(Directory()).empty());
         const auto stored = static_cast<std::size_t>(store.CountResults(survey).waiting);
         // One that was stored but not yet acknowledged may be there for each sender and round.
         EXPECT_GE(stored, acknowledged);
@@ -151,7 +152,7 @@ TEST_F(Stored, ADiskThatIsFullLosesNothingAndGoesOnWhenThereIsRoom) {
     EXPECT_GT(acknowledged, 10);
     EXPECT_LT(acknowledged, 1000);
     EXPECT_EQ(store.CountResults(survey).waiting, acknowledged);
-    EXPECT_TRUE(store.Check().empty());
+    EXPECT_TRUE(CheckDatabase(Directory()).empty());
 }
 
 TEST_F(Stored, ManyAtOnceAreOneRowForEachForm) {
@@ -212,20 +213,30 @@ TEST_F(Stored, DroppingTakesOnlyWhatWasHandedOutAndCanBeUndone) {
     auto fetch = store.WaitingResults(survey);
     ASSERT_EQ(fetch->Next()->answers, "0");
     store.Submit(survey, 1, "late", "late", Now); // while the fetch goes on
-    Id last = None;
     int handedOut = 1;
-    while (const auto row = fetch->Next()) {
+    while (const auto row = fetch->Next())
         EXPECT_EQ(row->answers, std::to_string(handedOut++));
-        last = row->id;
-    }
     EXPECT_EQ(handedOut, 450);
-    EXPECT_EQ(store.DropResults(survey, last, Now + 5), 450);
+    const HandedOut all = fetch->All();
+    EXPECT_EQ(store.DropResults(survey, all, Now + 5), 450);
     EXPECT_EQ(Answers(store.WaitingResults(survey)), Words{"late"});
     EXPECT_EQ(store.RestoreResults(survey, Now + 6), 0);
     EXPECT_EQ(store.RestoreResults(survey, Now + 5), 450);
     EXPECT_EQ(store.CountResults(survey).waiting, 451);
 
-    store.DropResults(survey, last, Now + 10);
+    // What came back since was not handed out by that fetch, nor by one that is under way.
+    EXPECT_EQ(store.DropResults(survey, all, Now + 6), 0);
+    fetch = store.WaitingResults(survey);
+    fetch->Next();
+    store.DropResults(survey, fetch->All(), Now + 7);
+    EXPECT_EQ(store.RestoreResults(survey, 0), 451);
+    while (fetch->Next()) {
+    }
+    EXPECT_EQ(store.DropResults(survey, fetch->All(), Now + 8), 0);
+
+    HandedOut first = store.WaitingResults(survey)->All();
+    first.last -= 1; // "late" stays
+    store.DropResults(survey, first, Now + 10);
     const Retention retention;
     EXPECT_EQ(store.Purge(retention, Now + 9 + retention.droppedResults), 0);
     EXPECT_EQ(store.Purge(retention, Now + 10 + retention.droppedResults), 450);
@@ -267,11 +278,77 @@ TEST_F(Stored, AnUpdateKeepsEarlierVersionsAndAClosedSurveyTakesNothing) {
     const Id next = store.CreateSurvey(changed.account, "Lunch", "y", Now);
     SQLite::Database(DatabasePath(Directory()), SQLite::OPEN_READWRITE)
         .exec("UPDATE sqlite_sequence SET seq = 32767 WHERE name = 'survey'");
-    EXPECT_THROW(store.CreateSurvey(changed.account, "One too many", "z", Now), OutOfNumbers);
+    EXPECT_THROW(store.CreateSurvey(changed.account, "One too many", "z", Now), Bounded);
     EXPECT_FALSE(store.UndeleteSurvey(survey));
     EXPECT_TRUE(store.DeleteSurvey(next, Now));
     EXPECT_TRUE(store.UndeleteSurvey(survey));
     EXPECT_EQ(store.CountResults(survey).waiting, 2);
+}
+
+TEST_F(Stored, VersionsDraftsAndDocumentsAreBoundedAndAnsweredVersionsStay) {
+    Store store(Directory());
+    survey = LiveSurvey(store);
+    PublishBounds bounds;
+    bounds.versions = 4;
+    const auto publish = [&](const std::string& document, Time now) {
+        return store.Publish(survey, document, true, now, bounds);
+    };
+    store.Submit(survey, 1, "1", "a", Now);
+    publish("2", Now);
+    store.KeepDraft("draft", {survey, 2, "half", Now});
+    publish("3", Now);
+    publish("4", Now);
+    // All are young, and forms of theirs may be open.
+    EXPECT_THROW(publish("5", Now + 86400), Bounded);
+    EXPECT_EQ(store.FindSurvey(survey)->version, 4);
+    EXPECT_EQ(publish("5", Now + 3 * 86400), 5);
+    EXPECT_TRUE(store.FindVersion(survey, 1) && store.FindVersion(survey, 2) &&
+                store.FindVersion(survey, 4));
+    EXPECT_FALSE(store.FindVersion(survey, 3)); // the one that nobody needs
+    store.Submit(survey, 4, "2", "a", Now);
+    store.Submit(survey, 5, "3", "a", Now);
+    EXPECT_THROW(publish("6", Now + 9 * 86400), Bounded);
+
+    bounds.documentBytes = 20;
+    store.KeepUpload(survey, std::string(12, 'x'), Now, bounds); // beside "first", "2", "4", "5"
+    EXPECT_THROW(store.KeepUpload(survey, std::string(13, 'x'), Now, bounds), Bounded);
+    EXPECT_EQ(store.FindUpload(survey)->size(), 12u);
+
+    EXPECT_TRUE(store.KeepDraft("other", {survey, 5, "half", Now}, 2));
+    EXPECT_FALSE(store.KeepDraft("one too many", {survey, 5, "half", Now}, 2));
+    EXPECT_TRUE(store.KeepDraft("draft", {survey, 2, "more", Now}, 2));
+    EXPECT_FALSE(store.FindDraft("one too many"));
+}
+
+// As the first delivered server has left it.
+void MakeOfFirstSchema(const std::string& directory) {
+    SQLite::Database old(DatabasePath(directory), SQLite::OPEN_READWRITE);
+    old.exec("DROP INDEX submission_lost; ALTER TABLE submission DROP COLUMN lost;"
+             "ALTER TABLE submission DROP COLUMN lost_letters;"
+             "ALTER TABLE submission DROP COLUMN restored; ALTER TABLE survey DROP COLUMN restores;"
+             "ALTER TABLE account DROP COLUMN stamp; PRAGMA user_version = 1");
+}
+
+TEST_F(Stored, OnlyTheServerBringsAnOlderDatabaseUpToDate) {
+    {
+        Store store(Directory());
+        survey = LiveSurvey(store);
+        store.Submit(survey, 1, "1", "a", Now);
+    }
+    MakeOfFirstSchema(Directory());
+    EXPECT_THROW(Store(Directory(), Opening::Use), StoreFailure);
+    EXPECT_TRUE(CheckDatabase(Directory()).empty());
+    BackupDatabase(Directory(), directory.filePath("copy").toStdString());
+    {
+        Store store(Directory(), Opening::Serve);
+        EXPECT_EQ(Answers(store.WaitingResults(survey)), Words{"a"});
+        EXPECT_EQ(store.DropResults(survey, store.WaitingResults(survey)->All(), Now), 1);
+        EXPECT_EQ(store.RestoreResults(survey, 0), 1);
+    }
+    EXPECT_NO_THROW(Store(Directory(), Opening::Use));
+    EXPECT_EQ(directory.isValid() ? QDir(directory.path()).entryList({"*.schema-1-*"}).size() : 0,
+              1);
+    EXPECT_THROW(CheckDatabase(Directory() + "/elsewhere"), StoreFailure);
 }
 
 TEST_F(Stored, ABackupIsWholeWhileAnswersComeInAndCanBeRestored) {
@@ -286,14 +363,14 @@ TEST_F(Stored, ABackupIsWholeWhileAnswersComeInAndCanBeRestored) {
         });
         while (store.CountResults(survey).waiting < 20)
             std::this_thread::yield();
-        store.Backup(file);
-        EXPECT_THROW(store.Backup(file), StoreFailure); // never over another one
+        BackupDatabase(Directory(), file);
+        EXPECT_THROW(BackupDatabase(Directory(), file), StoreFailure); // never over another one
         isEnough = true;
         sender.join();
     }
     EXPECT_NE(RestoreDatabase(Directory(), file), "");
     Store store(Directory());
-    EXPECT_TRUE(store.Check().empty());
+    EXPECT_TRUE(CheckDatabase(Directory()).empty());
     EXPECT_GE(store.CountResults(survey).waiting, 20);
 
     std::ofstream(file) << std::string(5000, 'x');

@@ -15,20 +15,6 @@ void ThrowStoreFailure(const SQLite::Exception& failure) {
                        std::to_string(failure.getExtendedErrorCode()) + ')');
 }
 
-bool HitsWholeTransaction(const SQLite::Exception& failure) {
-    switch (failure.getErrorCode()) {
-    case SQLITE_FULL:
-    case SQLITE_IOERR:
-    case SQLITE_NOMEM:
-    case SQLITE_BUSY:
-    case SQLITE_INTERRUPT:
-    case SQLITE_CORRUPT:
-        return true;
-    default:
-        return false;
-    }
-}
-
 Connection::Connection(const std::string& path, Use use)
     : database_(path, use == Use::Read ? SQLite::OPEN_READWRITE
                                        : SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE) {

@@ -22,8 +22,6 @@ struct Bytes {
 
 // A failure of SQLite in the store's terms.
 [[noreturn]] void ThrowStoreFailure(const SQLite::Exception& failure);
-// Whether it is one that may have ended the transaction that it came up in.
-bool HitsWholeTransaction(const SQLite::Exception& failure);
 
 // A statement that runs. It lets go of what it holds at its end.
 class Query {

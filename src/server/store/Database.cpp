@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "server/store/Schema.h"
+#include "server/store/Store.h"
 
 namespace pollarix::server {
 
@@ -70,15 +71,20 @@ std::string DatabasePath(const std::string& directory) {
     return directory + "/pollarix-server.db";
 }
 
-Database::Database(const std::string& directory) : path_(DatabasePath(directory)) {
+Database::Database(const std::string& directory, Opening opening) : path_(DatabasePath(directory)) {
     if (std::filesystem::exists(path_ + Restoring) && !std::filesystem::exists(path_))
         throw StoreFailure("Restoring a backup was cut short. Please restore it again.");
     try {
         Connection first(path_, Connection::Use::Write);
         const int schema = SchemaOf(first.Raw());
-        if (schema > 0 && schema < CurrentSchema())
+        if (schema > 0 && schema < CurrentSchema()) {
+            // An older server may be running on it.
+            if (opening == Opening::Use)
+                throw StoreFailure("The database is of an older version of this server. Please "
+                                   "start this version's server once: it brings it up to date.");
             CopyWhole(first, path_ + ".schema-" + std::to_string(schema) + '-' +
                                  std::to_string(std::time(nullptr)));
+        }
         BringUpToDate(first.Raw());
     } catch (const SQLite::Exception& failure) {
         if (failure.getErrorCode() == SQLITE_NOTADB)
@@ -112,15 +118,32 @@ Database::Borrowed::~Borrowed() {
     lender.returned_.notify_one();
 }
 
-void Database::Backup(const std::string& file) {
-    Connection connection(path_, Connection::Use::Write);
-    CopyWhole(connection, file);
+namespace {
+
+// One that is there, and this server's.
+std::unique_ptr<Connection> OpenKnown(const std::string& directory, Connection::Use use) {
+    const std::string path = DatabasePath(directory);
+    if (!std::filesystem::exists(path))
+        throw StoreFailure("There is no database in " + directory);
+    auto connection = std::make_unique<Connection>(path, use);
+    if (SchemaOf(connection->Raw()) == 0)
+        throw StoreFailure("There is nothing in the database " + path);
+    return connection;
 }
 
-std::vector<std::string> Database::Check() {
+} // namespace
+
+void BackupDatabase(const std::string& directory, const std::string& file) {
     try {
-        Connection connection(path_, Connection::Use::Read);
-        return Faults(connection.Raw());
+        CopyWhole(*OpenKnown(directory, Connection::Use::Write), file);
+    } catch (const SQLite::Exception& failure) {
+        ThrowStoreFailure(failure);
+    }
+}
+
+std::vector<std::string> CheckDatabase(const std::string& directory) {
+    try {
+        return Faults(OpenKnown(directory, Connection::Use::Read)->Raw());
     } catch (const SQLite::Exception& failure) {
         ThrowStoreFailure(failure);
     }

@@ -11,10 +11,11 @@
 
 namespace pollarix::server {
 
+enum class Opening;
+
 class Database {
   public:
-    // Makes the file, or brings it up to date with a copy beside it.
-    explicit Database(const std::string& directory);
+    Database(const std::string& directory, Opening opening);
 
     const std::string& Path() const { return path_; }
 
@@ -27,9 +28,6 @@ class Database {
             ThrowStoreFailure(failure);
         }
     }
-
-    void Backup(const std::string& file);
-    std::vector<std::string> Check();
 
   private:
     struct Borrowed {
@@ -51,6 +49,14 @@ class Database {
 // The database's file in a data directory.
 std::string DatabasePath(const std::string& directory);
 
+// These three take a database of any version of the server.
+
+// Copies the directory's database as it is at this moment into a new file, while it is in use.
+// Throws StoreFailure, also when the file exists.
+void BackupDatabase(const std::string& directory, const std::string& file);
+// What is wrong with the directory's database, a line each; empty when all is well. Throws
+// StoreFailure when it can't be read.
+std::vector<std::string> CheckDatabase(const std::string& directory);
 // Puts the file in the place of the directory's database, after looking whether it is one and
 // whole; what was there is kept beside it under the name that is given back ("" when there was
 // nothing). No server may be running. Throws StoreFailure.

@@ -26,8 +26,8 @@ struct StoreFull : StoreFailure {
     using StoreFailure::StoreFailure;
 };
 
-// A survey can't be numbered any more, in words for its author.
-struct OutOfNumbers : StoreFailure {
+// A bound of the server keeps a survey from being made or changed, in words for its author.
+struct Bounded : StoreFailure {
     using StoreFailure::StoreFailure;
 };
 
@@ -37,6 +37,7 @@ struct Account {
     std::string passwordHash; // argon2id, with its parameters; "" when no password fits
     bool isDisabled = false;
     Time created = 0;
+    std::int64_t stamp = 0; // another one ends all logins that were made until then
 };
 
 // A holder's login in a browser. The token itself is never stored, only its hash.
@@ -71,6 +72,25 @@ struct SurveyCounts {
     std::int64_t dropped = 0;   // fetched and dropped, and still there to be restored
     std::int64_t conflicts = 0; // of both: sent under a token that had been used with other answers
     Time last = 0;              // when the last one came, 0 for none
+};
+
+// How much an account may have of what it publishes.
+struct PublishBounds {
+    int versions = 200;                               // of a survey
+    std::int64_t documentBytes = 256LL * 1024 * 1024; // of all its surveys' versions and uploads
+};
+
+// Letters that the program can't show.
+struct LostCount {
+    std::int64_t count = 0;
+    std::string some; // a few of them, UTF-8
+};
+
+// What a fetch of a survey's results hands out: those that wait up to this one, without what is
+// restored after it has begun.
+struct HandedOut {
+    Id last = None;
+    std::int64_t restores = 0;
 };
 
 // Answers on their way, so that a respondent can go on later.

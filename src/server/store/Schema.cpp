@@ -89,6 +89,18 @@ CREATE TABLE submission (
 CREATE UNIQUE INDEX submission_token ON submission (token_hash, survey, digest);
 CREATE INDEX submission_survey ON submission (survey, id, dropped, is_conflict);
 )sql",
+    R"sql(
+-- Counts what ends all logins of an account: another password, and being disabled.
+ALTER TABLE account ADD COLUMN stamp INTEGER NOT NULL DEFAULT 0;
+-- How often results of the survey were restored, and the count at which each one was: what came
+-- back after a fetch had begun was not handed out by it.
+ALTER TABLE survey ADD COLUMN restores INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE submission ADD COLUMN restored INTEGER NOT NULL DEFAULT 0;
+-- Letters that the program can't show, and some of them by name.
+ALTER TABLE submission ADD COLUMN lost INTEGER NOT NULL DEFAULT 0;
+ALTER TABLE submission ADD COLUMN lost_letters TEXT NOT NULL DEFAULT '';
+CREATE INDEX submission_lost ON submission (survey, dropped) WHERE lost > 0;
+)sql",
 };
 
 int Pragma(SQLite::Database& database, const char* name) {

@@ -1,6 +1,7 @@
 #include "server/store/Store.h"
 
 #include "server/store/Database.h"
+#include "server/store/KnownSurveys.h"
 #include "server/store/Writer.h"
 
 namespace pollarix::server {
@@ -8,16 +9,16 @@ namespace pollarix::server {
 namespace {
 
 constexpr auto AccountById =
-    "SELECT id, name, password_hash, is_disabled, created FROM account WHERE id = ?";
+    "SELECT id, name, password_hash, is_disabled, created, stamp FROM account WHERE id = ?";
 constexpr auto AccountByName =
-    "SELECT id, name, password_hash, is_disabled, created FROM account WHERE name = ?";
+    "SELECT id, name, password_hash, is_disabled, created, stamp FROM account WHERE name = ?";
 constexpr auto AllAccounts =
-    "SELECT id, name, password_hash, is_disabled, created FROM account ORDER BY id";
+    "SELECT id, name, password_hash, is_disabled, created, stamp FROM account ORDER BY id";
 constexpr auto AddAccount =
     "INSERT INTO account (name, password_hash, created) VALUES (?, ?, ?) ON CONFLICT DO NOTHING";
 
 Account ReadAccount(const Query& row) {
-    return {row.Number(0), row.Text(1), row.Text(2), row.Flag(3), row.Number(4)};
+    return {row.Number(0), row.Text(1), row.Text(2), row.Flag(3), row.Number(4), row.Number(5)};
 }
 
 std::optional<Account> FirstAccount(Query row) {
@@ -30,8 +31,9 @@ void EndSessions(Connection& database, Id account) {
 
 } // namespace
 
-Store::Store(const std::string& directory)
-    : database_(std::make_unique<Database>(directory)),
+Store::Store(const std::string& directory, Opening opening)
+    : database_(std::make_unique<Database>(directory, opening)),
+      known_(std::make_unique<KnownSurveys>()),
       writer_(std::make_unique<Writer>(database_->Path())) {}
 
 Store::~Store() = default;
@@ -67,9 +69,10 @@ std::vector<Account> Store::ListAccounts() {
 bool Store::SetPasswordHash(Id account, const std::string& passwordHash) {
     bool isThere = false;
     writer_->Run([&](Connection& database) {
-        isThere =
-            database.Ask("UPDATE account SET password_hash = ? WHERE id = ?", passwordHash, account)
-                .Run() == 1;
+        isThere = database
+                      .Ask("UPDATE account SET password_hash = ?, stamp = stamp + 1 WHERE id = ?",
+                           passwordHash, account)
+                      .Run() == 1;
         EndSessions(database, account);
     });
     return isThere;
@@ -78,9 +81,10 @@ bool Store::SetPasswordHash(Id account, const std::string& passwordHash) {
 bool Store::SetDisabled(Id account, bool isDisabled) {
     bool isThere = false;
     writer_->Run([&](Connection& database) {
-        isThere =
-            database.Ask("UPDATE account SET is_disabled = ? WHERE id = ?", isDisabled, account)
-                .Run() == 1;
+        isThere = database
+                      .Ask("UPDATE account SET is_disabled = ?, stamp = stamp + 1 WHERE id = ?",
+                           isDisabled, account)
+                      .Run() == 1;
         EndSessions(database, account);
     });
     return isThere;
@@ -163,15 +167,8 @@ std::int64_t Store::Purge(const Retention& retention, Time now) {
                          now - retention.deletedSurveys)
                     .Run();
     });
+    known_->Forget();
     return gone;
-}
-
-void Store::Backup(const std::string& file) {
-    database_->Backup(file);
-}
-
-std::vector<std::string> Store::Check() {
-    return database_->Check();
 }
 
 } // namespace pollarix::server

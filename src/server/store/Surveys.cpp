@@ -1,5 +1,6 @@
 // The store's surveys, their documents and drafts.
 #include "server/store/Database.h"
+#include "server/store/KnownSurveys.h"
 #include "server/store/Store.h"
 #include "server/store/Writer.h"
 
@@ -51,6 +52,33 @@ bool IsNameTaken(Connection& database, Id account, const std::string& name, Id b
         .Next();
 }
 
+// Of all versions and uploads of the account, but the survey's upload.
+std::int64_t DocumentBytes(Connection& database, Id account, Id but) {
+    Query row = database.Ask(
+        "SELECT (SELECT coalesce(sum(length(document)), 0) FROM version WHERE survey IN "
+        "(SELECT id FROM survey WHERE account = ?1)) + "
+        "(SELECT coalesce(sum(length(document)), 0) FROM upload WHERE survey <> ?2 AND survey IN "
+        "(SELECT id FROM survey WHERE account = ?1))",
+        account, but);
+    return row.Next() ? row.Number(0) : 0;
+}
+
+// Those of the account without answers and drafts. The live ones stay, and all of the last days: a
+// form of theirs may be open in a browser.
+void DropUnneededVersions(Connection& database, Id account, Time now) {
+    constexpr Time formsLast = 2 * 86400;
+    database
+        .Ask("DELETE FROM version WHERE survey IN (SELECT id FROM survey WHERE account = ?1) "
+             "AND published <= ?2 "
+             "AND number <> (SELECT version FROM survey WHERE id = version.survey) "
+             "AND (survey, number) NOT IN (SELECT survey, version FROM submission "
+             "WHERE survey IN (SELECT id FROM survey WHERE account = ?1)) "
+             "AND (survey, number) NOT IN (SELECT survey, version FROM draft "
+             "WHERE survey IN (SELECT id FROM survey WHERE account = ?1))",
+             account, now - formsLast)
+        .Run();
+}
+
 } // namespace
 
 Id Store::CreateSurvey(Id account, const std::string& name, const std::string& address, Time now) {
@@ -65,7 +93,7 @@ Id Store::CreateSurvey(Id account, const std::string& name, const std::string& a
             .Run();
         id = database.LastId();
         if (id > LargestId)
-            throw OutOfNumbers("This server has no number left for another survey.");
+            throw Bounded("This server has no number left for another survey.");
     });
     return id;
 }
@@ -84,10 +112,18 @@ std::optional<Survey> Store::FindSurvey(Id account, const std::string& name) {
 }
 
 std::optional<Survey> Store::FindSurveyByAddress(const std::string& address) {
-    return database_->Reading([&](Connection& database) {
+    const std::uint64_t age = known_->Age();
+    auto survey = database_->Reading([&](Connection& database) {
         return FirstSurvey(
             database.Ask(SURVEY_COLUMNS "WHERE address = ? AND deleted = 0", address));
     });
+    if (survey)
+        known_->Keep(age, *survey);
+    return survey;
+}
+
+std::shared_ptr<const Survey> Store::KnownSurvey(const std::string& address) {
+    return known_->Find(address);
 }
 
 std::vector<Survey> Store::ListSurveys(Id account) {
@@ -116,6 +152,7 @@ bool Store::ChangeSurvey(const Survey& survey) {
                          survey.opens, survey.closes, survey.id)
                     .Run() == 1;
     });
+    known_->Forget();
     return isChanged;
 }
 
@@ -126,6 +163,7 @@ bool Store::DeleteSurvey(Id survey, Time now) {
             database.Ask("UPDATE survey SET deleted = ? WHERE id = ? AND deleted = 0", now, survey)
                 .Run() == 1;
     });
+    known_->Forget();
     return isDeleted;
 }
 
@@ -138,11 +176,27 @@ bool Store::UndeleteSurvey(Id survey) {
             return;
         isBack = database.Ask("UPDATE survey SET deleted = 0 WHERE id = ?", survey).Run() == 1;
     });
+    known_->Forget();
     return isBack;
 }
 
-void Store::KeepUpload(Id survey, const std::string& document, Time now) {
+void Store::KeepUpload(Id survey, const std::string& document, Time now,
+                       const PublishBounds& bounds) {
     writer_->Run([&](Connection& database) {
+        const auto found = FirstSurvey(database.Ask(SURVEY_COLUMNS "WHERE id = ?", survey));
+        if (!found)
+            return;
+        const auto hasRoom = [&] {
+            return DocumentBytes(database, found->account, survey) +
+                       static_cast<std::int64_t>(document.size()) <=
+                   bounds.documentBytes;
+        };
+        if (!hasRoom()) {
+            DropUnneededVersions(database, found->account, now);
+            if (!hasRoom())
+                throw Bounded("The surveys of this account take all the room that it has on this "
+                              "server. Please delete some that are no longer needed.");
+        }
         database
             .Ask("INSERT OR REPLACE INTO upload (survey, document, received) VALUES (?, ?, ?)",
                  survey, Bytes{document}, now)
@@ -156,7 +210,8 @@ std::optional<std::string> Store::FindUpload(Id survey) {
     });
 }
 
-int Store::Publish(Id survey, const std::string& document, bool isPublic, Time now) {
+int Store::Publish(Id survey, const std::string& document, bool isPublic, Time now,
+                   const PublishBounds& bounds) {
     int live = 0;
     writer_->Run([&](Connection& database) {
         live = 0;
@@ -168,6 +223,16 @@ int Store::Publish(Id survey, const std::string& document, bool isPublic, Time n
         if (FirstText(database.Ask("SELECT document FROM version WHERE survey = ? AND number = ?",
                                    survey, live)) != document) {
             ++live;
+            const auto hasRoom = [&] {
+                Query row = database.Ask("SELECT count(*) FROM version WHERE survey = ?", survey);
+                return row.Next() && row.Number(0) < bounds.versions;
+            };
+            if (!hasRoom()) {
+                DropUnneededVersions(database, found->account, now);
+                if (!hasRoom())
+                    throw Bounded("This survey was published with changes too often. Please "
+                                  "publish it under another name.");
+            }
             database
                 .Ask("INSERT INTO version (survey, number, document, published) "
                      "VALUES (?, ?, ?, ?)",
@@ -180,6 +245,7 @@ int Store::Publish(Id survey, const std::string& document, bool isPublic, Time n
             .Run();
         database.Ask("DELETE FROM upload WHERE survey = ?", survey).Run();
     });
+    known_->Forget();
     return live;
 }
 
@@ -190,14 +256,22 @@ std::optional<std::string> Store::FindVersion(Id survey, int version) {
     });
 }
 
-void Store::KeepDraft(const std::string& tokenHash, const Draft& draft) {
+bool Store::KeepDraft(const std::string& tokenHash, const Draft& draft, int most) {
+    bool isKept = false;
     writer_->Run([&](Connection& database) {
-        database
-            .Ask("INSERT OR REPLACE INTO draft (token_hash, survey, version, answers, updated) "
-                 "VALUES (?, ?, ?, ?, ?)",
-                 Bytes{tokenHash}, draft.survey, draft.version, Bytes{draft.answers}, draft.updated)
-            .Run();
+        Query others =
+            database.Ask("SELECT count(*) FROM draft WHERE survey = ? AND token_hash <> ?",
+                         draft.survey, Bytes{tokenHash});
+        isKept = others.Next() && others.Number(0) < most;
+        if (isKept)
+            database
+                .Ask("INSERT OR REPLACE INTO draft (token_hash, survey, version, answers, updated) "
+                     "VALUES (?, ?, ?, ?, ?)",
+                     Bytes{tokenHash}, draft.survey, draft.version, Bytes{draft.answers},
+                     draft.updated)
+                .Run();
     });
+    return isKept;
 }
 
 std::optional<Draft> Store::FindDraft(const std::string& tokenHash) {

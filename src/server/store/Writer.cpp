@@ -14,81 +14,75 @@ Writer::~Writer() {
     thread_.join();
 }
 
-void Writer::Run(const std::function<void(Connection&)>& change) {
-    Waiting waiting{&change};
-    std::unique_lock lock(mutex_);
-    queue_.push_back(&waiting);
-    wake_.notify_one();
-    waiting.done.wait(lock, [&] { return waiting.isDone; });
-    if (waiting.failure)
-        std::rethrow_exception(waiting.failure);
+void Writer::Post(Change change, Done done) {
+    bool wasEmpty = false;
+    {
+        const std::lock_guard lock(mutex_);
+        wasEmpty = queue_.empty();
+        queue_.push_back({std::move(change), std::move(done)});
+    }
+    // Otherwise the writer has been woken, or looks here once its commit is done.
+    if (wasEmpty)
+        wake_.notify_one();
 }
 
-std::uint64_t Writer::Commits() const {
-    const std::lock_guard lock(mutex_);
-    return commits_;
+void Writer::Run(const Change& change) {
+    std::mutex mutex;
+    std::condition_variable told;
+    bool isDone = false;
+    std::exception_ptr failure;
+    Post([&](Connection& database) { change(database); },
+         [&](const std::exception_ptr& thrown) {
+             const std::lock_guard lock(mutex);
+             failure = thrown;
+             isDone = true;
+             told.notify_one(); // within the lock: all of this is gone as soon as it is seen
+         });
+    std::unique_lock lock(mutex);
+    told.wait(lock, [&] { return isDone; });
+    if (failure)
+        std::rethrow_exception(failure);
 }
 
 void Writer::Work() {
+    std::vector<Waiting> batch;
     std::unique_lock lock(mutex_);
     for (;;) {
         wake_.wait(lock, [this] { return isEnding_ || !queue_.empty(); });
         if (queue_.empty())
             return;
-        std::vector<Waiting*> batch;
         batch.swap(queue_);
         lock.unlock();
-        // One that needs more room than there is must not take the others down with it.
+        // One that fails, or that needs more room than there is, must not take the others down
+        // with it.
         if (!CommitTogether(batch))
-            for (Waiting* waiting : batch)
-                CommitAlone(*waiting);
+            for (Waiting& waiting : batch)
+                CommitAlone(waiting);
+        for (const Waiting& waiting : batch)
+            waiting.done(waiting.failure);
+        batch.clear();
         lock.lock();
-        ++commits_;
-        // A waiting one is gone as soon as it knows that it is done.
-        for (Waiting* waiting : batch) {
-            waiting->isDone = true;
-            waiting->done.notify_one();
-        }
     }
 }
 
-bool Writer::CommitTogether(const std::vector<Waiting*>& batch) {
+bool Writer::CommitTogether(const std::vector<Waiting>& batch) {
     try {
         connection_.Do("BEGIN IMMEDIATE");
-        for (Waiting* waiting : batch) {
-            waiting->failure = nullptr;
-            connection_.Do("SAVEPOINT change");
-            try {
-                (*waiting->change)(connection_);
-            } catch (const SQLite::Exception& failure) {
-                if (HitsWholeTransaction(failure) || !connection_.InTransaction())
-                    throw;
-                connection_.Do("ROLLBACK TO change");
-                try {
-                    ThrowStoreFailure(failure);
-                } catch (...) {
-                    waiting->failure = std::current_exception();
-                }
-            } catch (const std::exception&) {
-                connection_.Do("ROLLBACK TO change");
-                waiting->failure = std::current_exception();
-            }
-            connection_.Do("RELEASE change");
-        }
+        for (const Waiting& waiting : batch)
+            waiting.change(connection_);
         connection_.Do("COMMIT");
         return true;
-    } catch (const SQLite::Exception&) {
+    } catch (const std::exception&) {
         RollBack();
         return false;
     }
 }
 
 void Writer::CommitAlone(Waiting& waiting) {
-    waiting.failure = nullptr;
     try {
         try {
             connection_.Do("BEGIN IMMEDIATE");
-            (*waiting.change)(connection_);
+            waiting.change(connection_);
             connection_.Do("COMMIT");
         } catch (const SQLite::Exception& failure) {
             RollBack();

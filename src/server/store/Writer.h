@@ -15,36 +15,40 @@ namespace pollarix::server {
 
 class Writer {
   public:
+    // A change may be run again after a transaction that failed, so it only assigns to what it
+    // gives back.
+    using Change = std::function<void(Connection&)>;
+    // Gets what the change threw, or null. Called on the writer's thread, so it must not wait, and
+    // must not throw.
+    using Done = std::function<void(const std::exception_ptr&)>;
+
     explicit Writer(const std::string& path);
     ~Writer(); // after everything that waits is committed
     Writer(const Writer&) = delete;
     Writer& operator=(const Writer&) = delete;
 
-    // Runs the change in the writer's thread and comes back after the commit that holds it. What
-    // the change throws comes out here, and then nothing of it is stored. A change may be run again
-    // after a transaction that failed, so it only assigns to what it gives back.
-    void Run(const std::function<void(Connection&)>& change);
-
-    std::uint64_t Commits() const;
+    // Has the change run in the writer's thread, and calls done after the commit that holds it.
+    // Where the change throws, nothing of it is stored.
+    void Post(Change change, Done done);
+    // The same, and comes back after that. What the change throws comes out here.
+    void Run(const Change& change);
 
   private:
     struct Waiting {
-        const std::function<void(Connection&)>* change;
+        Change change;
+        Done done;
         std::exception_ptr failure{};
-        bool isDone = false;
-        std::condition_variable done{};
     };
     void Work();
-    // False when the transaction could not be had; then none of them is stored.
-    bool CommitTogether(const std::vector<Waiting*>& batch);
+    // False when it failed; then none of them is stored.
+    bool CommitTogether(const std::vector<Waiting>& batch);
     void CommitAlone(Waiting& waiting);
     void RollBack();
 
     Connection connection_;
-    mutable std::mutex mutex_;
+    std::mutex mutex_;
     std::condition_variable wake_;
-    std::vector<Waiting*> queue_;
-    std::uint64_t commits_ = 0;
+    std::vector<Waiting> queue_;
     bool isEnding_ = false;
     std::thread thread_; // last: it uses all of the above
 };
