@@ -155,21 +155,35 @@ TEST(HttpServer, BadSettingsStopItWithOneLine) {
     }
 }
 
+TEST(Commands, GiveAnInvitationThatWorksAndKeepItOutOfTheJournal) {
+    ServerProcess server;
+    EXPECT_FALSE((server.Said() + server.Log()).contains("invitation="));
+    const QString link = server.Run({"user", "invite"}).trimmed();
+    EXPECT_TRUE(link.startsWith(server.Url() + "CreateAccount.php?invitation="))
+        << link.toStdString();
+    RawSocket client(server.Port());
+    client.Send("GET " + link.section('/', -1).prepend('/').toStdString() +
+                " HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+    EXPECT_NE(client.Receive().find("Create an account"), std::string::npos);
+    EXPECT_EQ(server.Stop(), 0);
+    EXPECT_TRUE(server.Run({"user", "invite"}).contains("http://127.0.0.1:8421/CreateAccount.php"));
+}
+
 TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     server::Router router;
     std::promise<void> begun;
     std::promise<void> goOn;
     const std::shared_future<void> mayGoOn = goOn.get_future().share();
     std::once_flag isFirst;
-    router.Add("POST", "/wait", server::Work::Waits, [&](const auto&, const auto&) {
+    router.Add("POST", "/wait", [&](const auto&, const auto&) {
         std::call_once(isFirst, [&] { begun.set_value(); });
         mayGoOn.wait();
         return server::Response::Text(200, "done");
     });
-    router.Add(
-        "GET", "/fail", server::Work::Quick,
-        [](const auto&, const auto&) -> server::Response { throw std::runtime_error("secret"); });
-    router.Add("GET", "/stream", server::Work::Quick, [](const auto&, const auto&) {
+    router.AddQuick("GET", "/fail", [](const auto&, const auto&) -> server::Response {
+        throw std::runtime_error("secret");
+    });
+    router.AddQuick("GET", "/stream", [](const auto&, const auto&) {
         server::Response response;
         response.stream = [count = 0](std::string& chunk) mutable {
             if (++count == 3)
@@ -183,7 +197,6 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     server::HttpBounds bounds;
     bounds.requestsAtOnce = 1;
     bounds.requestsWaiting = 1;
-    bounds.allBodiesBytes = bounds.bodyBytes;
     server::HttpServer http(router, bounds, [&](const std::string& line) { log.push_back(line); });
     const int port = http.Listen("127.0.0.1", 0);
     const auto ask = [&](const std::string& path) {
@@ -198,17 +211,6 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     EXPECT_TRUE(failed.starts_with("HTTP/1.1 500 ") && failed.find("secret") == std::string::npos);
     EXPECT_EQ(log, (std::vector<std::string>{"an answer was cut: broken", "500: secret"}));
     EXPECT_TRUE(ask("/wait").starts_with("HTTP/1.1 405 "));
-
-    // Only so much as all clients together may send is read at a time.
-    const std::string large = "POST /wait HTTP/1.1\r\nHost: x\r\nContent-Length: 600000\r\n"
-                              "Expect: 100-continue\r\n\r\n";
-    auto slow = std::make_unique<RawSocket>(port);
-    slow->Send(large);
-    EXPECT_TRUE(slow->Receive("\r\n").starts_with("HTTP/1.1 100 "));
-    RawSocket tooMuch(port);
-    tooMuch.Send(large);
-    EXPECT_TRUE(tooMuch.Receive("\r\n").starts_with("HTTP/1.1 503 "));
-    slow.reset();
 
     const std::string post = "POST /wait HTTP/1.1\r\nHost: x\r\nContent-Length: 0\r\n\r\n";
     RawSocket first(port);
@@ -234,6 +236,78 @@ TEST(HttpServer, FinishesWhatItHasBegunAndRefusesWhatIsTooMuch) {
     goOn.set_value();
     EXPECT_NE(first.Receive().find("done"), std::string::npos);
     stopping.join();
+}
+
+TEST(HttpServer, CountsOfBodiesWhatHasComeAndForEachAddressAlone) {
+    server::Router router;
+    router.AddQuick("POST", "/", [](const server::Request& request, const auto&) {
+        return server::Response::Text(200, "all " + std::to_string(request.body.size()));
+    });
+    server::HttpBounds bounds;
+    bounds.trustedProxies = {"127.0.0.1"};
+    bounds.bodiesBytesPerAddress = bounds.bodyBytes;
+    server::HttpServer http(router, bounds, [](const std::string&) {});
+    const int port = http.Listen("127.0.0.1", 0);
+    constexpr int size = 600000;
+    const auto begin = [&](const char* address) {
+        auto client = std::make_unique<RawSocket>(port);
+        client->Send("POST / HTTP/1.1\r\nHost: x\r\nX-Forwarded-For: " + std::string(address) +
+                     "\r\nContent-Length: " + std::to_string(size) +
+                     "\r\nExpect: 100-continue\r\n\r\n");
+        EXPECT_TRUE(client->Receive("\r\n\r\n").starts_with("HTTP/1.1 100 ")) << address;
+        return client;
+    };
+    // Announced by one line, and hardly begun.
+    std::vector<std::unique_ptr<RawSocket>> slow;
+    for (int i = 0; i < 60; ++i) {
+        slow.push_back(begin(i % 2 ? "2001:db8::1" : "2001:db8::2"));
+        slow.back()->Send("x");
+    }
+    // Both together are more than one may have: the one that comes later is refused.
+    slow[0]->Send(std::string(size - 2, 'x'));
+    slow[1]->Send(std::string(size - 2, 'x'));
+    std::string refusal;
+    while (refusal.empty()) {
+        std::swap(slow[0], slow[1]);
+        refusal = slow[1]->Receive("\r\n", 20);
+    }
+    EXPECT_TRUE(refusal.starts_with("HTTP/1.1 503 "));
+    const auto other = begin("192.0.2.1");
+    other->Send(std::string(size, 'x'));
+    EXPECT_NE(other->Receive("all 600000"), "");
+    slow[0]->Send("x");
+    EXPECT_NE(slow[0]->Receive("all 600000"), "");
+    // What was given back can be had again.
+    for (int i = 2; i < 6; ++i) {
+        slow[i]->Send(std::string(size - 1, 'x'));
+        EXPECT_NE(slow[i]->Receive("all 600000"), "") << i;
+    }
+}
+
+TEST(HttpServer, GivesASlowReaderItsWholePageAndLetsGoOfOneThatStalls) {
+    constexpr std::size_t size = 24 << 20; // more than the system holds for a client
+    server::Router router;
+    router.AddQuick("GET", "/", [](const auto&, const auto&) {
+        return server::Response::Text(200, std::string(size, 'x'));
+    });
+    server::HttpBounds bounds;
+    bounds.secondsForWrite = 2;
+    bounds.allBodiesBytes = bounds.bodiesBytesPerAddress = 4 * size;
+    server::HttpServer http(router, bounds, [](const std::string&) {});
+    const int port = http.Listen("127.0.0.1", 0);
+    RawSocket stalled(port);
+    stalled.Send("GET / HTTP/1.1\r\nHost: x\r\n\r\n");
+    RawSocket steady(port);
+    steady.Send("GET / HTTP/1.1\r\nHost: x\r\nConnection: close\r\n\r\n");
+    std::size_t received = 0;
+    for (int piece = 0; piece < 24; ++piece) {
+        received += steady.ReceiveSome(1 << 20).size();
+        std::this_thread::sleep_for(std::chrono::milliseconds(200));
+    }
+    received += steady.Receive().size();
+    EXPECT_GT(received, size);
+    EXPECT_LT(stalled.Receive().size(), size);
+    EXPECT_TRUE(stalled.HasEnded());
 }
 
 TEST(ACall, IsPartedOnlyAtItsOwnMarks) {

@@ -43,6 +43,13 @@ class RawSocket {
         }
         return std::exchange(received_, {});
     }
+    // As many bytes, fewer at the end of the connection.
+    std::string ReceiveSome(std::size_t bytes) {
+        std::string some(bytes, ' ');
+        const ssize_t count = recv(socket_, some.data(), bytes, MSG_WAITALL);
+        some.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+        return some;
+    }
     // The other end has closed it; known after a Receive.
     bool HasEnded() const { return hasEnded_; }
 

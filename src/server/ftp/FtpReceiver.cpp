@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "server/ftp/FtpSession.h"
+#include "server/net/Address.h"
 
 namespace pollarix::server {
 
@@ -21,10 +22,13 @@ struct FtpReceiver::State {
 
     bool Enter(const std::string& address) {
         const std::lock_guard lock(mutex);
-        if (sessions >= bounds.sessions || byAddress[address] >= bounds.sessionsPerAddress)
+        if (sessions >= bounds.sessions)
+            return false;
+        int& ofAddress = byAddress[address];
+        if (ofAddress >= bounds.sessionsPerAddress)
             return false;
         ++sessions;
-        ++byAddress[address];
+        ++ofAddress;
         return true;
     }
     void Leave(const std::string& address) {
@@ -69,20 +73,20 @@ std::uint16_t FtpReceiver::Listen(const std::string& address, std::uint16_t port
                            std::chrono::steady_clock::now() + std::chrono::milliseconds(50));
                 continue;
             }
-            const std::string peer = PeerAddress(control);
-            if (!state->Enter(peer)) {
+            const std::string name = BoundName(PeerAddress(control));
+            if (!state->Enter(name)) {
                 SendAll(control, "421 Too many uploads at once.\r\n", wake,
                         std::chrono::steady_clock::now());
                 continue;
             }
             try {
-                std::thread([state, peer, control = std::move(control), wake]() mutable {
+                std::thread([state, name, control = std::move(control), wake]() mutable {
                     FtpSession(state->bounds, state->taker, std::move(control), wake).Run();
-                    state->Leave(peer);
+                    state->Leave(name);
                 }).detach();
             } catch (const std::system_error&) {
                 state->log("no thread for an upload");
-                state->Leave(peer);
+                state->Leave(name);
             }
         }
     });

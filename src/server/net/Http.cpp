@@ -1,9 +1,8 @@
 #include "server/net/Http.h"
 
 #include <algorithm>
-#include <array>
 
-#include <arpa/inet.h>
+#include "server/net/Address.h"
 
 namespace pollarix::server {
 
@@ -67,18 +66,33 @@ std::string_view Request::Cookie(std::string_view name) const {
     return {};
 }
 
+bool IsFromOtherSite(const Request& request, std::string_view base) {
+    if (const std::string_view site = request.Header("Sec-Fetch-Site"); !site.empty())
+        return site != "same-origin" && site != "none";
+    // Older ones, and all where the connection isn't encrypted, tell only this.
+    const std::string_view origin = request.Header("Origin");
+    if (origin.empty() || (!base.empty() && base.substr(0, base.find('/', 8)) == origin))
+        return false;
+    const std::size_t mark = origin.find("://");
+    if (mark == std::string_view::npos)
+        return true;
+    std::string_view host = origin.substr(mark + 3);
+    const std::string_view own = request.Header("Host");
+    // A proxy may leave the port out.
+    if (own.find(':', own.rfind(']') + 1) == std::string_view::npos)
+        host = host.substr(0, host.find(':', host.rfind(']') + 1));
+    return !SameName(host, own);
+}
+
 void TakeProxysWord(Request& request) {
     // The last address of the last header is the one that the proxy itself has seen.
     std::string_view chain;
     for (const auto& [name, value] : request.headers)
         if (SameName(name, "X-Forwarded-For"))
             chain = value;
-    const std::size_t before = chain.find_last_of(", ");
-    const std::string last(before == std::string_view::npos ? chain : chain.substr(before + 1));
-    std::array<unsigned char, 16> bytes{};
-    if (inet_pton(AF_INET, last.c_str(), bytes.data()) == 1 ||
-        inet_pton(AF_INET6, last.c_str(), bytes.data()) == 1)
-        request.address = last;
+    const std::size_t before = chain.find_last_of(", "); // none is one before the first
+    if (std::string last = PlainAddress(chain.substr(before + 1)); !last.empty())
+        request.address = std::move(last);
     request.isTls = request.Header("X-Forwarded-Proto") == "https";
 }
 

@@ -29,6 +29,10 @@ struct Request {
     std::string_view Cookie(std::string_view name) const;
 };
 
+// Whether a page of another site had the browser send this, as browsers tell. What isn't a browser
+// sends no such headers. base: the server's own root, "" for that of the request.
+bool IsFromOtherSite(const Request& request, std::string_view base);
+
 // Takes the client's address and the encryption from what a trusted proxy has written into the
 // request; what can't be read leaves them as they are.
 void TakeProxysWord(Request& request);
@@ -36,6 +40,11 @@ void TakeProxysWord(Request& request);
 // Fills the chunk with what comes next of a long body; false at its end, with the chunk unused. May
 // throw, which cuts the connection, so that the client knows that the body isn't whole.
 using BodySource = std::function<bool(std::string& chunk)>;
+
+// Goes on with an answer that had to wait, from any thread and without waiting: what it is given
+// makes the answer, and may throw as a handler may. To be called once.
+struct Response;
+using Resume = std::function<void(std::function<Response()> rest)>;
 
 // What the server adds by itself: Date, Content-Length, Connection, and "nosniff". HEAD is answered
 // like GET by the handlers; the server leaves the body out.
@@ -45,6 +54,9 @@ struct Response {
     std::string body;
     std::vector<Field> headers;
     BodySource stream; // if there is one, it comes instead of the body
+    // If there is one, it is called, and all else comes when it has the answer resumed. For quick
+    // handlers alone.
+    std::function<void(const Resume&)> begin;
 
     static Response Text(int status, std::string words);
     // 303: what was sent is not sent again by a reload of the page behind it.

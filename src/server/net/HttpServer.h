@@ -16,13 +16,15 @@ namespace pollarix::server {
 struct HttpBounds {
     std::size_t headBytes = 16 * 1024;
     std::size_t bodyBytes = 1024 * 1024;
-    std::size_t allBodiesBytes = 48 * 1024 * 1024; // of all requests at once; beyond that comes 503
+    // Of all requests and answers at once, as far as they have come; beyond that comes 503.
+    std::size_t allBodiesBytes = 32 * 1024 * 1024;
+    std::size_t bodiesBytesPerAddress = 8 * 1024 * 1024; // and of those with one address
     std::size_t connections = 4096;
     std::size_t connectionsPerAddress = 256; // a trusted proxy has no such bound
-    int secondsForRequest = 15;              // from the answer before it to its last byte
-    int secondsForWrite = 15;                // for 64 KB to be taken by the client
-    int requestsAtOnce = 64;                 // that wait for commits and the like, each a thread
-    std::size_t requestsWaiting = 2000;      // for one of these threads; beyond that comes 503
+    int secondsForRequest = 15; // from its first byte to its last; idle connections end as soon
+    int secondsForWrite = 15;   // for each 16 KB of an answer to be taken by the client
+    int requestsAtOnce = 64;    // that wait for commits and the like, each a thread
+    std::size_t requestsWaiting = 2000; // for one of these threads; beyond that comes 503
     std::vector<std::string>
         trustedProxies; // addresses whose X-Forwarded-For and -Proto are believed
 };

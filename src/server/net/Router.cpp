@@ -1,5 +1,7 @@
 #include "server/net/Router.h"
 
+#include <algorithm>
+
 namespace pollarix::server {
 
 namespace {
@@ -14,6 +16,20 @@ std::vector<std::string> Split(std::string_view path) {
             return parts;
         start = end + 1;
     }
+}
+
+bool Fits(const std::vector<std::string>& parts, std::string_view path) {
+    path.remove_prefix(1);
+    for (std::size_t i = 0; i < parts.size(); ++i) {
+        const std::size_t end = std::min(path.find('/'), path.size());
+        const std::string_view asked = path.substr(0, end);
+        if (parts[i] == "*" ? asked.empty() : parts[i] != asked)
+            return false;
+        if ((end == path.size()) != (i + 1 == parts.size()))
+            return false;
+        path.remove_prefix(std::min(end + 1, path.size()));
+    }
+    return true;
 }
 
 const char* Words(int status) {
@@ -41,8 +57,12 @@ const char* Words(int status) {
 
 } // namespace
 
-void Router::Add(std::string method, std::string path, Work work, Handler handler) {
-    routes_.push_back({std::move(method), Split(path), work, std::move(handler)});
+void Router::Add(std::string method, std::string path, Handler handler, QuickHandler quick) {
+    routes_.push_back({std::move(method), Split(path), std::move(handler), std::move(quick)});
+}
+
+void Router::AddQuick(std::string method, std::string path, Handler handler) {
+    Add(std::move(method), std::move(path), handler, handler);
 }
 
 void Router::SetErrorPage(std::function<Response(int, const Request&)> page) {
@@ -62,23 +82,20 @@ Router::Found Router::Find(std::string_view method, std::string_view path) const
     found.status = 404;
     if (path.empty() || path.front() != '/')
         return found;
-    const std::vector<std::string> asked = Split(path);
     const std::string_view wanted = method == "HEAD" ? "GET" : method;
     for (const Route& route : routes_) {
-        if (route.parts.size() != asked.size())
+        if (!Fits(route.parts, path))
             continue;
-        PathParts parts;
-        bool fits = true;
-        for (std::size_t i = 0; fits && i < asked.size(); ++i) {
-            if (route.parts[i] != "*")
-                fits = route.parts[i] == asked[i];
-            else if ((fits = !asked[i].empty()))
-                parts.push_back(asked[i]);
-        }
-        if (fits && route.method == wanted)
-            return {&route.handler, route.work, std::move(parts), 200};
-        if (fits)
-            found.status = 405;
+        found.status = 405;
+        if (route.method != wanted)
+            continue;
+        found.status = 200;
+        found.route = &route;
+        std::vector<std::string> asked = Split(path);
+        for (std::size_t i = 0; i < asked.size(); ++i)
+            if (route.parts[i] == "*")
+                found.parts.push_back(std::move(asked[i]));
+        return found;
     }
     return found;
 }

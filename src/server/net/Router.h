@@ -2,6 +2,7 @@
 // the table only serves. A handler is called by many threads at once.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,17 +17,18 @@ using PathParts = std::vector<std::string>;
 // the thrower's words go into the log, never to the client.
 using Handler = std::function<Response(const Request&, const PathParts&)>;
 
-// How a handler behaves, which decides the thread that it runs on.
-enum class Work {
-    Quick, // from memory or with a short read; on the threads that serve the sockets
-    Waits  // commits, hashes a password, or reads for long; on threads of their own
-};
+// Answers from memory alone, on the threads that serve the sockets: it never waits. Nothing when it
+// can't; then the route's handler is asked.
+using QuickHandler = std::function<std::optional<Response>(const Request&, const PathParts&)>;
 
 class Router {
   public:
     // path: literal parts, and "*" for any one part that isn't empty ("/s/*"). GET answers HEAD
-    // too. The first route that fits is taken.
-    void Add(std::string method, std::string path, Work work, Handler handler);
+    // too. The first route that fits is taken. Handlers run on threads of their own, and may wait
+    // for a commit, a password or a long read.
+    void Add(std::string method, std::string path, Handler handler, QuickHandler quick = {});
+    // What needs nothing but memory.
+    void AddQuick(std::string method, std::string path, Handler handler);
     // The page for an address that nobody answers (404), a method that it hasn't (405), and what
     // went wrong elsewhere (400, 408, 413, 429, 431, 500, 503); plain words without one. Gets the
     // status.
@@ -35,11 +37,16 @@ class Router {
     // Which status a failure stands for; 500 without it.
     void SetFailureStatus(std::function<int(const std::exception&)> status);
 
+    struct Route {
+        std::string method;
+        std::vector<std::string> parts;
+        Handler handler;
+        QuickHandler quick; // may be none
+    };
     struct Found {
-        const Handler* handler = nullptr; // null when nothing fits
-        Work work = Work::Quick;
+        const Route* route = nullptr; // null when nothing fits
         PathParts parts;
-        int status = 200; // 404 or 405 without a handler
+        int status = 200; // 404 or 405 without a route
     };
     Found Find(std::string_view method, std::string_view path) const;
     // With the status that was asked for.
@@ -47,12 +54,6 @@ class Router {
     int StatusFor(const std::exception& failure) const;
 
   private:
-    struct Route {
-        std::string method;
-        std::vector<std::string> parts;
-        Work work;
-        Handler handler;
-    };
     std::vector<Route> routes_;
     std::function<Response(int, const Request&)> errorPage_;
     std::function<int(const std::exception&)> failureStatus_;
