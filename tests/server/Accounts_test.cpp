@@ -8,6 +8,8 @@
 #include <thread>
 
 #include "server/accounts/Tickets.h"
+#include "server/net/Address.h"
+#include "server/net/Http.h"
 
 using namespace pollarix::server;
 
@@ -65,24 +67,56 @@ TEST_F(Logins, GuessingIsLockedOutForTheGuesserAlone) {
     EXPECT_EQ(accounts.LogIn("ANNA", "long enough", "1.1.1.1").result, LogInResult::Fine);
 }
 
-TEST(ATicket, IsGoodForHalfAnHourAtItsAddressAndKeepsItsFetchApart) {
+TEST(ATicket, IsGoodForHalfAnHourWhereItWasGivenAndKeepsItsFetchApart) {
     Tickets tickets;
-    const auto ticket = *tickets.Give(5, "1.1.1.1", Now);
-    const auto other = *tickets.Give(5, "1.1.1.1", Now);
-    EXPECT_EQ(tickets.AccountOf(ticket, "1.1.1.1", Now + 1799), 5);
-    EXPECT_EQ(tickets.AccountOf(ticket, "2.2.2.2", Now + 1800), None);
-    EXPECT_EQ(tickets.AccountOf(other, "1.1.1.1", Now + 1800), None); // unused for too long
-    EXPECT_TRUE(tickets.IsHere(5, "1.1.1.1", Now + 1800));
-    EXPECT_FALSE(tickets.IsHere(5, "2.2.2.2", Now + 1800));
+    const Tickets::Login login{5, 1};
+    const auto ticket = *tickets.Give(login, "1.1.1.1", Now);
+    const auto other = *tickets.Give(login, "1.1.1.1", Now);
+    EXPECT_EQ(tickets.Find(ticket, "1.1.1.1", Now + 1799), login);
+    EXPECT_FALSE(tickets.Find(ticket, "2.2.2.2", Now + 1800));
+    EXPECT_FALSE(tickets.Find(other, "1.1.1.1", Now + 1800)); // unused for too long
+    EXPECT_TRUE(tickets.IsHere(login, "1.1.1.1", Now + 1800));
+    EXPECT_FALSE(tickets.IsHere({5, 2}, "1.1.1.1", Now + 1800)); // with another password by now
+    EXPECT_FALSE(tickets.IsHere(login, "2.2.2.2", Now + 1800));
+    const auto wandering = *tickets.Give(login, "2001:db8::1", Now);
+    EXPECT_TRUE(tickets.Find(wandering, "2001:db8::2", Now)); // the next address of the same line
+    EXPECT_FALSE(tickets.Find(wandering, "2001:db8:0:1::1", Now));
 
-    tickets.NoteFetch(ticket, 3, 70);
-    EXPECT_EQ(tickets.TakeFetch(other, 3), None);
-    EXPECT_EQ(tickets.TakeFetch(ticket, 4), None);
-    EXPECT_EQ(tickets.TakeFetch(ticket, 3), 70);
-    EXPECT_EQ(tickets.TakeFetch(ticket, 3), None);
+    tickets.NoteFetch(ticket, 3, {70, 0});
+    EXPECT_FALSE(tickets.TakeFetch(wandering, 3));
+    EXPECT_FALSE(tickets.TakeFetch(ticket, 4));
+    EXPECT_EQ(tickets.TakeFetch(ticket, 3)->last, 70);
+    EXPECT_FALSE(tickets.TakeFetch(ticket, 3));
 
     for (int guess = 0; guess < 20; ++guess)
-        tickets.AccountOf(0, "1.1.1.1", Now + 1800);
-    EXPECT_EQ(tickets.AccountOf(ticket, "1.1.1.1", Now + 1800), None);
-    EXPECT_EQ(tickets.AccountOf(ticket, "1.1.1.1", Now + 3599 + 1), None); // over by then, too
+        tickets.Find(0, "1.1.1.1", Now + 1800);
+    EXPECT_FALSE(tickets.Find(ticket, "1.1.1.1", Now + 1800));
+
+    // In use all the time, and over all the same.
+    const auto busy = *tickets.Give(login, "3.3.3.3", Now);
+    Time last = Now;
+    while (tickets.Find(busy, "3.3.3.3", last))
+        last += 600;
+    EXPECT_EQ(last, Now + 4 * 3600);
+}
+
+TEST(AnAddress, IsOneHoweverItIsWrittenAndBoundByItsLine) {
+    const std::pair<const char*, const char*> cases[] = {{"192.0.2.1", "192.0.2.1"},
+                                                         {"::ffff:192.0.2.1", "192.0.2.1"},
+                                                         {"::FFFF:c000:201", "192.0.2.1"},
+                                                         {"2001:DB8::0:1", "2001:db8::1"},
+                                                         {"unknown", ""},
+                                                         {"", ""},
+                                                         {"1.2.3", ""}};
+    for (const auto& [text, plain] : cases) {
+        EXPECT_EQ(PlainAddress(text), plain) << text;
+        Request request;
+        request.address = "127.0.0.1";
+        request.headers = {{"X-Forwarded-For", std::string("6.6.6.6, ") + text}};
+        TakeProxysWord(request);
+        EXPECT_EQ(request.address, *plain ? plain : "127.0.0.1") << text;
+    }
+    EXPECT_EQ(BoundName("2001:db8::1"), BoundName("2001:db8::ffff:1"));
+    EXPECT_NE(BoundName("2001:db8::1"), BoundName("2001:db8:0:1::1"));
+    EXPECT_NE(BoundName("192.0.2.1"), BoundName("192.0.2.2"));
 }

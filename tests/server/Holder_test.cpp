@@ -39,9 +39,11 @@ class HolderSite : public testing::Test {
         for (const auto& [name, value] : fields)
             request.body += PercentEncoded(name) + '=' + PercentEncoded(value) + '&';
         request.headers = {{"Cookie", cookie}, {"Sec-Fetch-Site", from}};
+        if (!origin.empty())
+            request.headers = {{"Cookie", cookie}, {"Host", "example.org"}, {"Origin", origin}};
         const Router::Found found = router.Find(method, request.path);
-        Response response = found.handler ? (*found.handler)(request, found.parts)
-                                          : router.ErrorPage(found.status, request);
+        Response response = found.route ? found.route->handler(request, found.parts)
+                                        : router.ErrorPage(found.status, request);
         for (const auto& [name, value] : response.headers)
             if (name == "Set-Cookie")
                 cookie = value.substr(0, value.find(';'));
@@ -85,6 +87,7 @@ class HolderSite : public testing::Test {
     std::string cookie;
     std::string csrf;
     std::string from = "same-origin";
+    std::string origin; // what an older browser tells instead, unless empty
     Id account = None;
     Id survey = None;
 };
@@ -110,7 +113,21 @@ TEST_F(HolderSite, OnlyTheHolderGetsIn) {
     }
     for (const char* view : {"", "/results.csv", "/results.txt", "/code.svg"})
         EXPECT_EQ(Ask("GET", eves + view).status, 404);
+    for (const char* foreign : {"https://evil.example", "http://example.org.evil", "null"}) {
+        origin = foreign;
+        EXPECT_EQ(Send(path + "/delete", {{"sure", "1"}}).status, 403) << foreign;
+    }
+    origin = "https://example.org";
+    EXPECT_EQ(Send(path + "/delete").status, 422); // our own page, without the tick
+    origin.clear();
     EXPECT_EQ(store.FindSurvey(survey)->deleted, 0);
+    // Nor may another site's page have its visitors lock somebody out, or show what is theirs.
+    from = "cross-site";
+    for (int i = 0; i < 20; ++i)
+        EXPECT_EQ(Ask("POST", "/login", {{"name", "ann"}, {"password", "x"}}).status, 400);
+    EXPECT_EQ(Ask("GET", path + "/results.csv").status, 303);
+    from = "same-origin";
+    EXPECT_EQ(Ask("GET", path + "/results.csv").status, 200);
 
     EXPECT_EQ(Ask("POST", "/logout", {{"csrf", "x"}}).status, 403);
     const std::string old = cookie;
@@ -148,6 +165,9 @@ TEST_F(HolderSite, SettingsAreCheckedAndDeletedSurveysComeBack) {
     const std::pair<const char*, const char*> bad[] = {{"name", ""},
                                                        {"name", "Taken"},
                                                        {"name", "a\nb"},
+                                                       {"name", "a<bR>b"},
+                                                       {"name", "50%20off"},
+                                                       {"name", "\u0085"},
                                                        {"opens", "tomorrow"},
                                                        {"opens", "2027-02-30T08:05"},
                                                        {"closes", "2027-01-31T08:05"},
@@ -173,7 +193,7 @@ TEST_F(HolderSite, SettingsAreCheckedAndDeletedSurveysComeBack) {
 TEST_F(HolderSite, AnswersAreHandedOutWhole) {
     const std::string path = Enter("ann");
     store.Submit(survey, 1, "1", "11==1+1\\n\"x\";41=40;14=50:301", now);
-    store.Submit(survey, 1, "1", "11=\u0416\u20ac", now);
+    store.Submit(survey, 1, "1", "11=\u0416\u20ac", now, {1, "\u0416"});
     store.Publish(survey, std::regex_replace(document, std::regex(">11<"), ">17<"), true, now);
     store.Submit(survey, 2, "2", "17= @sum", now);
 
@@ -191,7 +211,7 @@ TEST_F(HolderSite, AnswersAreHandedOutWhole) {
     EXPECT_TRUE(Holds(page, "\u0416"));
     EXPECT_TRUE(Holds(page, "1 of them came from forms"));
     EXPECT_TRUE(Holds(page, "<dt>Answers not yet collected</dt><dd>3</dd>"));
-    store.DropResults(survey, 3, now);
+    store.DropResults(survey, {3, 0}, now);
     EXPECT_TRUE(Holds(Ask("GET", path), "<dt>Collected</dt><dd>3</dd>"));
     EXPECT_EQ(Send(path + "/restore-results").status, 303);
     EXPECT_EQ(store.CountResults(survey).waiting, 3);

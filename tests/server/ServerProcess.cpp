@@ -22,12 +22,11 @@ ServerProcess::ServerProcess(const QByteArray& settings) {
     };
     while (process_.canReadLine() || process_.waitForReadyRead(30000)) {
         const QString line = QString::fromUtf8(process_.readLine()).trimmed();
+        said_ += line + '\n';
         if (const QString url = behind(line, "Survey server: "); !url.isEmpty())
             url_ = url;
         if (const QString host = behind(line, "uploads: "); !host.isEmpty())
             ftpHost_ = host;
-        if (const QString link = behind(line, "one here: "); !link.isEmpty())
-            invitation_ = link;
         if (line == "Ready.")
             return;
     }

@@ -21,7 +21,6 @@ class ServerProcess {
     int Port() const { return url_.section(':', -1).chopped(1).toInt(); }
     QString FtpHost() const { return ftpHost_; }
     int FtpPort() const { return ftpHost_.section(':', -1).toInt(); }
-    QString Invitation() const { return invitation_; } // a link, as long as there is no account
     std::string Data() const { return directory_.filePath("data").toStdString(); }
     qint64 Process() const { return process_.processId(); }
 
@@ -29,6 +28,8 @@ class ServerProcess {
     QString Run(const QStringList& command, const QByteArray& input = {}) const;
     // Tells it to end, and waits for that; gives its exit code.
     int Stop();
+    // What it wrote until it was ready.
+    QString Said() const { return said_; }
     // All that it has logged.
     QString Log();
 
@@ -37,7 +38,7 @@ class ServerProcess {
     QProcess process_;
     QString url_;
     QString ftpHost_;
-    QString invitation_;
+    QString said_;
 };
 
 } // namespace pollarix::test

@@ -2,6 +2,7 @@
 // collect from it.
 #include <QFile>
 
+#include "server/RawSocket.h"
 #include "server/ServerProcess.h"
 #include "server/store/Store.h"
 #include "web/WebCollectWizard.h"
@@ -150,6 +151,40 @@ TEST_F(Together, WhatIsPublishedIsAnsweredCollectedUpdatedAndCollectedAgain) {
     const QString log = running.Log();
     for (const QString& secret : {QString("anna"), Name, Secret, QString("127.0.0.1"), url})
         EXPECT_FALSE(log.contains(secret)) << log.toStdString();
+}
+
+TEST(ALogin, IsOverWithThePasswordAndNotForOtherSites) {
+    ServerProcess running;
+    running.Run({"user", "add", "anna"}, "long-enough\n");
+    const auto call = [&](const std::string& values, const std::string& header = "") {
+        RawSocket client(running.Port());
+        client.Send("GET /ws/CallFunc.php?func=" + values + "&refreshme=1 HTTP/1.1\r\nHost: x\r\n" +
+                    header + "Connection: close\r\n\r\n");
+        const std::string reply = client.Receive();
+        return reply.substr(reply.find("\r\n\r\n") + 4);
+    };
+    const auto ticket = [&](const std::string& password) {
+        const std::string reply = call("GetWebUserID&param1=anna&param2=" + password);
+        EXPECT_TRUE(reply.starts_with("Success<br>")) << reply;
+        return reply.substr(11, reply.find("<br>", 11) - 11);
+    };
+    const auto isGood = [&](const std::string& user) {
+        return call("GetSurveyListForUser&param1=" + user) == "Success<br><br>";
+    };
+    // Pages elsewhere lock nobody out, with their visitors' browsers.
+    for (const std::string header : {"Sec-Fetch-Site: cross-site\r\n", "Origin: http://evil\r\n"})
+        for (int i = 0; i < 12; ++i)
+            EXPECT_TRUE(call("GetWebUserID&param1=anna&param2=x", header).starts_with("Failure: "));
+    const std::string first = ticket("long-enough");
+    EXPECT_TRUE(isGood(first));
+    running.Run({"user", "password", "anna"}, "another-one\n");
+    EXPECT_FALSE(isGood(first));
+    const std::string second = ticket("another-one");
+    running.Run({"user", "disable", "anna"});
+    EXPECT_FALSE(isGood(second));
+    running.Run({"user", "enable", "anna"});
+    EXPECT_FALSE(isGood(second)); // it doesn't come back
+    EXPECT_TRUE(isGood(ticket("another-one")));
 }
 
 TEST_F(Together, ARefusalIsShownInTheServersOwnWords) {

@@ -45,6 +45,7 @@ class Accounts {
     struct Login {
         LogInResult result = LogInResult::Wrong;
         Id account = None;
+        std::int64_t stamp = 0; // the account's at that time
     };
     // Waits while the password is checked. The program sends passwords in a form of its own; one
     // that was set here fits there, whatever characters it has.

@@ -1,6 +1,5 @@
 #include "server/accounts/Bounds.h"
 
-#include <arpa/inet.h>
 #include <sodium.h>
 
 namespace pollarix::server {
@@ -53,13 +52,6 @@ bool Bound::IsReached(std::string_view who, Time now) {
 void Bound::Count(std::string_view who, Time now) {
     const std::lock_guard lock(mutex_);
     ++Of(who, now).count;
-}
-
-std::string BoundName(const std::string& address) {
-    std::array<unsigned char, 16> bytes{};
-    if (inet_pton(AF_INET6, address.c_str(), bytes.data()) != 1)
-        return address;
-    return std::string(bytes.begin(), bytes.begin() + bytes.size() / 2);
 }
 
 } // namespace pollarix::server

@@ -40,8 +40,4 @@ class Bound {
     std::unordered_map<std::uint64_t, Counted> counts_;
 };
 
-// What an address is counted under: of IPv6 the first half, since the other one is its owner's to
-// choose.
-std::string BoundName(const std::string& address);
-
 } // namespace pollarix::server

@@ -1,7 +1,7 @@
 // The user ids that the program gets for a login and sends with every later call, in place of a
 // password: numbers of 15 bits, since it keeps them in 16 with a sign. So few can be guessed; a
-// ticket is therefore good only from the address that logged in, for half an hour after its last
-// use, and an address that guesses is locked out.
+// ticket is therefore good only where the login came from, for half an hour after its last use and
+// four hours in all, and an address that guesses is locked out.
 #pragma once
 
 #include <chrono>
@@ -18,26 +18,37 @@ namespace pollarix::server {
 class Tickets {
   public:
     using Ticket = std::int64_t; // 1 to LargestId
+    // Who logged in: the account, and the stamp that it had. An account with another one by now has
+    // another password, or was shut out.
+    struct Login {
+        Id account = None;
+        std::int64_t stamp = 0;
+        bool operator==(const Login&) const = default;
+    };
 
     Tickets();
 
     // Nothing when too many are in use.
-    std::optional<Ticket> Give(Id account, const std::string& address, Time now);
-    // The account; None for a ticket that isn't good, which counts as a guess.
-    Id AccountOf(Ticket ticket, const std::string& address, Time now);
-    // Whether somebody at the address has a ticket of the account.
-    bool IsHere(Id account, const std::string& address, Time now);
-    // The ticket's last fetch of the survey's results went up to this one.
-    void NoteFetch(Ticket ticket, Id survey, Id last);
-    // The same, once: it is forgotten then. None without a fetch.
-    Id TakeFetch(Ticket ticket, Id survey);
+    std::optional<Ticket> Give(const Login& login, const std::string& address, Time now);
+    // Nothing for a ticket that isn't good, which counts as a guess.
+    std::optional<Login> Find(Ticket ticket, const std::string& address, Time now);
+    // Whether somebody at the address has a ticket of that login.
+    bool IsHere(const Login& login, const std::string& address, Time now);
+    // The ticket is good no more.
+    void End(Ticket ticket);
+    // The ticket's last fetch of the survey's results.
+    void NoteFetch(Ticket ticket, Id survey, const HandedOut& handedOut);
+    // The same, once: it is forgotten then. Nothing without a fetch.
+    std::optional<HandedOut> TakeFetch(Ticket ticket, Id survey);
 
   private:
     struct Given {
-        Id account = None;
-        std::string address;
+        Login login;
+        std::string where; // as bounds name it: an address of IPv6 may change between two calls
+        Time made = 0;
         Time used = 0;
-        std::unordered_map<Id, Id> fetched;
+        std::unordered_map<Id, HandedOut> fetched;
+        bool IsGood(Time now) const;
     };
     void DropOld(Time now);
 

@@ -1,7 +1,9 @@
 #include "server/app/Commands.h"
 
+#include <array>
 #include <charconv>
 #include <ctime>
+#include <filesystem>
 #include <iostream>
 
 #include <termios.h>
@@ -87,7 +89,18 @@ std::string Date(Time when) {
     return text;
 }
 
-int UserCommand(Store& store, const Settings& settings, Words words) {
+// With its closing "/", or "/" alone when only a server that runs could tell.
+std::string RootOf(const Settings& settings, const std::string& directory) {
+    if (!settings.url.empty())
+        return settings.url;
+    if (std::string running = RunningServer(directory); !running.empty())
+        return running;
+    return settings.http.port == 0
+               ? "/"
+               : "http://" + Shown(settings.http.address, settings.http.port) + '/';
+}
+
+int UserCommand(Store& store, const Settings& settings, const std::string& directory, Words words) {
     AccountBounds bounds = settings.accounts;
     const std::string& what = words[1];
     if (what == "list" && words.size() == 2) {
@@ -97,11 +110,12 @@ int UserCommand(Store& store, const Settings& settings, Words words) {
         return 0;
     }
     if (what == "invite" && words.size() == 2) {
-        const std::string root = settings.url.empty() ? "http://" + settings.http.address + ':' +
-                                                            std::to_string(settings.http.port) + '/'
-                                                      : settings.url;
-        std::cout << root << "CreateAccount.php?invitation=" << Accounts(store, bounds).Invite()
-                  << '\n';
+        const std::string link =
+            InvitationLink(RootOf(settings, directory), Accounts(store, bounds).Invite());
+        if (link.front() == '/')
+            std::cerr << "The server's address isn't known, since it isn't running. Put it before "
+                         "this:\n";
+        std::cout << link << '\n';
         return 0;
     }
     if (words.size() != 3)
@@ -148,8 +162,8 @@ int ResultsCommand(Store& store, Words words) {
     return 0;
 }
 
-int Check(Store& store) {
-    const std::vector<std::string> faults = store.Check();
+int Check(const std::string& directory) {
+    const std::vector<std::string> faults = CheckDatabase(directory);
     for (const std::string& fault : faults)
         std::cout << fault << '\n';
     if (faults.empty())
@@ -158,6 +172,18 @@ int Check(Store& store) {
 }
 
 } // namespace
+
+std::string Shown(const std::string& address, std::uint16_t port) {
+    std::string shown = address.find(':') == std::string::npos ? address : '[' + address + ']';
+    std::array<char, 256> name{};
+    if ((address == "0.0.0.0" || address == "::") && gethostname(name.data(), name.size() - 1) == 0)
+        shown = name.data();
+    return shown + ':' + std::to_string(port);
+}
+
+std::string InvitationLink(const std::string& root, const std::string& token) {
+    return root + "CreateAccount.php?invitation=" + token;
+}
 
 int RunCommand(const Settings& settings, Words words) {
     const std::string& command = words[0];
@@ -172,18 +198,19 @@ int RunCommand(const Settings& settings, Words words) {
         return 0;
     }
     if ((command == "user" || command == "results") && count >= 2) {
-        Store store(directory);
-        return command == "user" ? UserCommand(store, settings, words)
+        // A new directory is a beginning, of accounts alone.
+        if (command == "results" && !std::filesystem::exists(DatabasePath(directory)))
+            throw StoreFailure("There is no database in " + directory);
+        Store store(directory, Opening::Use);
+        return command == "user" ? UserCommand(store, settings, directory, words)
                                  : ResultsCommand(store, words);
     }
     if (command == "backup" && count == 2) {
-        Store(directory).Backup(words[1]);
+        BackupDatabase(directory, words[1]);
         return 0;
     }
-    if (command == "check" && count == 1) {
-        Store store(directory);
-        return Check(store);
-    }
+    if (command == "check" && count == 1)
+        return Check(directory);
     throw BadUsage("There is no such command.");
 }
 

@@ -1,5 +1,7 @@
 #include "server/app/DataDirectory.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <filesystem>
 
@@ -7,6 +9,7 @@
 #include <sys/file.h>
 #include <unistd.h>
 
+#include "server/app/Log.h"
 #include "server/store/Records.h"
 
 namespace pollarix::server {
@@ -40,6 +43,27 @@ DataLock::DataLock(const std::string& directory)
         close(file_);
         throw StoreFailure("A server is running on the directory " + directory);
     }
+}
+
+void DataLock::Tell(const std::string& root) const {
+    // Nothing is lost when this fails: it is told that the root isn't known.
+    if (ftruncate(file_, 0) != 0 ||
+        pwrite(file_, root.data(), root.size(), 0) != static_cast<ssize_t>(root.size()))
+        Log("the server's address could not be left in its data directory");
+}
+
+std::string RunningServer(const std::string& directory) {
+    const int file = open((directory + "/lock").c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0)
+        return {};
+    std::string root;
+    if (flock(file, LOCK_SH | LOCK_NB) != 0) { // somebody has it
+        std::array<char, 1024> text{};
+        const ssize_t count = pread(file, text.data(), text.size(), 0);
+        root.assign(text.data(), static_cast<std::size_t>(std::max<ssize_t>(count, 0)));
+    }
+    close(file);
+    return root;
 }
 
 DataLock::~DataLock() {

@@ -19,8 +19,14 @@ class DataLock {
     DataLock(const DataLock&) = delete;
     DataLock& operator=(const DataLock&) = delete;
 
+    // Leaves a line for the commands beside the server: its root.
+    void Tell(const std::string& root) const;
+
   private:
     int file_;
 };
+
+// The root of the server that runs on the directory, as it told; "" when none does.
+std::string RunningServer(const std::string& directory);
 
 } // namespace pollarix::server

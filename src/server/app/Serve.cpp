@@ -7,7 +7,9 @@
 #include <malloc.h>
 #include <pthread.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
+#include "server/app/Commands.h"
 #include "server/app/DataDirectory.h"
 #include "server/app/Log.h"
 #include "server/protocol/Exchange.h"
@@ -26,9 +28,13 @@ void RaiseDescriptors() {
     setrlimit(RLIMIT_NOFILE, &files);
 }
 
-std::string Shown(const std::string& address, std::uint16_t port) {
-    const bool isV6 = address.find(':') != std::string::npos;
-    return (isV6 ? '[' + address + ']' : address) + ':' + std::to_string(port);
+// A link makes an account: it is for the eyes of who sits before the screen, and not for a journal.
+void TellOfFirstAccount(Accounts& accounts, const std::string& root) {
+    std::cout << "There is no account yet. ";
+    if (isatty(STDOUT_FILENO) == 1)
+        std::cout << "Make one here: " << InvitationLink(root, accounts.Invite()) << '\n';
+    else
+        std::cout << "\"pollarix-server user invite\" gives a link to make one.\n";
 }
 
 // Until a signal that ends the server. All threads have it blocked, so that it comes here.
@@ -61,8 +67,8 @@ void Serve(const Settings& settings) {
     Store store(directory);
     Accounts accounts(store, settings.accounts);
     Questionnaires questionnaires(store);
-    Exchange exchange(store, accounts, questionnaires, {settings.url, settings.surveysPerAccount},
-                      Log);
+    Exchange exchange(store, accounts, questionnaires,
+                      {settings.url, settings.surveysPerAccount, settings.publish}, Log);
     Router router;
     router.SetFailureStatus([](const std::exception& failure) {
         return dynamic_cast<const StoreFailure*>(&failure) ? 503 : 500;
@@ -70,7 +76,7 @@ void Serve(const Settings& settings) {
     exchange.AddRoutes(router);
     AddPages(router, {store, accounts, questionnaires, settings.url,
                       [] { return static_cast<Time>(std::time(nullptr)); }, settings.retention,
-                      settings.submissionsPerMinute});
+                      settings.submissionsPerMinute, settings.httpBounds.bodyBytes});
 
     FtpReceiver ftp(settings.ftpBounds,
                     {[&](std::int64_t user, std::int64_t survey, const std::string& address) {
@@ -89,13 +95,13 @@ void Serve(const Settings& settings) {
     const std::string root = settings.url.empty()
                                  ? "http://" + Shown(settings.http.address, httpPort) + '/'
                                  : settings.url;
+    lock.Tell(root);
     std::cout << "Survey server: " << root << '\n';
     if (!settings.ftp.isOff)
         std::cout << "FTP server for uploads: " << Shown(settings.ftp.address, ftpPort) << '\n';
     std::cout << "Data: " << directory << '\n';
     if (!settings.accounts.isOpen && store.ListAccounts().empty())
-        std::cout << "There is no account yet. Make one here: " << root
-                  << "CreateAccount.php?invitation=" << accounts.Invite() << '\n';
+        TellOfFirstAccount(accounts, root);
     std::cout << "Ready." << std::endl;
     Log("the server has started");
 

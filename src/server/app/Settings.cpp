@@ -8,6 +8,8 @@
 #include <map>
 #include <sstream>
 
+#include "server/net/Address.h"
+
 namespace pollarix::server {
 
 namespace {
@@ -45,11 +47,14 @@ Endpoint ReadEndpoint(const std::string& text) {
     return {address, ReadNumber<std::uint16_t>(text.substr(colon + 1), 0, 65535), false};
 }
 
-std::vector<std::string> ReadList(const std::string& text) {
+std::vector<std::string> ReadAddresses(const std::string& text) {
     std::vector<std::string> list;
     std::istringstream words(text);
-    for (std::string word; words >> word;)
-        list.push_back(word);
+    for (std::string word; words >> word;) {
+        list.push_back(PlainAddress(word));
+        if (list.back().empty())
+            throw BadValue{"addresses, such as 127.0.0.1 ::1"};
+    }
     return list;
 }
 
@@ -79,7 +84,8 @@ std::map<std::string, Setter> Setters(Settings& s) {
         {"http", [&](const std::string& text) { s.http = ReadEndpoint(text); }},
         {"ftp", [&](const std::string& text) { s.ftp = ReadEndpoint(text); }},
         {"url", [&](const std::string& text) { s.url = ReadUrl(text); }},
-        {"proxies", [&](const std::string& text) { s.httpBounds.trustedProxies = ReadList(text); }},
+        {"proxies",
+         [&](const std::string& text) { s.httpBounds.trustedProxies = ReadAddresses(text); }},
         {"accounts",
          [&](const std::string& text) {
              if (text != "invitation" && text != "open")
@@ -108,6 +114,11 @@ std::map<std::string, Setter> Setters(Settings& s) {
         {"wrong-logins", Set<int>(s.accounts.wrongLogins, 1, 1000000)},
         {"new-accounts-per-day", Set<int>(s.accounts.newAccounts, 1, 1000000)},
         {"submissions-per-minute", Set<int>(s.submissionsPerMinute, 1, 100000000)},
+        {"versions-per-survey", Set<int>(s.publish.versions, 2, 100000)},
+        {"documents-per-account",
+         Set<std::int64_t>(s.publish.documentBytes, 1024, 1024LL * 1024 * mega)},
+        {"bodies-bytes-per-address",
+         Set<std::size_t>(s.httpBounds.bodiesBytesPerAddress, 1024, 1024 * mega)},
         {"surveys-per-account", Set<int>(s.surveysPerAccount, 1, 5000)},
         {"keep-drafts-days", SetDays(s.retention.drafts)},
         {"keep-results-days", SetDays(s.retention.droppedResults)},

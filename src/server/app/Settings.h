@@ -36,6 +36,7 @@ struct Settings {
     Retention retention;
     int submissionsPerMinute = 60; // of one address
     int surveysPerAccount = 1000;
+    PublishBounds publish;
 };
 
 // Throws BadSettings for a name that isn't there, a value that can't be, and a file that can't be

@@ -5,13 +5,13 @@
 
 #include "exchange/CodePage.h"
 #include "exchange/ResultsWriter.h"
+#include "exchange/SentText.h"
 #include "exchange/SurveyReader.h"
 
 namespace pollarix::server {
 
 namespace {
 
-constexpr std::size_t LongestSurveyName = 200; // bytes
 constexpr std::size_t LongestRefusal = 200;
 constexpr std::size_t ChunkBytes = 64 * 1024;
 
@@ -76,7 +76,7 @@ Exchange::Exchange(Store& store, Accounts& accounts, Questionnaires& questionnai
       settings_(std::move(settings)), log_(std::move(log)) {}
 
 void Exchange::AddRoutes(Router& router) {
-    router.Add("GET", "/ws/CallFunc.php", Work::Waits,
+    router.Add("GET", "/ws/CallFunc.php",
                [this](const Request& request, const PathParts&) { return Call(request); });
 }
 
@@ -85,6 +85,10 @@ Response Exchange::Call(const Request& request) {
     if (!call)
         return Reply("The server doesn't know this call.");
     const bool isDocument = call->function == "GetSurveyResults";
+    // A page elsewhere could have its visitors' browsers guess passwords, until nobody at their
+    // address can log in.
+    if (IsFromOtherSite(request, settings_.publicUrl))
+        return Reply("Failure: This call came from another site.");
     try {
         if (isDocument)
             return GetSurveyResults(call->values[0], request.address);
@@ -92,6 +96,8 @@ Response Exchange::Call(const Request& request) {
     } catch (const Refusal& refusal) {
         // A document is told from a refusal by the refusal's first word.
         return Reply(Words((isDocument ? "Failure: " : "") + refusal.words));
+    } catch (const Bounded& bound) {
+        return Reply(Words(bound.what()));
     } catch (const StoreFailure& failure) {
         log_(std::string("a call failed: ") + failure.what());
         return Reply(isDocument ? "Failure: The server can't read its results just now."
@@ -135,29 +141,19 @@ std::string Exchange::GetWebUserID(const RawCall& call, const std::string& addre
     case LogInResult::Fine:
         break;
     }
-    const auto ticket = tickets_.Give(login.account, address, Now());
+    const auto ticket = tickets_.Give({login.account, login.stamp}, address, Now());
     if (!ticket)
         throw Refusal{"Too many users are logged in. Please try again in half an hour."};
     return std::to_string(*ticket);
 }
 
 std::string Exchange::CreateSurvey(Id account, const std::string& name) {
-    if (name.empty() || name.size() > LongestSurveyName)
-        throw Refusal{"The survey's name is empty or too long."};
-    // The program takes that mark for the end of the name.
-    if (name.find("<br>") != std::string::npos || std::any_of(name.begin(), name.end(), [](char c) {
-            return static_cast<unsigned char>(c) < 0x20;
-        }))
-        throw Refusal{"The survey's name has characters that can't be in a name."};
+    if (const std::string_view fault = exchange::FaultOfSurveyName(name); !fault.empty())
+        throw Refusal{std::string(fault)};
     const std::vector<Survey> surveys = store_.ListSurveys(account);
     if (surveys.size() >= static_cast<std::size_t>(settings_.surveysPerAccount))
         throw Refusal{"This account has as many surveys as it can have."};
-    Id survey = None;
-    try {
-        survey = store_.CreateSurvey(account, name, NewToken(), Now());
-    } catch (const OutOfNumbers& failure) {
-        throw Refusal{failure.what()};
-    }
+    const Id survey = store_.CreateSurvey(account, name, NewToken(), Now());
     if (survey == None)
         throw Refusal{"This account has a survey of that name already."};
     return std::to_string(survey);
@@ -178,7 +174,8 @@ std::string Exchange::MoveNewSurvey(const RawCall& call, const Request& request)
     } catch (const exchange::DocumentFault& fault) {
         throw Refusal{fault.what()};
     }
-    const int version = store_.Publish(survey.id, *document, call.values[2] == "True", Now());
+    const int version =
+        store_.Publish(survey.id, *document, call.values[2] == "True", Now(), settings_.bounds);
     if (version == 0)
         throw Refusal{"There is no such survey any more."};
     log_("survey " + std::to_string(survey.id) + " version " + std::to_string(version) +
@@ -199,7 +196,9 @@ std::string Exchange::GetSurveyListForUser(Id account) {
 std::string Exchange::GetSurveyName(const std::string& survey, const std::string& address) {
     const auto number = NumberOf(survey);
     const auto found = number ? store_.FindSurvey(*number) : std::nullopt;
-    if (!found || found->deleted != 0 || !tickets_.IsHere(found->account, address, Now()))
+    const auto account = found ? store_.FindAccount(found->account) : std::nullopt;
+    if (!account || account->isDisabled || found->deleted != 0 ||
+        !tickets_.IsHere({account->id, account->stamp}, address, Now()))
         throw Refusal{"There is no such survey."};
     return found->name;
 }
@@ -215,7 +214,6 @@ Response Exchange::GetSurveyResults(const std::string& file, const std::string& 
         throw Refusal{"There are no new answers."};
     struct Fetch {
         std::optional<Submission> next;
-        Id last = None;
         std::int64_t count = 0;
         exchange::LostLetters lost;
     };
@@ -230,13 +228,13 @@ Response Exchange::GetSurveyResults(const std::string& file, const std::string& 
             const Submission& row = *fetch->next;
             const auto [questionnaire, answers] = questionnaires_.Read(id, row);
             chunk += exchange::ResultsOf(*questionnaire, answers, fetch->lost);
-            fetch->last = row.id;
             ++fetch->count;
             fetch->next = rows->Next();
         }
         if (!chunk.empty())
             return true;
-        tickets_.NoteFetch(ticket, id, fetch->last);
+        // Before the reply's end is sent: who has all of it may drop it.
+        tickets_.NoteFetch(ticket, id, rows->All());
         log_("survey " + std::to_string(id) + ": " + std::to_string(fetch->count) +
              " results were fetched");
         return false;
@@ -247,10 +245,16 @@ Response Exchange::GetSurveyResults(const std::string& file, const std::string& 
 std::string Exchange::DeleteSurveyResultsFile(const RawCall& call, const std::string& address) {
     const std::string& user = call.values[0];
     const Survey survey = SurveyOf(AccountOf(user, address), call.values[1]);
-    const Id last = tickets_.TakeFetch(*NumberOf(user), survey.id);
-    if (last == None)
+    const auto handedOut = tickets_.TakeFetch(*NumberOf(user), survey.id);
+    if (!handedOut)
         throw Refusal{"These results were not fetched with this login, so none is deleted."};
-    const std::int64_t count = store_.DropResults(survey.id, last, Now());
+    std::int64_t count = 0;
+    try {
+        count = store_.DropResults(survey.id, *handedOut, Now());
+    } catch (const StoreFailure&) {
+        tickets_.NoteFetch(*NumberOf(user), survey.id, *handedOut); // to be tried again
+        throw;
+    }
     log_("survey " + std::to_string(survey.id) + ": " + std::to_string(count) +
          " results were dropped");
     return std::to_string(count);
@@ -270,22 +274,28 @@ std::string Exchange::TakeDocument(std::int64_t user, std::int64_t survey,
                                    const std::string& document, const std::string& address) {
     try {
         const Id account = AccountOf(std::to_string(user), address);
-        store_.KeepUpload(SurveyOf(account, std::to_string(survey)).id, document, Now());
+        store_.KeepUpload(SurveyOf(account, std::to_string(survey)).id, document, Now(),
+                          settings_.bounds);
         return {};
     } catch (const Refusal& refusal) {
         return Words(refusal.words);
+    } catch (const Bounded& bound) {
+        return Words(bound.what());
     }
 }
 
 Id Exchange::AccountOf(const std::string& user, const std::string& address) {
     const auto ticket = NumberOf(user);
-    const Id account = ticket ? tickets_.AccountOf(*ticket, address, Now()) : None;
-    if (account == None)
-        throw Refusal{"This login is over. Please log in again."};
-    const auto found = store_.FindAccount(account);
-    if (!found || found->isDisabled)
+    const auto login = ticket ? tickets_.Find(*ticket, address, Now()) : std::nullopt;
+    const auto account = login ? store_.FindAccount(login->account) : std::nullopt;
+    if (account && account->isDisabled)
         throw Refusal{"This account is disabled."};
-    return account;
+    if (!account || account->stamp != login->stamp) {
+        if (login)
+            tickets_.End(*ticket);
+        throw Refusal{"This login is over. Please log in again."};
+    }
+    return account->id;
 }
 
 Survey Exchange::SurveyOf(Id account, const std::string& survey) {

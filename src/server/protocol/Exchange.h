@@ -16,6 +16,7 @@ namespace pollarix::server {
 struct ExchangeSettings {
     std::string publicUrl; // the server's root with its closing "/"; "" for that of the request
     int surveysPerAccount = 1000;
+    PublishBounds bounds = {};
 };
 
 class Exchange {

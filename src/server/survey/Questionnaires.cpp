@@ -7,16 +7,17 @@
 
 namespace pollarix::server {
 
+namespace {
+
+// The page of one that is larger takes too long to be made between others.
+constexpr std::size_t SmallDocument = 128U << 10U;
+
+} // namespace
+
 std::shared_ptr<const exchange::Questionnaire> Questionnaires::Find(Id survey, int version) {
     const Key key(survey, version);
-    {
-        const std::lock_guard lock(mutex_);
-        const auto found = kept_.find(key);
-        if (found != kept_.end()) {
-            order_.splice(order_.begin(), order_, found->second.place);
-            return found->second.questionnaire;
-        }
-    }
+    if (auto kept = FindKept(key, room_))
+        return kept;
     // Outside the lock: two that ask for the same new version read it twice, and nobody waits.
     const std::optional<std::string> document = store_.FindVersion(survey, version);
     if (!document)
@@ -40,6 +41,20 @@ Questionnaires::Answered Questionnaires::Read(Id survey, const Submission& submi
     if (!answers)
         throw StoreFailure("submission " + std::to_string(submission.id) + " can't be read");
     return {std::move(questionnaire), std::move(*answers)};
+}
+
+std::shared_ptr<const exchange::Questionnaire> Questionnaires::Known(Id survey, int version) {
+    return FindKept({survey, version}, SmallDocument);
+}
+
+std::shared_ptr<const exchange::Questionnaire> Questionnaires::FindKept(const Key& key,
+                                                                        std::size_t most) {
+    const std::lock_guard lock(mutex_);
+    const auto found = kept_.find(key);
+    if (found == kept_.end() || found->second.size > most)
+        return nullptr;
+    order_.splice(order_.begin(), order_, found->second.place);
+    return found->second.questionnaire;
 }
 
 void Questionnaires::Keep(const Key& key, std::size_t size,

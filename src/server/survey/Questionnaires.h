@@ -24,6 +24,9 @@ class Questionnaires {
     // published and can't be read any more.
     std::shared_ptr<const exchange::Questionnaire> Find(Id survey, int version);
 
+    // The same as long as it is in memory and small; else null. Never waits.
+    std::shared_ptr<const exchange::Questionnaire> Known(Id survey, int version);
+
     // What a respondent answered, with the questions as they were. Throws StoreFailure also when
     // the two don't fit: leaving answers out in silence would lose them.
     struct Answered {
@@ -39,6 +42,8 @@ class Questionnaires {
         std::size_t size;
         std::list<Key>::iterator place;
     };
+    // Null when it isn't kept, or larger than that.
+    std::shared_ptr<const exchange::Questionnaire> FindKept(const Key& key, std::size_t most);
     void Keep(const Key& key, std::size_t size,
               const std::shared_ptr<const exchange::Questionnaire>& questionnaire);
 

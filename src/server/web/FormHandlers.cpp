@@ -2,8 +2,10 @@
 #include <charconv>
 #include <memory>
 
+#include "exchange/CodePage.h"
 #include "server/accounts/Bounds.h"
 #include "server/accounts/Secrets.h"
+#include "server/net/Address.h"
 #include "server/survey/StoredAnswers.h"
 #include "server/web/Assets.h"
 #include "server/web/FormPage.h"
@@ -70,16 +72,17 @@ class Form {
             return PageResponse(words, FaultPage(words, 404));
         if (!survey->TakesAnswers(site_.now()))
             return PageResponse(words, ClosedPage(words, survey->name));
-        const auto questionnaire = Questions(*survey, survey->version);
-        const Answers none = exchange::NoAnswers(*questionnaire);
-        const std::string token = NewToken();
-        return PageResponse(words, FormPage(words, {.questionnaire = *questionnaire,
-                                                    .answers = none,
-                                                    .name = survey->name,
-                                                    .address = survey->address,
-                                                    .token = token,
-                                                    .version = survey->version,
-                                                    .onOnePage = survey->onOnePage}));
+        return Begun(words, *survey, *Questions(*survey, survey->version));
+    }
+
+    std::optional<Response> ShowQuickly(const Request& request, const std::string& address) const {
+        const auto survey = site_.store.KnownSurvey(address);
+        if (!survey || !survey->TakesAnswers(site_.now()))
+            return std::nullopt;
+        const auto questionnaire = site_.questionnaires.Known(survey->id, survey->version);
+        if (!questionnaire)
+            return std::nullopt;
+        return Begun(WordsOf(request), *survey, *questionnaire);
     }
 
     Response Resume(const Request& request, const std::string& address,
@@ -97,16 +100,17 @@ class Form {
         const auto answers = ReadStoredAnswers(*questionnaire, draft->answers.substr(blank + 1));
         if (!answers)
             throw StoreFailure("a draft can't be read");
-        return PageResponse(
-            words, FormPage(words, {.questionnaire = *questionnaire,
-                                    .answers = *answers,
-                                    .name = survey->name,
-                                    .address = survey->address,
-                                    .token = token,
-                                    .version = draft->version,
-                                    .onOnePage = !place,
-                                    .place = std::min(place.value_or(0),
-                                                      questionnaire->questions.size() - 1)}));
+        return PageResponse(words,
+                            FormPage(words, {.questionnaire = *questionnaire,
+                                             .answers = *answers,
+                                             .name = survey->name,
+                                             .address = survey->address,
+                                             .token = token,
+                                             .version = draft->version,
+                                             .onOnePage = !place,
+                                             .place = std::min(place.value_or(0),
+                                                               questionnaire->questions.size() - 1),
+                                             .mostBytes = site_.bodyBytes}));
     }
 
     Response Take(const Request& request, const std::string& address) {
@@ -114,20 +118,12 @@ class Form {
         const auto survey = Find(address);
         if (!survey)
             return PageResponse(words, FaultPage(words, 404));
-        auto form = Read(request, *survey);
+        auto form =
+            Read(request, *survey, [&](int version) { return Questions(*survey, version); });
         if (!form)
             return PageResponse(words, FaultPage(words, 400));
-        if (form->sent.isForeign || !form->sent.tooLong.empty())
-            return Again(words, *survey, *form, 422, Outcome::Fine);
-        if (form->button == button::Back || form->button == button::Next) {
-            if (form->button == button::Back)
-                form->place -= form->place > 0 ? 1 : 0;
-            else
-                form->place = std::min(form->place + 1, form->questionnaire->questions.size() - 1);
-            return Again(words, *survey, *form, 200, Outcome::Fine);
-        }
-        if (!bound_.Take(BoundName(request.address), site_.now()))
-            return Unstored(words, *survey, *form, 429);
+        if (auto page = WithoutStoring(request, words, *survey, *form))
+            return std::move(*page);
         try {
             return form->button == button::Later ? Keep(request, words, *survey, *form)
                                                  : Store(words, *survey, *form);
@@ -136,7 +132,55 @@ class Form {
         }
     }
 
+    // All but drafts: what is sent waits for its commit without a thread of its own.
+    std::optional<Response> TakeQuickly(const Request& request, const std::string& address) {
+        const auto survey = site_.store.KnownSurvey(address);
+        if (!survey || survey->version == 0 || request.body.size() > LargestQuickForm)
+            return std::nullopt;
+        const Words& words = WordsOf(request);
+        auto form = Read(request, *survey, [&](int version) {
+            return site_.questionnaires.Known(survey->id, version);
+        });
+        if (!form || form->button == button::Later)
+            return std::nullopt;
+        if (auto page = WithoutStoring(request, words, *survey, *form))
+            return page;
+        Response response;
+        response.begin = [this, survey, &words,
+                          form = std::make_shared<const SentForm>(std::move(*form))](
+                             const pollarix::server::Resume& resume) {
+            site_.store.Submit(
+                survey->id, form->version, TokenHash(form->token),
+                StoredAnswers(*form->questionnaire, form->sent.answers), site_.now(), LostOf(*form),
+                [this, survey, &words, form, resume](Submitted submitted,
+                                                     const std::exception_ptr& failure) {
+                    resume([this, survey, &words, form, submitted, failed = failure != nullptr] {
+                        return failed ? Unstored(words, *survey, *form, 503)
+                                      : Told(words, *survey, *form, submitted);
+                    });
+                });
+        };
+        return response;
+    }
+
+    // The page for a form that was sent and met a failure before anybody looked at it: all that was
+    // sent, to be sent again. Nothing when that isn't to be had.
+    static std::optional<Response> KeptForm(const Request& request, int status) {
+        if (request.method != "POST" || !request.path.starts_with("/s/") || status < 429)
+            return std::nullopt;
+        const auto fields = FormFields(request.body, MostFields);
+        if (!fields || fields->empty())
+            return std::nullopt;
+        Page page = KeptFormPage(WordsOf(request), request.path, *fields);
+        page.status = status;
+        Response response = PageResponse(WordsOf(request), page);
+        response.headers.emplace_back("Retry-After", "30");
+        return response;
+    }
+
   private:
+    static constexpr std::size_t LargestQuickForm = 32 * 1024;
+
     std::optional<Survey> Find(const std::string& address) const {
         auto survey = site_.store.FindSurveyByAddress(address);
         if (survey && survey->version == 0)
@@ -151,8 +195,53 @@ class Form {
         return questionnaire;
     }
 
-    // Nothing for what no page of ours sends.
-    std::optional<SentForm> Read(const Request& request, const Survey& survey) const {
+    // The form as somebody sees it first.
+    Response Begun(const Words& words, const Survey& survey,
+                   const Questionnaire& questionnaire) const {
+        const Answers none = exchange::NoAnswers(questionnaire);
+        const std::string token = NewToken();
+        return PageResponse(words, FormPage(words, {.questionnaire = questionnaire,
+                                                    .answers = none,
+                                                    .name = survey.name,
+                                                    .address = survey.address,
+                                                    .token = token,
+                                                    .version = survey.version,
+                                                    .onOnePage = survey.onOnePage,
+                                                    .mostBytes = site_.bodyBytes}));
+    }
+
+    // What there is to say to a form before anything is stored.
+    std::optional<Response> WithoutStoring(const Request& request, const Words& words,
+                                           const Survey& survey, SentForm& form) {
+        if (form.sent.isForeign || !form.sent.tooLong.empty())
+            return Again(words, survey, form, 422, Outcome::Fine);
+        if (form.button == button::Back || form.button == button::Next) {
+            if (form.button == button::Back)
+                form.place -= form.place > 0 ? 1 : 0;
+            else
+                form.place = std::min(form.place + 1, form.questionnaire->questions.size() - 1);
+            return Again(words, survey, form, 200, Outcome::Fine);
+        }
+        if (!bound_.Take(BoundName(request.address), site_.now()))
+            return Unstored(words, survey, form, 429);
+        return std::nullopt;
+    }
+
+    // Letters in the answers that the program can't show.
+    static LostCount LostOf(const SentForm& form) {
+        exchange::LostLetters lost;
+        for (const exchange::Answer& answer : form.sent.answers)
+            exchange::NoteLost(answer.text, lost);
+        LostCount count{static_cast<std::int64_t>(lost.count), {}};
+        for (const char32_t letter : lost.some)
+            exchange::AppendLetter(count.some, letter);
+        return count;
+    }
+
+    // Nothing for what no page of ours sends, and for a version without questions.
+    template <typename Questions>
+    std::optional<SentForm> Read(const Request& request, const Survey& survey,
+                                 Questions questions) const {
         const auto fields = FormFields(request.body, MostFields);
         if (!fields)
             return std::nullopt;
@@ -163,7 +252,9 @@ class Form {
             !IsToken(form.token))
             return std::nullopt;
         form.version = static_cast<int>(*version);
-        form.questionnaire = Questions(survey, form.version);
+        form.questionnaire = questions(form.version);
+        if (!form.questionnaire)
+            return std::nullopt;
         const std::size_t count = form.questionnaire->questions.size();
         // How the page was made counts, and not how it would be made now.
         const std::string_view place = FieldOf(*fields, field::Place);
@@ -187,8 +278,8 @@ class Form {
         return std::nullopt;
     }
 
-    static Response Again(const Words& words, const Survey& survey, const SentForm& form,
-                          int status, Outcome outcome) {
+    Response Again(const Words& words, const Survey& survey, const SentForm& form, int status,
+                   Outcome outcome) const {
         Page page = FormPage(words, {.questionnaire = *form.questionnaire,
                                      .answers = form.sent.answers,
                                      .name = survey.name,
@@ -197,6 +288,7 @@ class Form {
                                      .version = form.version,
                                      .onOnePage = form.onOnePage,
                                      .place = form.place,
+                                     .mostBytes = site_.bodyBytes,
                                      .tooLong = form.sent.tooLong,
                                      .isForeign = form.sent.isForeign,
                                      .wasNotStored = outcome == Outcome::NotStored,
@@ -206,8 +298,8 @@ class Form {
     }
 
     // All that was typed goes back to who typed it.
-    static Response Unstored(const Words& words, const Survey& survey, const SentForm& form,
-                             int status) {
+    Response Unstored(const Words& words, const Survey& survey, const SentForm& form,
+                      int status) const {
         Response response = Again(words, survey, form, status, Outcome::NotStored);
         response.headers.emplace_back("Retry-After", "30");
         return response;
@@ -218,12 +310,14 @@ class Form {
                   const SentForm& form) const {
         const Time now = site_.now();
         const std::string place = form.onOnePage ? "-" : std::to_string(form.place);
-        site_.store.KeepDraft(
+        const bool isKept = site_.store.KeepDraft(
             TokenHash(form.token),
             {.survey = survey.id,
              .version = form.version,
              .answers = place + ' ' + StoredAnswers(*form.questionnaire, form.sent.answers),
              .updated = now});
+        if (!isKept) // too many are kept for this survey
+            return Unstored(words, survey, form, 503);
         return PageResponse(words, LaterPage(words, survey.name,
                                              RootOf(site_.base, request) + "s/" + survey.address +
                                                  "/later/" + form.token,
@@ -231,12 +325,17 @@ class Form {
     }
 
     Response Store(const Words& words, const Survey& survey, const SentForm& form) const {
-        const Submitted submitted =
-            site_.store.Submit(survey.id, form.version, TokenHash(form.token),
-                               StoredAnswers(*form.questionnaire, form.sent.answers), site_.now());
+        return Told(words, survey, form,
+                    site_.store.Submit(survey.id, form.version, TokenHash(form.token),
+                                       StoredAnswers(*form.questionnaire, form.sent.answers),
+                                       site_.now(), LostOf(form)));
+    }
+
+    // Only behind the commit.
+    Response Told(const Words& words, const Survey& survey, const SentForm& form,
+                  Submitted submitted) const {
         if (submitted == Submitted::Closed)
             return Again(words, survey, form, 403, Outcome::Closed);
-        // Only here, behind the commit.
         return PageResponse(
             words, ThanksPage(words, survey.name, submitted == Submitted::StoredAsConflict));
     }
@@ -249,25 +348,36 @@ class Form {
 
 void AddPages(Router& router, const Site& site) {
     const auto form = std::make_shared<Form>(site);
-    router.Add("GET", "/", Work::Quick,
+    router.Add("GET", "/",
                [form](const Request& request, const PathParts&) { return form->Start(request); });
-    router.Add("GET", "/a/*", Work::Quick,
-               [](const Request&, const PathParts& parts) { return AssetResponse(parts[0]); });
-    router.Add("GET", "/s/*", Work::Quick, [form](const Request& request, const PathParts& parts) {
-        return form->Show(request, parts[0]);
+    router.AddQuick("GET", "/a/*",
+                    [](const Request&, const PathParts& parts) { return AssetResponse(parts[0]); });
+    router.Add(
+        "GET", "/s/*",
+        [form](const Request& request, const PathParts& parts) {
+            return form->Show(request, parts[0]);
+        },
+        [form](const Request& request, const PathParts& parts) {
+            return form->ShowQuickly(request, parts[0]);
+        });
+    router.Add(
+        "POST", "/s/*",
+        [form](const Request& request, const PathParts& parts) {
+            return form->Take(request, parts[0]);
+        },
+        [form](const Request& request, const PathParts& parts) {
+            return form->TakeQuickly(request, parts[0]);
+        });
+    router.Add("GET", "/s/*/later/*", [form](const Request& request, const PathParts& parts) {
+        return form->Resume(request, parts[0], parts[1]);
     });
-    router.Add("POST", "/s/*", Work::Waits, [form](const Request& request, const PathParts& parts) {
-        return form->Take(request, parts[0]);
-    });
-    router.Add("GET", "/s/*/later/*", Work::Quick,
-               [form](const Request& request, const PathParts& parts) {
-                   return form->Resume(request, parts[0], parts[1]);
-               });
     AddHolderPages(router, site);
     router.SetErrorPage([](int status, const Request& request) {
         // The program shows a reply as it stands, and takes any other word for a results file.
         if (request.path == "/ws/CallFunc.php")
             return Response::Text(status, "Failure: The server can't do this just now.");
+        if (auto kept = Form::KeptForm(request, status))
+            return std::move(*kept);
         return PageResponse(WordsOf(request), FaultPage(WordsOf(request), status));
     });
 }

@@ -149,6 +149,19 @@ Html QuestionHtml(const Words& words, const Question& q, const Answer& answer, b
     return html << Heading(q) << "</div>";
 }
 
+Page KeptFormPage(const Words& words, std::string_view path,
+                  const std::vector<std::pair<std::string, std::string>>& fields) {
+    Page page;
+    page.title = words.errorTitle;
+    (page.body << "<h1>").Text(words.errorTitle) << "</h1><p role=\"alert\">";
+    page.body.Text(words.notStored) << "</p><form method=\"post\"";
+    page.body.Attribute("action", path) << ">";
+    for (const auto& [name, value] : fields)
+        page.body << Hidden(name, value);
+    (page.body << "<p><button class=\"main\">").Text(words.tryAgain) << "</button></p></form>";
+    return page;
+}
+
 Page FormPage(const Words& words, const FormState& state) {
     const std::vector<Question>& questions = state.questionnaire.questions;
     const QuestionRange shown = state.Shown();
@@ -167,7 +180,7 @@ Page FormPage(const Words& words, const FormState& state) {
     (html << "<h1 dir=\"auto\">").Text(state.name) << "</h1>" << problems;
     (html << "<form id=\"form\" method=\"post\"")
         .Attribute("action", "/s/" + std::string(state.address));
-    html << ">" << Hidden(field::Token, state.token)
+    html << " data-most=\"" << state.mostBytes << "\">" << Hidden(field::Token, state.token)
          << Hidden(field::Version, std::to_string(state.version));
     if (!state.onOnePage) {
         exchange::Answers others = state.answers;
@@ -182,6 +195,8 @@ Page FormPage(const Words& words, const FormState& state) {
         html << QuestionHtml(words, questions[i], state.answers.at(i),
                              std::binary_search(state.tooLong.begin(), state.tooLong.end(), i));
     (html << "<p class=\"problem\" id=\"line\" role=\"alert\" hidden>").Text(words.noLine)
+        << "</p>";
+    (html << "<p class=\"problem\" id=\"much\" role=\"alert\" hidden>").Text(words.tooMuch)
         << "</p>";
     html << "<div class=\"buttons\">";
     // The first one is what Enter presses.

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "exchange/Questionnaire.h"
@@ -39,7 +40,8 @@ struct FormState {
     std::string_view token;
     int version = 0;
     bool onOnePage = false;
-    std::size_t place = 0; // of the question shown, unless all are
+    std::size_t place = 0;     // of the question shown, unless all are
+    std::size_t mostBytes = 0; // that the form may send, so that script can tell before
 
     // What there is to say about what was sent last.
     std::vector<std::size_t> tooLong = {};
@@ -55,6 +57,11 @@ struct FormState {
 };
 
 Page FormPage(const Words& words, const FormState& state);
+
+// Where the form itself can't be made: all the fields that it has sent, whatever they are, to be
+// sent again.
+Page KeptFormPage(const Words& words, std::string_view path,
+                  const std::vector<std::pair<std::string, std::string>>& fields);
 
 // One question with its answers, as FormPage shows it.
 Html QuestionHtml(const Words& words, const exchange::Question& question,

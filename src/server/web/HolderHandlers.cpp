@@ -2,8 +2,8 @@
 #include <memory>
 
 #include "exchange/ResultsWriter.h"
+#include "exchange/SentText.h"
 #include "server/accounts/Secrets.h"
-#include "server/survey/SentAnswers.h"
 #include "server/web/HolderPages.h"
 #include "server/web/OwnData.h"
 #include "server/web/Pages.h"
@@ -15,7 +15,6 @@ namespace pollarix::server {
 namespace {
 
 constexpr std::string_view CookieName = "session";
-constexpr std::size_t LongestName = 255; // of a survey, in bytes
 constexpr std::size_t ChunkSize = 64U << 10U;
 
 struct LoggedIn {
@@ -30,12 +29,6 @@ Response Answer(const Page& page) {
 
 Response Fault(int status, std::string_view words) {
     return Answer(HolderFaultPage(status, words));
-}
-
-// A form of another site can't be what its holder meant. Browsers say where a form comes from.
-bool IsFromElsewhere(const Request& request) {
-    const std::string_view site = request.Header("Sec-Fetch-Site");
-    return !site.empty() && site != "same-origin" && site != "none";
 }
 
 Response Download(std::string type, const std::string& name, BodySource source) {
@@ -92,7 +85,16 @@ class HolderSite {
 
     using Fields = std::vector<Field>;
 
+    // A form of another site can't be what its holder meant.
+    bool IsFromElsewhere(const Request& request) const {
+        return IsFromOtherSite(request, site_.base);
+    }
+
     std::optional<LoggedIn> Find(const Request& request) const {
+        // Nor may a page of another site put one of these into itself. A link may lead here.
+        if (IsFromElsewhere(request) && request.method != "POST" &&
+            request.Header("Sec-Fetch-Mode") != "navigate")
+            return std::nullopt;
         const std::string token(request.Cookie(CookieName));
         const auto session = site_.accounts.FindSession(token);
         const auto account =
@@ -168,12 +170,7 @@ class HolderSite {
         details.counts = site_.store.CountResults(survey.id);
         details.link = LinkOf(request, survey);
         details.keptUntil = survey.deleted + site_.retention.deletedSurveys;
-        const auto waiting = site_.store.WaitingResults(survey.id);
-        while (const auto row = waiting->Next()) {
-            const auto [questionnaire, answers] = site_.questionnaires.Read(survey.id, *row);
-            for (const exchange::Answer& answer : answers)
-                exchange::Windows1252FromUtf8(answer.text, details.lost);
-        }
+        details.lost = site_.store.CountLost(survey.id);
         Page page = SurveyPage(who.holder, details, site_.now(),
                                fault.empty() ? DoneWords(request.query) : fault, !fault.empty());
         page.status = fault.empty() ? 200 : 422;
@@ -194,10 +191,9 @@ class HolderSite {
                         "Please give a date and a time, or leave them empty.");
         if (changed.closes > 0 && changed.closes <= changed.opens)
             return Show(request, who, survey, "The survey would close before it opens.");
-        if (changed.name.empty() || changed.name.size() > LongestName ||
-            CleanAnswer(changed.name) != changed.name ||
-            changed.name.find_first_of("\n\t") != std::string::npos)
-            return Show(request, who, survey, "Please give the survey a name of one line.");
+        if (const std::string_view fault = exchange::FaultOfSurveyName(changed.name);
+            !fault.empty())
+            return Show(request, who, survey, fault);
         if (!site_.store.ChangeSurvey(changed))
             return Show(request, who, survey, "You have another survey of that name.");
         return Done(survey, "saved");
@@ -346,9 +342,10 @@ template <typename Action> Handler ForSurvey(const Shared& site, Action action) 
 }
 
 // For a form that has to bring back the session's secret.
-std::optional<std::vector<Field>> OwnFields(const Request& request, const LoggedIn& who) {
+std::optional<std::vector<Field>> OwnFields(const HolderSite& site, const Request& request,
+                                            const LoggedIn& who) {
     auto fields = FormFields(request.body);
-    if (!fields || IsFromElsewhere(request) ||
+    if (!fields || site.IsFromElsewhere(request) ||
         !SameSecret(FieldOf(*fields, "csrf"), who.holder.formSecret))
         return std::nullopt;
     return fields;
@@ -364,7 +361,7 @@ using SurveyAction = Response (HolderSite::*)(const Request&, const LoggedIn&, c
 Handler Changing(const Shared& site, SurveyAction action) {
     return ForSurvey(site, [action](const HolderSite& holderSite, const Request& request,
                                     const LoggedIn& who, const Survey& survey) {
-        const auto fields = OwnFields(request, who);
+        const auto fields = OwnFields(holderSite, request, who);
         return fields ? (holderSite.*action)(request, who, survey, *fields) : Foreign();
     });
 }
@@ -377,55 +374,54 @@ Handler Viewing(const Shared& site, SurveyView view) {
 }
 
 void AddSurveyPages(Router& router, const Shared& site) {
-    router.Add("GET", "/surveys", Work::Waits,
+    router.Add("GET", "/surveys",
                ForHolder(site, [](const HolderSite& holderSite, const Request&, const PathParts&,
                                   const LoggedIn& who) { return holderSite.Surveys(who); }));
-    router.Add("GET", "/surveys/*", Work::Waits,
+    router.Add("GET", "/surveys/*",
                ForSurvey(site, [](const HolderSite& holderSite, const Request& request,
                                   const LoggedIn& who, const Survey& survey) {
                    return holderSite.Show(request, who, survey);
                }));
     router.Add(
-        "GET", "/surveys/*/code.svg", Work::Quick,
+        "GET", "/surveys/*/code.svg",
         ForSurvey(site, [](const HolderSite& holderSite, const Request& request, const LoggedIn&,
                            const Survey& survey) { return holderSite.Code(request, survey); }));
-    router.Add("GET", "/surveys/*/results.csv", Work::Waits, Viewing(site, &HolderSite::Table));
-    router.Add("GET", "/surveys/*/results.txt", Work::Waits,
-               Viewing(site, &HolderSite::ResultsFile));
-    router.Add("POST", "/surveys/*", Work::Waits, Changing(site, &HolderSite::Save));
-    router.Add("POST", "/surveys/*/delete", Work::Waits, Changing(site, &HolderSite::Delete));
-    router.Add("POST", "/surveys/*/undelete", Work::Waits, Changing(site, &HolderSite::Undelete));
-    router.Add("POST", "/surveys/*/restore-results", Work::Waits,
-               Changing(site, &HolderSite::RestoreResults));
+    router.Add("GET", "/surveys/*/results.csv", Viewing(site, &HolderSite::Table));
+    router.Add("GET", "/surveys/*/results.txt", Viewing(site, &HolderSite::ResultsFile));
+    router.Add("POST", "/surveys/*", Changing(site, &HolderSite::Save));
+    router.Add("POST", "/surveys/*/delete", Changing(site, &HolderSite::Delete));
+    router.Add("POST", "/surveys/*/undelete", Changing(site, &HolderSite::Undelete));
+    router.Add("POST", "/surveys/*/restore-results", Changing(site, &HolderSite::RestoreResults));
 }
 
 void AddAccountPages(Router& router, const Shared& site) {
-    router.Add("GET", "/login", Work::Quick,
-               [](const Request&, const PathParts&) { return Answer(LoginPage("", "")); });
-    router.Add("POST", "/login", Work::Waits,
+    router.AddQuick("GET", "/login",
+                    [](const Request&, const PathParts&) { return Answer(LoginPage("", "")); });
+    router.Add("POST", "/login",
                [site](const Request& request, const PathParts&) { return site->LogIn(request); });
-    router.Add(
-        "GET", "/CreateAccount.php", Work::Quick,
-        [site](const Request& request, const PathParts&) { return site->NewAccount(request); });
-    router.Add(
-        "POST", "/CreateAccount.php", Work::Waits,
-        [site](const Request& request, const PathParts&) { return site->CreateAccount(request); });
-    router.Add("POST", "/logout", Work::Waits,
+    router.Add("GET", "/CreateAccount.php", [site](const Request& request, const PathParts&) {
+        return site->NewAccount(request);
+    });
+    router.Add("POST", "/CreateAccount.php", [site](const Request& request, const PathParts&) {
+        return site->CreateAccount(request);
+    });
+    router.Add("POST", "/logout",
                ForHolder(site, [](const HolderSite& holderSite, const Request& request,
                                   const PathParts&, const LoggedIn& who) {
-                   return OwnFields(request, who) ? holderSite.LogOut(request, who) : Foreign();
+                   return OwnFields(holderSite, request, who) ? holderSite.LogOut(request, who)
+                                                              : Foreign();
                }));
     router.Add(
-        "GET", "/account", Work::Quick,
+        "GET", "/account",
         ForHolder(site, [](const HolderSite&, const Request& request, const PathParts&,
                            const LoggedIn& who) { return HolderSite::ShowAccount(request, who); }));
-    router.Add("POST", "/account", Work::Waits,
+    router.Add("POST", "/account",
                ForHolder(site, [](const HolderSite& holderSite, const Request& request,
                                   const PathParts&, const LoggedIn& who) {
-                   const auto fields = OwnFields(request, who);
+                   const auto fields = OwnFields(holderSite, request, who);
                    return fields ? holderSite.ChangePassword(request, who, *fields) : Foreign();
                }));
-    router.Add("GET", "/account/data.json", Work::Waits,
+    router.Add("GET", "/account/data.json",
                ForHolder(site, [](const HolderSite& holderSite, const Request&, const PathParts&,
                                   const LoggedIn& who) { return holderSite.Data(who); }));
 }

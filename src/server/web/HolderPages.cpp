@@ -4,6 +4,8 @@
 #include <cstdio>
 #include <ctime>
 
+#include "exchange/CodePage.h"
+
 namespace pollarix::server {
 
 namespace {
@@ -85,7 +87,7 @@ std::string SurveyPath(const Survey& survey) {
 Html SettingsHtml(const Holder& holder, const Survey& s) {
     Html html("<h2>Settings</h2>");
     html << FormHead(SurveyPath(s), holder)
-         << Input("Name", "name", s.name, " required maxlength=\"255\" aria-describedby=\"byname\"")
+         << Input("Name", "name", s.name, " required maxlength=\"200\" aria-describedby=\"byname\"")
          << "<p class=\"hint\" id=\"byname\">The program finds the survey by its name when you "
             "publish it again.</p>"
          << CheckBox("Takes answers", "open", s.isOpen)
@@ -96,6 +98,13 @@ Html SettingsHtml(const Holder& holder, const Survey& s) {
          << Input("Until (UTC), empty for no end", "closes", MomentField(s.closes),
                   " type=\"datetime-local\"");
     return html << Button("Save", "main") << "</form>";
+}
+
+// Each once, with blanks between them.
+std::string LettersApart(std::string_view some) {
+    exchange::LostLetters letters;
+    exchange::NoteLost(some, letters);
+    return letters.Names();
 }
 
 Html ResultsHtml(const Holder& holder, const SurveyDetails& d, Time now) {
@@ -109,7 +118,7 @@ Html ResultsHtml(const Holder& holder, const SurveyDetails& d, Time now) {
     if (d.lost.count > 0)
         (html << "<p>Letters in the waiting answers that the program can't show: " << d.lost.count
               << " (<span dir=\"auto\">")
-                .Text(d.lost.Names())
+                .Text(LettersApart(d.lost.some))
             << "</span>). It knows those of Western Europe only; others arrive there as \"?\". The "
                "table for spreadsheets has them all.</p>";
     (html << "<ul><li><a").Attribute("href", path + "/results.csv")

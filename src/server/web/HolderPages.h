@@ -6,7 +6,6 @@
 #include <string_view>
 #include <vector>
 
-#include "exchange/CodePage.h"
 #include "server/store/Records.h"
 #include "server/web/Page.h"
 
@@ -33,7 +32,7 @@ Page SurveysPage(const Holder& holder, const std::vector<SurveyWithCounts>& surv
 struct SurveyDetails {
     Survey survey;
     SurveyCounts counts;
-    exchange::LostLetters lost; // of the answers that wait, on their way into the program
+    LostCount lost; // of the answers that wait, on their way into the program
     std::string link;
     Time keptUntil = 0; // of a deleted survey
 };

@@ -78,10 +78,11 @@ class Document {
                  ",\"closes\":" + std::to_string(s.closes) +
                  ",\"created\":" + std::to_string(s.created) +
                  ",\"deleted\":" + std::to_string(s.deleted) + ",\"documents\":[";
+        bool isFirst = true;
         for (int version = 1; version <= s.version; ++version)
-            chunk +=
-                (version > 1 ? ",\n" : "\n") + JsonText(exchange::Utf8FromWindows1252(
-                                                   store_.FindVersion(s.id, version).value_or("")));
+            if (const auto document = store_.FindVersion(s.id, version)) // some may be gone
+                chunk += (std::exchange(isFirst, false) ? "\n" : ",\n") +
+                         JsonText(exchange::Utf8FromWindows1252(*document));
         chunk += "],\"answers\":[";
         rows_ = store_.AllResults(s.id);
         isFirst_ = true;

@@ -21,7 +21,8 @@ struct Site {
     std::string base;
     std::function<Time()> now;
     Retention retention = {};
-    int submissionsPerMinute = 60; // of one address
+    int submissionsPerMinute = 60;       // of one address
+    std::size_t bodyBytes = 1024 * 1024; // the most that a form may send
 };
 
 // Also the page for what nobody answers.

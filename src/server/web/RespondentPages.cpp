@@ -59,8 +59,9 @@ Page LaterPage(const Words& words, std::string_view survey, std::string_view lin
 }
 
 Page FaultPage(const Words& words, int status) {
-    Page page = status == 404 ? Plain("", words.notFoundTitle, words.notFoundText)
-                              : Plain("", words.failedTitle, words.failedText);
+    Page page = status == 404   ? Plain("", words.notFoundTitle, words.notFoundText)
+                : status == 413 ? Plain("", words.failedTitle, words.tooMuch)
+                                : Plain("", words.failedTitle, words.failedText);
     page.status = status;
     return page;
 }

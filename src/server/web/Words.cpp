@@ -35,6 +35,8 @@ constexpr std::array<Words, 9> Languages = {{
      .foreign = "Some of these answers do not belong to this form. Please check them.",
      .notStored = "Your answers could not be stored just now. They are all still here; please try "
                   "again in a moment.",
+     .tooMuch = "Your answers are too long to be sent all together. They are still on the page of "
+                "the form; please go back there and shorten some.",
      .tryAgain = "Try again",
      .noLine = "The server cannot be reached. Your answers are still here; please try again in a "
                "moment.",
@@ -70,6 +72,8 @@ constexpr std::array<Words, 9> Languages = {{
      .notStored =
          "Ihre Antworten konnten gerade nicht gespeichert werden. Sie sind alle noch hier; "
          "bitte versuchen Sie es gleich noch einmal.",
+     .tooMuch = "Ihre Antworten sind zusammen zu lang, um gesendet zu werden. Sie stehen noch auf "
+                "der Seite des Formulars; bitte gehen Sie dorthin zurück und kürzen Sie einige.",
      .tryAgain = "Noch einmal versuchen",
      .noLine =
          "Der Server ist nicht erreichbar. Ihre Antworten sind noch hier; bitte versuchen Sie "
@@ -108,6 +112,8 @@ constexpr std::array<Words, 9> Languages = {{
                 "vérifier.",
      .notStored = "Vos réponses n’ont pas pu être enregistrées. Elles sont toutes encore ici ; "
                   "merci de réessayer dans un instant.",
+     .tooMuch = "Vos réponses sont trop longues pour être envoyées ensemble. Elles sont encore sur "
+                "la page du formulaire ; merci d’y revenir et d’en raccourcir quelques-unes.",
      .tryAgain = "Réessayer",
      .noLine = "Le serveur est injoignable. Vos réponses sont encore ici ; merci de réessayer dans "
                "un instant.",
@@ -143,6 +149,8 @@ constexpr std::array<Words, 9> Languages = {{
      .notStored =
          "No se han podido guardar sus respuestas. Todas siguen aquí; inténtelo de nuevo en "
          "un momento.",
+     .tooMuch = "Sus respuestas son demasiado largas para enviarlas todas juntas. Siguen en la "
+                "página del formulario; vuelva a ella y acorte algunas.",
      .tryAgain = "Intentar de nuevo",
      .noLine = "No se puede acceder al servidor. Sus respuestas siguen aquí; inténtelo de nuevo en "
                "un momento.",
@@ -177,6 +185,8 @@ constexpr std::array<Words, 9> Languages = {{
      .foreign = "Algumas destas respostas não pertencem a este formulário. Verifique-as.",
      .notStored = "Não foi possível guardar as suas respostas. Continuam todas aqui; tente de novo "
                   "daqui a pouco.",
+     .tooMuch = "As suas respostas são demasiado longas para serem enviadas todas juntas. "
+                "Continuam na página do formulário; volte lá e encurte algumas.",
      .tryAgain = "Tentar de novo",
      .noLine =
          "Não é possível contactar o servidor. As suas respostas continuam aqui; tente de novo "
@@ -214,6 +224,8 @@ constexpr std::array<Words, 9> Languages = {{
      .notStored =
          "Non è stato possibile salvare le sue risposte. Sono ancora tutte qui; riprovi tra "
          "un momento.",
+     .tooMuch = "Le sue risposte sono troppo lunghe per essere inviate tutte insieme. Sono ancora "
+                "sulla pagina del modulo; torni lì e ne accorci qualcuna.",
      .tryAgain = "Riprova",
      .noLine = "Il server non è raggiungibile. Le sue risposte sono ancora qui; riprovi tra un "
                "momento.",
@@ -247,6 +259,8 @@ constexpr std::array<Words, 9> Languages = {{
      .foreign = "Sommige van deze antwoorden horen niet bij dit formulier. Controleer ze.",
      .notStored = "Uw antwoorden konden nu niet worden opgeslagen. Ze staan allemaal nog hier; "
                   "probeer het zo nog eens.",
+     .tooMuch = "Uw antwoorden zijn samen te lang om te verzenden. Ze staan nog op de pagina van "
+                "het formulier; ga daarheen terug en maak er een paar korter.",
      .tryAgain = "Opnieuw proberen",
      .noLine =
          "De server is niet bereikbaar. Uw antwoorden staan nog hier; probeer het zo nog eens.",
@@ -281,6 +295,8 @@ constexpr std::array<Words, 9> Languages = {{
      .foreign = "Niektóre z tych odpowiedzi nie należą do tego formularza. Sprawdź je.",
      .notStored = "Nie udało się teraz zapisać Twoich odpowiedzi. Wszystkie nadal tu są; spróbuj "
                   "ponownie za chwilę.",
+     .tooMuch = "Twoje odpowiedzi są razem za długie, aby je wysłać. Nadal są na stronie "
+                "formularza; wróć tam i skróć niektóre z nich.",
      .tryAgain = "Spróbuj ponownie",
      .noLine =
          "Nie można połączyć się z serwerem. Twoje odpowiedzi nadal tu są; spróbuj ponownie za "
@@ -316,6 +332,8 @@ constexpr std::array<Words, 9> Languages = {{
      .tooLong = "هذه الإجابة طويلة جدًا. يرجى اختصارها إلى %1 حرف.",
      .foreign = "بعض هذه الإجابات لا ينتمي إلى هذا النموذج. يرجى التحقق منها.",
      .notStored = "تعذر حفظ إجاباتك الآن. كلها ما زالت هنا، يرجى المحاولة مرة أخرى بعد قليل.",
+     .tooMuch =
+         "إجاباتك معا أطول من أن تُرسل. ما زالت في صفحة الاستبيان، يرجى الرجوع إليها واختصار بعضها.",
      .tryAgain = "إعادة المحاولة",
      .noLine = "تعذر الوصول إلى الخادم. إجاباتك ما زالت هنا، يرجى المحاولة مرة أخرى بعد قليل.",
      .notFoundTitle = "الصفحة غير موجودة",

@@ -41,6 +41,7 @@ struct Words {
     std::string_view tooLong; // at most so many characters
     std::string_view foreign;
     std::string_view notStored;
+    std::string_view tooMuch; // all answers together
     std::string_view tryAgain;
     std::string_view noLine;
 

@@ -4,6 +4,7 @@
 (() => {
   const form = document.getElementById("form");
   const line = document.getElementById("line");
+  const much = document.getElementById("much");
   let isTouched = false;
   let isLeaving = false;
   let isAsking = false;
@@ -19,10 +20,16 @@
     event.preventDefault();
     if (isAsking) return;
     isAsking = true;
-    line.hidden = true;
+    line.hidden = much.hidden = true;
     const button = event.submitter ?? form.querySelector("button[name=go]");
+    if (String(new URLSearchParams(new FormData(form))).length + 100 > Number(form.dataset.most)) {
+      isAsking = false;
+      much.hidden = false;
+      return;
+    }
     try {
-      await fetch(form.action, { method: "HEAD", cache: "no-store", signal: AbortSignal.timeout(10000) });
+      const reply = await fetch(form.action, { method: "HEAD", cache: "no-store", signal: AbortSignal.timeout(10000) });
+      if (reply.status >= 500) throw reply.status; // it can't do anything just now
     } catch {
       isAsking = false;
       line.hidden = false;
