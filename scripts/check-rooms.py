@@ -27,7 +27,7 @@ DOCUMENT = ["platform/base", "platform/files", "platform/database", "platform/ri
             "platform/desktop/Dialogs.h"]
 # Counting asks nobody: not even the dialogs.
 STATISTICS = ["document", "platform/base", "platform/database", "platform/richtext"]
-SCREEN = ["document", "statistics", "labelled", "exchange", *PLATFORM]
+SCREEN = ["document", "statistics", "labelled", "tables", "exchange", *PLATFORM]
 # The survey server knows nothing of the desktop program but what both exchange, and the code page, which
 # is plain numbers.
 SERVER = {
@@ -47,6 +47,8 @@ ROOMS = {
     "document": DOCUMENT,
     "statistics": STATISTICS,
     "labelled": ["statistics", "platform/files", *STATISTICS],
+    # The state of the program says whether the survey may be written.
+    "tables": ["statistics", "document", *DOCUMENT],
     "design": SCREEN,
     "collection": SCREEN,
     "analysis": SCREEN,

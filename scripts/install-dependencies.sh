@@ -35,7 +35,7 @@ packages=(
     # Survey server: HTTP, passwords and tokens, links as pictures. Statistics: distributions
     libboost-dev libsodium-dev libqrencode-dev
     # Files of other programs
-    libreadstat-dev libxlsxwriter-dev
+    libreadstat-dev libxlsxwriter-dev libzip-dev libexpat1-dev
     # Text on a machine without a desktop
     fonts-dejavu-core
     # Tests and measurements are configured with the rest
@@ -73,7 +73,7 @@ if ! command -v apt-get >/dev/null || ! command -v dpkg-query >/dev/null; then
         command -v "$tool" >/dev/null || missing+=("$tool")
     done
     for module in Qt6Widgets Qt6PrintSupport Qt6Svg Qt6Charts Qt6Help Qt6Test sqlite3 libcurl \
-        libsodium libqrencode xlsxwriter gtest benchmark; do
+        libsodium libqrencode xlsxwriter libzip expat gtest benchmark; do
         pkg-config --exists "$module" 2>/dev/null || missing+=("$module")
     done
     for group in "$@"; do

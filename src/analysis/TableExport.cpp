@@ -1,15 +1,13 @@
 #include "analysis/TableExport.h"
 
-#include <QHash>
-#include <QRegularExpression>
-#include <QSet>
-
 #include <algorithm>
 
 #include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
 #include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
+#include "tables/ColumnTitles.h"
+#include "tables/FormulaGuard.h"
 
 namespace pollarix {
 
@@ -17,19 +15,11 @@ namespace {
 
 constexpr const char* Utf8Mark = "\xEF\xBB\xBF";
 
-// A spreadsheet takes such a text for a formula and works it out, whoever has sent it. An
-// apostrophe in front makes it a text. A number stays one.
-bool LooksLikeFormula(const QString& text) {
-    static const QRegularExpression number(R"(^[-+]?\d+([.,]\d+)?$)");
-    return !text.isEmpty() && QStringView(u"=+-@\t\r").contains(text[0]) &&
-           !number.match(text).hasMatch();
-}
-
 // Quoted only where it must be: readers that know no quotes can then read most files, and the byte
 // order mark never stands in front of a quote.
 QByteArray Cell(const QString& text) {
     QByteArray cell = text.toUtf8();
-    if (LooksLikeFormula(text))
+    if (tables::NeedsGuard(text))
         cell.prepend('\'');
     const bool quote = std::any_of(cell.cbegin(), cell.cend(), [](char byte) {
         return byte == '"' || byte == ',' || byte == '\r' || byte == '\n';
@@ -53,26 +43,20 @@ bool HasColumnForEachResponse(const ReportQuestion& question) {
     return question.AnswerShape() != Shape::Text && question.AnswerShape() != Shape::One;
 }
 
-// Titles of the columns, each in one line and no two alike: programs take them for names.
 class HeadLine {
   public:
     explicit HeadLine(QByteArray& line) : line_(line) {}
 
     void Add(const QString& title) {
-        const QString simple = title.simplified();
-        QString unique = simple;
-        for (int& number = numbers_[simple]; titles_.contains(unique); ++number)
-            unique = simple + QString(" (%1)").arg(number + 2);
-        if (!titles_.isEmpty())
+        if (!isFirst_)
             line_ += ',';
-        titles_.insert(unique);
-        line_ += Cell(unique);
+        isFirst_ = false;
+        line_ += Cell(titles_.Add(title));
     }
 
     void AddQuestion(const ReportQuestion& question) {
-        const QString text =
-            (question.questionno.isEmpty() ? QString() : question.questionno + ". ") +
-            (question.question ? question.PlainText() : QString());
+        const QString text = tables::QuestionTitle(
+            question.questionno, question.question ? question.PlainText() : QString());
         if (!HasColumnForEachResponse(question))
             Add(text);
         else
@@ -82,8 +66,8 @@ class HeadLine {
 
   private:
     QByteArray& line_;
-    QSet<QString> titles_;
-    QHash<QString, int> numbers_; // how many are taken of those set behind a title, from 2
+    tables::ColumnTitles titles_;
+    bool isFirst_ = true;
 };
 
 class Rows : public AnswerVisitor {
@@ -147,7 +131,7 @@ void TableExport::Write(Connection& survey, const QString& path, const ProgressS
     QByteArray& line = out.Text();
     line += Utf8Mark;
     HeadLine head(line);
-    for (const char* title : {"Respondent id", "Submitted", "Source"})
+    for (const char* title : {tables::IdTitle, tables::DateTitle, tables::SourceTitle})
         head.Add(title);
     for (const ReportQuestion& question : layout.questions)
         head.AddQuestion(question);

@@ -18,9 +18,9 @@ class TableExport {
     // open ended answer, the answer to a radio question, 1 or 0 for each choice of a check
     // question, the point of the scale for each sub question of a matrix. Instruction texts have
     // none. A cell without answer is empty. A text that a spreadsheet would take for a formula gets
-    // an apostrophe in front. The text is UTF-8 and begins with a byte order mark: spreadsheets
-    // take a file without it for the system's old code page and spoil every letter beyond ASCII,
-    // while other readers skip it or are told to.
+    // an apostrophe in front, and so does one that has such an apostrophe. The text is UTF-8 and
+    // begins with a byte order mark: spreadsheets take a file without it for the system's old code
+    // page and spoil every letter beyond ASCII, while other readers skip it or are told to.
     static void Write(Connection& survey, const QString& path, const ProgressStep& step);
 };
 
