@@ -13,6 +13,7 @@
 #include <algorithm>
 
 #include "analysis/picAnalyse.h"
+#include "collection/frmImportAnswers.h"
 #include "collection/picCollect.h"
 #include "collection/picRespondentList.h"
 #include "design/picDesign.h"
@@ -284,6 +285,13 @@ void frmMain::mnuViewDataCollection_Click() {
 void frmMain::mnuViewAnalyse_Click() {
     ShowScreen("Analyse");
     RefreshRespondeSummaryReportList();
+}
+
+// What comes is shown where it belongs, and it belongs to the design that is in the file.
+void frmMain::mnuDataCollectionImport_Click() {
+    mnuViewDataCollection_Click();
+    if (!picCollect_->isHidden() && frmImportAnswers::mnuDataCollectionImport_Click(state_, this))
+        RefreshRespondentList();
 }
 
 void frmMain::AddBlankOpenEndedQuestion() {

@@ -80,6 +80,7 @@ class frmMain : public QMainWindow, private ProgressDisplay {
     void mnuViewDesign_Click();
     void mnuViewDataCollection_Click();
     void mnuViewAnalyse_Click();
+    void mnuDataCollectionImport_Click();
     void Toolbar_ButtonClick(const QString& key);
     void RunCommand(const std::function<void()>& command);
     void RunSave(const std::function<void()>& save);

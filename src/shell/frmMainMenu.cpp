@@ -175,8 +175,13 @@ void frmMain::BuildMenus() {
               {},
               [this] { collect_.mnuDataCollectWeb_Click(this); }},
              Separator("mnuDCSep1"),
-             {"mnuDataCollectionPaperSurvey", "Create &Paper Based Survey...", {}, [this] {
-                  paperSurvey_.mnuDataCollectionPaperSurvey_Click();
+             {"mnuDataCollectionPaperSurvey",
+              "Create &Paper Based Survey...",
+              {},
+              [this] { paperSurvey_.mnuDataCollectionPaperSurvey_Click(); }},
+             Separator("mnuDCSep2"),
+             {"mnuDataCollectionImport", "&Import Answers...", {}, [this] {
+                  mnuDataCollectionImport_Click();
               }}});
 
     AddMenu("mnuAnalyse", "&Analyze",

@@ -44,6 +44,29 @@ QImage DeleteQuestion(Studio& studio) {
     return studio.PictureOfDialog([&] { studio.Click("cmdDeleteResponse"); }, "QMessageBox");
 }
 
+// A table of a foreign program, some of whose columns are known by their titles.
+QImage Import(Studio& studio, const QSize& size) {
+    ShowScreen(studio, Small);
+    QFile table(studio.State().directories.InUser("visitors.csv"));
+    if (!table.open(QIODevice::WriteOnly))
+        throw std::runtime_error("no table can be written");
+    table.write("No.;Was this your first visit to the museum?;How did you hear about the "
+                "museum?;Who did you come with?;"
+                "What did you like most?;Remarks\n"
+                "1;Yes;Website, School;Alone;The ships in bottles;paid in cash\n"
+                "2;No;Poster or newspaper;With children;The tower clock;\n"
+                "3;Perhaps;Website;With a dog;\"Friendly guides; short queue\";group of 12\n");
+    table.close();
+    studio.Boxes().open = table.fileName();
+    return studio.PictureOfDialog([&] { studio.Menu("mnuDataCollectionImport"); },
+                                  "frmImportAnswers",
+                                  [&](QWidget& form) {
+                                      form.resize(size);
+                                      studio.Boxes().answers = {MsgAnswer::Ok};
+                                      studio.Click("cmdCheck", &form);
+                                  });
+}
+
 } // namespace
 
 std::vector<Scene> CollectionScenes() {
@@ -61,6 +84,14 @@ std::vector<Scene> CollectionScenes() {
         {"entry-matrix", "Manual entry: a question matrix", entry("How would you rate")},
         {"entry-open-ended", "Manual entry: an open ended question",
          entry("What did you like most")},
+        {"import", "Import Answers: columns, questions, and what can't be matched",
+         [](Studio& studio) {
+             return Import(studio, {760, 560});
+         }},
+        {"import-large", "Import Answers in a large window",
+         [](Studio& studio) {
+             return Import(studio, {1400, 900});
+         }},
         {"delete-respondent", "Question before a respondent is deleted", DeleteQuestion},
     };
 }

@@ -18,6 +18,12 @@ MsgAnswer StudioDialogs::MsgBox(const QString& text, MsgIcon icon, MsgButtons bu
     return buttons == MsgButtons::Ok ? MsgAnswer::Ok : MsgAnswer::No;
 }
 
+FileDialogResult StudioDialogs::ShowOpen(const FileDialogRequest& request) {
+    if (open.isEmpty())
+        return QtDialogs::ShowOpen(request);
+    return {std::exchange(open, QString()), 0};
+}
+
 FileDialogResult StudioDialogs::ShowSave(const FileDialogRequest& request) {
     if (saveAs.isEmpty())
         return QtDialogs::ShowSave(request);

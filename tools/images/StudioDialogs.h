@@ -17,10 +17,13 @@ class StudioDialogs : public QtDialogs {
     int boxesToShow = 0;
     // Path for the next save dialog.
     QString saveAs;
+    // And for the next open dialog.
+    QString open;
     // Takes the text of a box that was not expected.
     std::function<void(const QString& text)> unexpected;
 
     MsgAnswer MsgBox(const QString& text, MsgIcon icon, MsgButtons buttons) override;
+    FileDialogResult ShowOpen(const FileDialogRequest& request) override;
     FileDialogResult ShowSave(const FileDialogRequest& request) override;
 };
 
