@@ -1,10 +1,7 @@
 #include "reliability/Session.h"
 
-#include <QAbstractButton>
-#include <QAction>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QTest>
 #include <QTimer>
 
 #include "platform/base/Handlers.h"
@@ -39,11 +36,7 @@ Session::Session(const QString& directory)
                    "<userresponse>\r\n<r><DatabaseID>1</DatabaseID><QuestionNo>1</QuestionNo>"
                    "<QType>0</QType><text>because</text></r>\r\n</userresponse>\r\n");
     WriteWholeFile(target, "old");
-    window = std::make_unique<frmMain>(state);
-    window->Form_Load({});
-    window->resize(1024, 740);
-    window->show();
-    EXPECT_TRUE(QTest::qWaitForWindowActive(window.get()));
+    Start();
     Open(survey);
     for (int i = 0; i < 8; ++i)
         DoLoadXML(state, program.Path("results.txt"));
@@ -52,16 +45,6 @@ Session::Session(const QString& directory)
 
 Session::~Session() {
     DoEvents(); // a repaint that failed is told a little later
-    SetFailureReporter({});
-}
-
-void Session::Open(const QString& path) {
-    dialogs.fileNames = {{path, 0}};
-    Menu("mnuFileOpen");
-}
-
-void Session::Press(const char* name, const QWidget* in) const {
-    Find<QAbstractButton>(name, in)->click();
 }
 
 void Session::Around(Action action, const std::function<void()>& body) {

@@ -3,12 +3,8 @@
 #pragma once
 
 #include <functional>
-#include <memory>
 
-#include "shell/Attendant.h"
-#include "shell/frmMain.h"
-#include "support/PrintQt.h"
-#include "support/SurveyFiles.h"
+#include "shell/MainWindow.h"
 
 namespace pollarix::test {
 
@@ -44,16 +40,13 @@ inline bool WritesTheSurvey(Action action) {
     return action < Action::Export;
 }
 
-class Session {
+class Session : public UsedWindow {
   public:
     // With a survey of three questions and eight respondents in `directory`, which is made, and
     // with that survey open.
     explicit Session(const QString& directory);
     ~Session();
-    Session(const Session&) = delete;
-    Session& operator=(const Session&) = delete;
 
-    void Open(const QString& path);
     // Leads the user to where the action can be done, and calls `body` there.
     void Around(Action action, const std::function<void()>& body);
     // Does it, onto the target where that is asked for.
@@ -61,21 +54,8 @@ class Session {
     // The messages of an action that goes well.
     static QStringList Told(Action action);
 
-    template <typename Control> Control* Find(const char* name, const QWidget* in = nullptr) const {
-        Control* control = (in ? in : window.get())->findChild<Control*>(name);
-        if (!control)
-            throw std::runtime_error(std::string("no control ") + name);
-        return control;
-    }
-    void Menu(const char* name) const { Find<QAction>(name)->trigger(); }
-    void Press(const char* name, const QWidget* in = nullptr) const;
-
-    TestState program;
     ApplicationState& state = program.state;
-    QueuedDialogs& dialogs = program.dialogs;
     QString survey, target;
-    std::unique_ptr<frmMain> window;
-    Attendant user;
     QWidget* dialog = nullptr; // in which the action is done
     QString typed;             // last, as an answer
 };

@@ -182,8 +182,7 @@ TEST_F(AnalyzeScreen, EveryRowHasItsShareAndItsGraph) {
     EXPECT_EQ(Total("lblTotalImported"), "2");
     EXPECT_EQ(grid->Rows(), 2);
     dialogs.answers = {MsgAnswer::No};
-    dialogs.fileNames = {{program.BlankSurvey("other.plxs"), 0}};
-    Menu("mnuFileOpen");
+    Open(program.BlankSurvey("other.plxs"));
     EXPECT_EQ(grid->Rows(), 1);
     EXPECT_EQ(Total("lblTotalRespondents"), "0");
 }

@@ -1,6 +1,4 @@
 // Survey files made to harm, opened in the real main window and then used for everything there is.
-#include <QElapsedTimer>
-
 #include "shell/MainWindow.h"
 #include "support/FakeViews.h"
 #include "support/NumberOf.h"
@@ -58,10 +56,9 @@ class HostileFiles : public MainWindow {
     }
 
     // What is shown on opening.
-    QStringList Open(const QString& path) {
+    QStringList SaidOf(const QString& path) {
         dialogs.TakeTexts();
-        dialogs.fileNames = {{path, 0}};
-        Menu("mnuFileOpen");
+        Open(path);
         return dialogs.TakeTexts();
     }
 
@@ -106,17 +103,12 @@ constexpr const char* Sql =
 } // namespace
 
 TEST_F(HostileFiles, NoTextIsEverTakenForSql) {
-    QStringList harm;
-    for (const char* column :
-         {"question.question", "question.questionno", "response.name", "responsematrixgroup.name",
-          "responsematrix.name", "respondent.source", "respondent.submitteddate",
-          "respondent_responses.SimpleResponse"}) {
-        const QString table = QString(column).section('.', 0, 0);
-        harm << "UPDATE " + table + " SET " + QString(column).section('.', 1) + " = " + Sql;
-    }
     const QString path = MakeFile("sql.plxs", {});
-    for (const QString& sql : std::as_const(harm))
-        RunSql(path, {sql.toUtf8().constData()});
+    for (const char* column :
+         {"question SET question", "question SET questionno", "response SET name",
+          "responsematrixgroup SET name", "responsematrix SET name", "respondent SET source",
+          "respondent SET submitteddate", "respondent_responses SET SimpleResponse"})
+        RunSql(path, {(QString("UPDATE %1 = ").arg(column) + Sql).toUtf8()});
     const char* const all =
         "SELECT 'q', id, question, questionno, qtype FROM question UNION ALL "
         "SELECT 'r', id, name, questionid, LogicJumpToQuestionID FROM response UNION ALL "
@@ -125,7 +117,7 @@ TEST_F(HostileFiles, NoTextIsEverTakenForSql) {
         "WHERE RespondentID < 3 UNION ALL "
         "SELECT 'w', id, source, submitteddate, 0 FROM respondent WHERE id < 3";
     const QStringList before = SqlRows(path, all, 5);
-    EXPECT_EQ(Open(path), QStringList());
+    EXPECT_EQ(SaidOf(path), QStringList());
     UseEverything();
     EXPECT_EQ(pages, 5); // and the survey is completed
     EXPECT_EQ(failures, std::vector<int>());
@@ -148,12 +140,10 @@ class HostileFile : public HostileFiles, public testing::WithParamInterface<Harm
 
 TEST_P(HostileFile, IsRefusedWithAMessageOrUsedLikeAnyOther) {
     const Harm& harm = GetParam();
-    QElapsedTimer time;
     const QString path = MakeFile("hostile.plxs", harm.sql);
     const QStringList respondents =
         SqlRows(path, "SELECT id, source FROM respondent WHERE id < 3", 2);
-    time.start();
-    const QString said = Open(path).join('|');
+    const QString said = SaidOf(path).join('|');
     if (*harm.says) {
         EXPECT_TRUE(said.startsWith("Unable to open " + path + ". ")) << said.toStdString();
         EXPECT_TRUE(said.contains(harm.says)) << said.toStdString();
@@ -162,13 +152,12 @@ TEST_P(HostileFile, IsRefusedWithAMessageOrUsedLikeAnyOther) {
     }
     UseEverything();
     EXPECT_TRUE(*harm.says || pages == harm.pages) << pages;
-    EXPECT_LT(time.elapsed(), 60'000);
     EXPECT_EQ(SqlRows(path, "SELECT id, source FROM respondent WHERE id < 3", 2), respondents);
 
     // The program goes on as if nothing had been.
     program.state.MarkFileUnchanged();
     failures.clear();
-    EXPECT_EQ(Open(MakeFile("good.plxs", {})), QStringList());
+    EXPECT_EQ(SaidOf(MakeFile("good.plxs", {})), QStringList());
     UseEverything();
     EXPECT_EQ(pages, 5);
     EXPECT_EQ(failures, std::vector<int>());
@@ -192,9 +181,6 @@ INSTANTIATE_TEST_SUITE_P(
               "INSERT INTO question (pos, qtype) SELECT value, 0 FROM "
               "json_each('[1,2,3]')"},
              "computed columns"},
-        Harm{"KindBeyond32Bits",
-             {"UPDATE question SET qtype = 4294967296 WHERE id = 2"},
-             "Overflow"},
         Harm{"JumpBeyond16Bits",
              {"UPDATE response SET LogicJumpToQuestionID = 9223372036854775807 WHERE id = 2"},
              "Overflow"},

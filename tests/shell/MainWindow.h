@@ -18,13 +18,14 @@
 
 namespace pollarix::test {
 
-class MainWindow : public testing::Test {
-  protected:
-    MainWindow() {
+struct UsedWindow {
+    UsedWindow() {
         SetFailureReporter(
             [this](const Failure& failure) { failures.push_back(failure.Number()); });
     }
-    ~MainWindow() override { SetFailureReporter({}); }
+    ~UsedWindow() { SetFailureReporter({}); }
+    UsedWindow(const UsedWindow&) = delete;
+    UsedWindow& operator=(const UsedWindow&) = delete;
 
     void Start(const QString& commandLine = {}) {
         window = std::make_unique<frmMain>(program.state);
@@ -33,15 +34,20 @@ class MainWindow : public testing::Test {
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowActive(window.get()));
     }
-    template <typename Control> Control* Find(const char* name) const {
-        Control* control = window->findChild<Control*>(name);
+    void Open(const QString& path) {
+        dialogs.fileNames = {{path, 0}};
+        Menu("mnuFileOpen");
+    }
+    // In the main window, or in one that it shows.
+    template <typename Control> Control* Find(const char* name, const QWidget* in = nullptr) const {
+        Control* control = (in ? in : window.get())->findChild<Control*>(name);
         if (!control)
             throw std::runtime_error(std::string("no control ") + name);
         return control;
     }
     void Menu(const char* name) const { Find<QAction>(name)->trigger(); }
-    void Press(const char* name) const {
-        QTest::mouseClick(Find<QAbstractButton>(name), Qt::LeftButton);
+    void Press(const char* name, const QWidget* in = nullptr) const {
+        Find<QAbstractButton>(name, in)->click();
     }
 
     TestState program;
@@ -50,5 +56,7 @@ class MainWindow : public testing::Test {
     std::vector<int> failures;
     Attendant user; // sees away what no task is set for
 };
+
+class MainWindow : public testing::Test, protected UsedWindow {};
 
 } // namespace pollarix::test

@@ -99,7 +99,7 @@ TEST_P(Collect, TellsWhatHappensAndAsksTheServerNothingElse) {
     const CollectCase& run = GetParam();
     server.Answer("GetWebUserID", ServerReply::Success("17"));
     server.Answer("GetSurveyListForUser", ServerReply::Success("3,9, 12"));
-    server.Answer("GetSurveyName", ServerReply::Success(" Museum"));
+    server.Answer("GetSurveyName", ServerReply::Success(" Caf\xe9 \x93x\x94"));
     server.Answer("GetSurveyName", {.body = "Nothing of that number"}); // not listed
     server.Answer("GetSurveyName", ServerReply::Success("Canteen"));
     server.Answer("GetSurveyResults", {.body = run.body});
@@ -116,7 +116,7 @@ TEST_P(Collect, TellsWhatHappensAndAsksTheServerNothingElse) {
     On("frmWizWebCollect_SelectSurvey", [](QDialog& page) {
         auto* list = page.findChild<ListBox*>("lstSurveys");
         ASSERT_EQ(list->ListCount(), 2);
-        EXPECT_EQ(list->List(0), " Museum");
+        EXPECT_EQ(list->List(0), u" Caf\u00e9 \u201cx\u201d"_qs);
         EXPECT_EQ(list->ListIndex(), 0);
         EXPECT_EQ(page.focusWidget()->objectName(), "cmdNext");
         QTest::keyClick(list, Qt::Key_Down);

@@ -276,12 +276,9 @@ TEST_F(Publish, WhatIsPressedWhileACallWaitsActsBeforeTheNextBox) {
 }
 
 TEST_F(Publish, TheLastPageOffersTheAddressAsALinkOnlyIfItIsOne) {
-    const std::pair<const char*, bool> addresses[] = {{"http://x.example/s?a=1&b=2", true},
-                                                      {"HTTPS://x.example", true},
-                                                      {"javascript:alert(1)", false},
-                                                      {"http://x.example/\r\nreboot\n", false},
-                                                      {"www.x.example", false}};
-    for (const auto& [address, isLink] : addresses) {
+    for (const auto& [address, isLink] : {std::pair("HTTPS://x.example/s?a=1&b=2", true),
+                                          {"javascript:alert(1)", false},
+                                          {"http://x.example/\r\nreboot\n", false}}) {
         WizardRun run;
         PublishState publish;
         publish.PublishedURL = address;

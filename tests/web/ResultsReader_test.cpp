@@ -74,8 +74,6 @@ TEST_F(Results, AnswersOfEveryKindBecomeRows) {
               QStringList({"1|Web", "2|Web", "3|Web", u"1|5|1|Caf\u00e9 <b> \u20ac|NULL"_qs,
                            "1|6|61||NULL", "1|6|62||NULL", "1|7|71||NULL", "1|8|81||301",
                            "1|8|82||302", "2|5|1||NULL"}));
-    ASSERT_EQ(program.dialogs.shown.size(), 1U);
-    EXPECT_EQ(program.dialogs.shown[0].icon, MsgIcon::Information);
     EXPECT_EQ(program.dialogs.TakeTexts(), QStringList(Told(3)));
     EXPECT_FALSE(program.state.FileChanged());
 }
@@ -132,27 +130,6 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     EXPECT_NE(Import(Block(good + Record("8", "3", Values({"7,41"})))), 0);
     RunSql(path, {"ALTER TABLE respondent_responses RENAME COLUMN OldID TO ResponseMatrixID"});
     EXPECT_EQ(Taken(), taken);
-}
-
-TEST_F(Results, AnImportThatIsStoppedTakesEverythingBack) {
-    QFile file(program.Path("3-7.txt"));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    for (int block = 0; block < 1000; ++block)
-        file.write(Block(Record("5", "1", Values({"51"}))));
-    file.close();
-    int told = 0;
-    const auto progress = [&](int respondents, std::int64_t bytes, std::int64_t size) {
-        EXPECT_EQ(size, file.size());
-        EXPECT_NEAR(double(bytes) / size, respondents / 1000.0, 0.01);
-        return ++told != 3;
-    };
-    EXPECT_FALSE(DoLoadXML(program.state, file.fileName(), progress));
-    EXPECT_EQ(told, 3);
-    EXPECT_EQ(program.dialogs.TakeTexts(), QStringList());
-    EXPECT_EQ(Taken(), QStringList());
-    EXPECT_TRUE(DoLoadXML(program.state, file.fileName(), progress));
-    EXPECT_EQ(program.dialogs.TakeTexts(), QStringList(Told(1000)));
-    EXPECT_EQ(Taken().size(), 2000);
 }
 
 // Whatever a file holds, and wherever its blocks end, each line says what it says when the whole

@@ -11,48 +11,27 @@
 using namespace pollarix;
 using namespace pollarix::test;
 
-namespace {
-
-class Servers : public testing::Test {
-  protected:
-    void Store(const QString& key, const QString& value) {
-        settings.SaveSetting(SettingsApplication, "ServerList", key, value);
-    }
-
-    QTemporaryDir directory;
-    Settings settings{directory.filePath("settings")};
-};
-
-} // namespace
-
-TEST_F(Servers, TheBuiltInOneIsAlwaysThereAndNothingElseIsAtFirst) {
-    ComboBox box;
-    RefreshServerList(box, settings);
-    ASSERT_EQ(box.ListCount(), 1);
-    EXPECT_EQ(box.ItemData(0), -1);
-    Store("ServerName-1", "not this one");
-    const auto entry = GetServerEntry(-1, settings);
-    ASSERT_TRUE(entry);
-    EXPECT_EQ(entry->name, "Kelvane");
-    EXPECT_TRUE(entry->url.endsWith('/'));
-    for (int index : {0, 1, -2})
-        EXPECT_FALSE(GetServerEntry(index, settings)) << index;
-}
-
-TEST_F(Servers, AddedOnesAreListedByNumberAndTheLastIsSelected) {
+TEST(ServerList, AddedOnesAreListedByNumberBehindTheBuiltInOneAndTheLastIsSelected) {
+    const QTemporaryDir directory;
+    Settings settings(directory.path());
     for (int i = 1; i <= 11; ++i)
         AddServer({QString("Server %1").arg(i), "u", "f", "", ""}, settings);
     ComboBox box;
     RefreshServerList(box, settings);
     RefreshServerList(box, settings);
     ASSERT_EQ(box.ListCount(), 12);
+    EXPECT_EQ(box.ItemData(0), -1);
     for (int i = 1; i <= 11; ++i) {
         EXPECT_EQ(box.List(i), QString("Server %1").arg(i));
         EXPECT_EQ(box.ItemData(i), i);
     }
     EXPECT_EQ(box.ListIndex(), 11);
 
-    Store("ServerNameX", "Broken");
+    for (const char* number : {"-1", "X"})
+        settings.SaveSetting(SettingsApplication, "ServerList", QString("ServerName") + number,
+                             "n");
+    EXPECT_EQ(GetServerEntry(-1, settings)->name, "Kelvane") << "whatever is stored";
+    EXPECT_FALSE(GetServerEntry(12, settings));
     EXPECT_EQ(NumberOf([&] { RefreshServerList(box, settings); }), failure::TypeMismatch);
     EXPECT_EQ(box.ListIndex(), -1);
 }
