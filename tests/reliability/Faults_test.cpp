@@ -19,7 +19,6 @@
 #include "platform/files/Files.h"
 #include "reliability/Session.h"
 #include "reliability/SystemCalls.h"
-#include "support/FakeViews.h"
 
 using namespace pollarix;
 using namespace pollarix::test;
@@ -274,27 +273,4 @@ TEST_F(FaultTest, APageThatCannotBeReadTakesNoAnswer) {
     // The newest stands in the first row.
     session.Press("cmdEditResponse");
     EXPECT_EQ(dialogs.TakeTexts(), QStringList());
-}
-
-// A save that failed at its end has given out ids that the file does not know.
-TEST(FailedSave, LeavesNoIdBehind) {
-    TestState program;
-    FakeViews views;
-    SurveyDocument document(program.state, views);
-    const QString path = program.BlankSurvey("survey.plxs");
-    document.DoOpen(path, false, 1);
-    clsSurvey& survey = program.state.CurrentSurvey;
-    const QString first = survey.AddQ("first", kind::OpenEnded, -1, 2);
-    {
-        Connection reader;
-        reader.Open(path);
-        const Recordset reading = reader.Execute("SELECT name FROM sqlite_schema");
-        SystemCalls::hurry = true;
-        EXPECT_THROW(document.DoSave(), Failure);
-        SystemCalls::hurry = false;
-    }
-    survey.SwapQ(survey.AddQ("second", kind::OpenEnded, -1, 2), first);
-    document.DoSave();
-    EXPECT_EQ(SqlRows(path, "SELECT question FROM question ORDER BY pos", 1),
-              QStringList({"second", "first"}));
 }
