@@ -175,6 +175,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     lblDCQuestion_->setText(Shortened(text, LongestQuestion));
     scrollDCQuestion_->verticalScrollBar()->setValue(0);
     entry_.CurrentQType = qtype;
+    unread_.reset();
     FitQuestion();
 
     if (qtype < kind::OpenEnded || qtype > kind::Text)
@@ -183,7 +184,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     const bool isLost =
         !isVisible() || (focusWidget() && picDCAnswers_->isAncestorOf(focusWidget()));
     try {
-        ShowPage({state_.SurveyConnection, id, entry_.CurrentRespondentID});
+        ReadPage({state_.SurveyConnection, id, entry_.CurrentRespondentID});
     } catch (...) {
         PlaceFocus(isLost);
         throw;
@@ -208,6 +209,32 @@ void frmManualResponse::ShowPage(const AnswerPlace& place) {
         cmdDCAnswersNext_->setDefault(enter == EnterKey::NextPage);
 }
 
+void frmManualResponse::ReadPage(const AnswerPlace& place) {
+    try {
+        ShowPage(place);
+        unread_.reset();
+    } catch (const std::exception&) {
+        unread_ = CaughtFailure();
+        throw;
+    }
+}
+
+void frmManualResponse::RequireRead(const AnswerPlace& place) {
+    if (!unread_ || place.file
+                        .Execute("SELECT id FROM Respondent_Responses WHERE respondentid = ? AND "
+                                 "questionid = ?",
+                                 {place.respondent, place.question})
+                        .AtEnd())
+        return;
+    const Failure failure = *unread_;
+    try {
+        ReadPage(place);
+    } catch (const std::exception&) {
+        // The same, or what came in its place, at the next try.
+    }
+    throw failure;
+}
+
 // Also of a page that could not be shown to its end: then Enter goes on, and never back.
 void frmManualResponse::PlaceFocus(bool isLost) {
     AnswerPage* const page = Page();
@@ -230,12 +257,16 @@ void frmManualResponse::ShowDCAnswer() {
         }
         question = row.Integer(0);
     }
-    WriteBatch batch(file);
+    const AnswerPlace place{file, question, entry_.CurrentRespondentID};
+    RequireRead(place);
+    std::int16_t target = AnswerPage::NoJump;
+    WriteBatch batch(file, WriteBatch::OnFailure::TakeBack);
     file.Run("DELETE FROM Respondent_Responses WHERE RespondentID = ? AND questionid = ?",
-             {entry_.CurrentRespondentID, question});
+             {place.respondent, question});
     if (AnswerPage* const page = Page(); page && page->HasAnswers())
-        JumpTarget = page->Store({file, question, entry_.CurrentRespondentID});
+        target = page->Store(place);
     batch.Commit();
+    JumpTarget = target;
 }
 
 // Where the survey was left for another meanwhile, or another program has deleted the respondent,

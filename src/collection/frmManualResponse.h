@@ -6,10 +6,12 @@
 #include <QDialog>
 
 #include <array>
+#include <optional>
 
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
 #include "document/Kinds.h"
+#include "platform/base/Failure.h"
 
 class QLabel;
 class QPushButton;
@@ -32,7 +34,9 @@ class frmManualResponse : public QDialog {
     bool RespondentAnswers_ShowQuestion();
 
     // Stores the answer of the page shown and sets the jump that it leads to, if any. All earlier
-    // answers of the respondent to this question go first, whatever its kind.
+    // answers of the respondent to this question go first, whatever its kind; when storing fails,
+    // they stay. A page that could not be read does not take the place of answers that are stored:
+    // the failure of the reading is thrown, and the page read once more for the next try.
     void ShowDCAnswer();
 
   protected:
@@ -49,6 +53,8 @@ class frmManualResponse : public QDialog {
     AnswerPage*& PageOf(Shape shape) { return pages_[static_cast<std::size_t>(shape)]; }
     AnswerPage* Page(); // of the question that shows; none where nothing is answered
     void ShowPage(const AnswerPlace& place);
+    void ReadPage(const AnswerPlace& place);
+    void RequireRead(const AnswerPlace& place);
     void PlaceFocus(bool isLost); // whether it was in what does not show any more
     bool MayStore();
 
@@ -58,8 +64,9 @@ class frmManualResponse : public QDialog {
 
     ApplicationState& state_;
     ManualEntryState& entry_;
-    bool isRead_ = false;         // a page was read, or is known not to exist
-    std::int16_t JumpTarget = -1; // question.id that the chosen answer leads to; -1 for none
+    bool isRead_ = false;           // a page was read, or is known not to exist
+    std::optional<Failure> unread_; // why the answers on file are not on the page that shows
+    std::int16_t JumpTarget = -1;   // question.id that the chosen answer leads to; -1 for none
 
     QLabel* lblDCQuestion_;
     QScrollArea* scrollDCQuestion_;

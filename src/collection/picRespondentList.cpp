@@ -313,7 +313,6 @@ bool picRespondentList::IsOneSelected() const {
 }
 
 void picRespondentList::EnterAnswers() {
-    RequireWritableForEntry();
     {
         frmManualResponse form(state_, entry_, window());
         form.exec();
@@ -337,6 +336,7 @@ void picRespondentList::RequireWritableForEntry() {
 void picRespondentList::cmdCreateResponse_Click() {
     if (!state_.MayWrite())
         return;
+    RequireWritableForEntry();
     {
         TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
         entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
@@ -349,6 +349,7 @@ void picRespondentList::gRespondents_DblClick() {
         state_.dialogs.MsgBox(NoneSelected, MsgIcon::Critical);
         return;
     }
+    RequireWritableForEntry();
     entry_.CurrentRespondentID = Narrow32(gRespondents_->RowData(gRespondents_->Row()));
     EnterAnswers();
 }
@@ -365,7 +366,7 @@ void picRespondentList::cmdDeleteResponse_Click() {
     if (answer != MsgAnswer::Yes || !state_.MayWrite() || state_.Openings() != opening)
         return; // another list is shown by now
     const std::int64_t id = gRespondents_->RowData(gRespondents_->Row());
-    WriteBatch batch(state_.SurveyConnection);
+    WriteBatch batch(state_.SurveyConnection, WriteBatch::OnFailure::TakeBack);
     state_.SurveyConnection.Run("DELETE FROM respondent_responses WHERE respondentid = ?", {id});
     state_.SurveyConnection.Run("DELETE FROM respondent WHERE id = ?", {id});
     batch.Commit();

@@ -24,7 +24,7 @@ std::vector<ResponseScale> ReadResponseScales(Connection& SurveyConnection) {
 }
 
 std::int64_t AddResponseScale(Connection& SurveyConnection, const QStringList& points) {
-    WriteBatch batch(SurveyConnection);
+    WriteBatch batch(SurveyConnection, WriteBatch::OnFailure::TakeBack);
     const std::int64_t id =
         TableInsert(SurveyConnection, "ResponseMatrixGroup", {"Name"}).Add({"User Added"});
     TableInsert insert(SurveyConnection, "ResponseMatrix",
