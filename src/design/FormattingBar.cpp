@@ -5,6 +5,7 @@
 #include <QEvent>
 #include <QFontComboBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMenu>
 #include <QRegularExpressionValidator>
@@ -41,6 +42,21 @@ constexpr std::array Colours = {
     NamedColour{"Purple", 0xff813d9c}, NamedColour{"Pink", 0xffc02f80},
 };
 
+// Ctrl with a letter is no name of a font that begins with it, but whoever's around the list.
+class FontList : public QFontComboBox {
+  public:
+    using QFontComboBox::QFontComboBox;
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override {
+        if (event->modifiers() & Qt::ControlModifier && event->key() >= Qt::Key_A &&
+            event->key() <= Qt::Key_Z)
+            event->ignore();
+        else
+            QFontComboBox::keyPressEvent(event);
+    }
+};
+
 QIcon ColourIcon(const QColor& colour) {
     QPixmap swatch(IconSide, IconSide);
     swatch.fill(colour);
@@ -57,8 +73,8 @@ FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
                               &FormattingBar::ToggleUnderline)),
       cmdBullets_(NewToggle("cmdBullets", "bullets", "Bullets (Ctrl+Shift+L)",
                             &FormattingBar::ToggleBullets)),
-      cmdColour_(NewButton("cmdColour", "text-color", "Colour")),
-      cboFontName_(new QFontComboBox(this)), cboFontSize_(new QComboBox(this)) {
+      cmdColour_(NewButton("cmdColour", "text-color", "Colour")), cboFontName_(new FontList(this)),
+      cboFontSize_(new QComboBox(this)) {
     setObjectName("FormattingBar");
     FillColours();
 

@@ -160,15 +160,25 @@ void ResponsePanel::Add_Click() {
     const std::shared_ptr<clsQ> q = QuestionOfList();
     if (!q)
         return;
-    const QStringList texts = EntryLines(box_->text());
-    // For an empty box too: it adds nothing, but it does mark the survey.
-    editor_.AddResponses(*q, texts);
-    for (const QString& text : texts)
-        list_->AddItem(text);
-    shown_ = ResponsesOf(*q);
-    ListChanged(*q);
-    box_->clear();
-    FocusBox();
+    QStringList texts = EntryLines(box_->text());
+    const int before = q->ResponsesCount();
+    const auto show = [&] {
+        for (int added = q->ResponsesCount() - before; added > 0; --added)
+            list_->AddItem(texts.takeFirst());
+        shown_ = ResponsesOf(*q);
+        ListChanged(*q);
+        box_->clear();
+        FocusBox();
+    };
+    try {
+        // For an empty box too: it adds nothing, but it does mark the survey.
+        editor_.AddResponses(*q, texts);
+    } catch (...) {
+        show();
+        box_->setText(texts.join('\n')); // what there was no room for
+        throw;
+    }
+    show();
 }
 
 void ResponsePanel::Delete_Click() {

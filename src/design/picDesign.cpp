@@ -105,6 +105,7 @@ void picDesign::LoadMatrixResponses() {
 }
 
 void picDesign::AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID) {
+    picQProperties_->CommitNoOfRows();
     const QString key = editor_.AddQuestion(qType, ResponseMatrixGroupID);
     TreeNode& node = tvTreeView_.Add(RootKey, TreeView::tvwChild, key, NoTextYet);
     node.SetSelected();
@@ -134,15 +135,16 @@ void picDesign::mnuDesignAddText_Click() {
 // The text fills the empty question on screen, which is not marked as changed by it, or else a new
 // one.
 void picDesign::AddLibraryText(const QString& name) {
-    const SurveyEditor::OneStep step(editor_);
-    if (!EditorText().isEmpty())
-        mnuDesignAddOpenEndedQuestion_Click();
-    picQProperties_->EnterText(name);
+    editor_.AsOneStep([&] {
+        if (!EditorText().isEmpty())
+            mnuDesignAddOpenEndedQuestion_Click();
+        picQProperties_->EnterText(name);
+    });
 }
 
 void picDesign::AddBlankOpenEndedQuestion() {
     mnuDesignAddOpenEndedQuestion_Click();
-    state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
+    state_.History.Forget();
 }
 
 void picDesign::GoToQuestion(const QString& key, int response) {
@@ -157,10 +159,12 @@ void picDesign::GoToQuestion(const QString& key, int response) {
 }
 
 void picDesign::Undo() {
+    CommitEdits();
     editor_.Undo();
 }
 
 void picDesign::Redo() {
+    CommitEdits();
     editor_.Redo();
 }
 
@@ -236,8 +240,7 @@ void picDesign::ShowState(const DesignState& state) {
             tvTreeView_.Add(RootKey, TreeView::tvwChild, node.key, node.text);
         added.emplace(place, node.key);
     }
-    const QString selected =
-        state.survey.selectedKey.isEmpty() ? QString(RootKey) : state.survey.selectedKey;
+    const QString selected = state.selectedKey.isEmpty() ? QString(RootKey) : state.selectedKey;
     SelectNode(selected);
     tvTreeView_NodeClick(selected);
     tvTreeView_.verticalScrollBar()->setValue(scrolled);
@@ -257,8 +260,7 @@ void picDesign::CommitText() {
 }
 
 void picDesign::CommitEdits() {
-    if (picQProperties_->Editor().document()->isModified())
-        CommitText();
+    picQProperties_->CommitEdits();
 }
 
 void picDesign::ShowTree(const std::vector<Node>& questions) {

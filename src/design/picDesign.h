@@ -67,8 +67,8 @@ class picDesign : public QWidget, public SurveyViews, private EditorScreen {
     // Whether a question is shown, on whatever screen the user is.
     bool picQPropertiesVisible() const;
     void CommitText(); // as picQProperties tells
-    // The same, if anything was typed: the letter whose key is still down. Leaves a text alone that
-    // would only be written otherwise.
+    // The same for what is not committed yet: the letter whose key is still down, a number of rows
+    // that was chosen. Leaves a text alone that would only be written otherwise.
     void CommitEdits();
 
     // SurveyViews. An unknown key does nothing.

@@ -27,6 +27,7 @@ picOpenEnded::picOpenEnded(ApplicationState& state, SurveyEditor& editor, TreeVi
     cmdOpenEndedNoOfRows_->setAccessibleName("No of rows");
     for (int rows = 1; rows <= MostRows; ++rows)
         cmdOpenEndedNoOfRows_->AddItem(QString::number(rows));
+    cmdOpenEndedNoOfRows_->Click = [this] { isChosen_ = true; };
     cmdOpenEndedNoOfRows_->LostFocus = [this] { cmdOpenEndedNoOfRows_LostFocus(); };
 
     auto* const row = new QHBoxLayout(this);
@@ -36,11 +37,18 @@ picOpenEnded::picOpenEnded(ApplicationState& state, SurveyEditor& editor, TreeVi
     row->addStretch(1);
 }
 
-void picOpenEnded::ShowNoOfRows(std::int16_t rows) {
-    cmdOpenEndedNoOfRows_->SetListIndex(rows - 1);
+void picOpenEnded::ShowNoOfRows(const clsQ& q) {
+    cmdOpenEndedNoOfRows_->SetListIndex(q.OpenEnded_NoOfRows - 1);
+    isChosen_ = false;
+}
+
+void picOpenEnded::CommitChosen() {
+    if (isChosen_)
+        cmdOpenEndedNoOfRows_LostFocus();
 }
 
 void picOpenEnded::cmdOpenEndedNoOfRows_LostFocus() {
+    isChosen_ = false;
     const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
     if (q)
         editor_.SetNoOfRows(*q, ToNumber16(cmdOpenEndedNoOfRows_->Text()));

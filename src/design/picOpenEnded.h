@@ -16,8 +16,13 @@ class picOpenEnded : public QWidget {
     picOpenEnded(ApplicationState& state, SurveyEditor& editor, TreeView& tvTreeView,
                  QWidget* parent);
 
-    // Selects nothing for 0, the value of a question read from a file. InvalidArgument beyond 6.
-    void ShowNoOfRows(std::int16_t rows);
+    // Shows the question's number, and selects nothing for 0, that of a question read from a file.
+    // InvalidArgument beyond 6.
+    void ShowNoOfRows(const clsQ& q);
+
+    // Stores a number that was chosen while the box keeps the focus, as buttons of a toolbar and
+    // menus leave it there.
+    void CommitChosen();
 
     // Stores the number. With no entry selected there is none to read, which is a failure
     // (TypeMismatch): it comes when the box is entered and left on a question read from a file.
@@ -28,6 +33,7 @@ class picOpenEnded : public QWidget {
     SurveyEditor& editor_;
     TreeView& tvTreeView_;
     ComboBox* cmdOpenEndedNoOfRows_;
+    bool isChosen_ = false; // and not stored
 };
 
 } // namespace pollarix

@@ -4,11 +4,9 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QMenu>
-#include <QMouseEvent>
 #include <QRadioButton>
 #include <QScrollArea>
 #include <QScrollBar>
-#include <QTimer>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -84,7 +82,7 @@ picQProperties::picQProperties(ApplicationState& state, SurveyEditor& editor, Tr
     txtQ_->LostFocus = [this] { txtQ_LostFocus(); };
     txtQ_->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(txtQ_, &QWidget::customContextMenuRequested, this, &picQProperties::ShowContextMenu);
-    txtQ_->viewport()->installEventFilter(this);
+    txtQ_->ChangedByMouse = [this] { TextChangedByMouse(); };
     // A format counts as a key and its release, and must not be lost when the next thing is a menu.
     bar_->Changed = [this] {
         editor_.TextEdited();
@@ -194,6 +192,7 @@ void picQProperties::ArrangeOptions(int width) {
 }
 
 void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
+    editor_.EndOfTyping();
     const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(Node.Key());
     if (!q) {
         setVisible(false);
@@ -202,9 +201,7 @@ void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
     setVisible(true);
     raise();
     MoveFocusQuietly(*txtQ_);
-    editor_.EndOfTyping();
-    txtQ_->SetTextRTF(q->Question);
-    txtQ_->document()->setModified(false);
+    Load(q->Question);
     txtQ_->SetSelStart(0);
     txtQ_->SetSelLength(static_cast<int>(txtQ_->Text().size()));
     const auto option = std::find(KindOfOption.begin(), KindOfOption.end(), q->qType);
@@ -213,7 +210,7 @@ void picQProperties::tvTreeView_NodeClick(TreeNode& Node) {
         SelectQType(Index, Node);
         SetOption(Index);
     }
-    picOpenEnded_->ShowNoOfRows(q->OpenEnded_NoOfRows);
+    picOpenEnded_->ShowNoOfRows(*q);
 }
 
 // Putting on an option that was off raises its click, as the user's hand does. So a step to a
@@ -312,27 +309,57 @@ void picQProperties::ClearCheckResponses() {
     picCheck_->ClearList();
 }
 
+void picQProperties::Load(const QString& rtf) {
+    txtQ_->SetTextRTF(rtf);
+    txtQ_->document()->setModified(false);
+    loaded_ = rtf;
+    committed_ = txtQ_->document()->revision();
+}
+
+bool picQProperties::IsEdited() const {
+    return txtQ_->document()->revision() != committed_;
+}
+
 void picQProperties::CommitText() {
+    CommitNoOfRows();
+    Commit(!IsEdited()                       ? SurveyEditor::Edit::None
+           : txtQ_->document()->isModified() ? SurveyEditor::Edit::Typed
+                                             : SurveyEditor::Edit::TakenBack);
+}
+
+void picQProperties::CommitEdits() {
+    CommitNoOfRows();
+    if (IsEdited())
+        CommitText();
+}
+
+void picQProperties::CommitNoOfRows() {
+    picOpenEnded_->CommitChosen();
+}
+
+void picQProperties::Commit(SurveyEditor::Edit edit) {
     TreeNode* const node = tvTreeView_.SelectedItem();
     const std::shared_ptr<clsQ> q = SelectedQuestion(state_, tvTreeView_);
     if (!q)
         return;
-    editor_.SetText(*q, txtQ_->TextRTF(), txtQ_->document()->isModified());
+    committed_ = txtQ_->document()->revision();
+    // A text that is taken back is again what it was to the letter, however the box would write it.
+    const QString rtf = edit == SurveyEditor::Edit::TakenBack ? loaded_ : txtQ_->TextRTF();
+    if (!txtQ_->document()->isModified())
+        loaded_ = rtf;
+    editor_.SetText(*q, rtf, edit);
     const QString text = txtQ_->Text();
     node->SetText(PrefixOf(q->qType, q->QuestionNo) +
                   (text.isEmpty() ? QString(NoTextYet) : text.section("\r\n", 0, 0)));
 }
 
 void picQProperties::EnterText(const QString& rtf) {
-    txtQ_->SetTextRTF(rtf);
-    txtQ_->document()->setModified(true);
-    CommitText();
+    Load(rtf);
+    Commit(SurveyEditor::Edit::Typed);
 }
 
-// What the mouse pastes, drops or takes away counts as a key does, if it did anything.
-void picQProperties::CommitIfEdited(int revisionBefore) {
-    if (txtQ_->document()->revision() == revisionBefore)
-        return;
+// What the mouse pastes, drops or takes away counts as a key does.
+void picQProperties::TextChangedByMouse() {
     editor_.TextEdited();
     CommitText();
 }
@@ -341,17 +368,8 @@ void picQProperties::ShowContextMenu(const QPoint& position) {
     const int revision = txtQ_->document()->revision();
     const std::unique_ptr<QMenu> menu(txtQ_->createStandardContextMenu(position));
     menu->exec(txtQ_->mapToGlobal(position));
-    RunHandler([&] { CommitIfEdited(revision); });
-}
-
-bool picQProperties::eventFilter(QObject* watched, QEvent* event) {
-    if (event->type() == QEvent::Drop ||
-        (event->type() == QEvent::MouseButtonRelease &&
-         static_cast<QMouseEvent*>(event)->button() == Qt::MiddleButton))
-        QTimer::singleShot(0, this, [this, revision = txtQ_->document()->revision()] {
-            RunHandler([&] { CommitIfEdited(revision); });
-        });
-    return QFrame::eventFilter(watched, event);
+    if (txtQ_->document()->revision() != revision)
+        RunHandler([&] { TextChangedByMouse(); });
 }
 
 } // namespace pollarix

@@ -40,8 +40,12 @@ class picQProperties : public QFrame {
     void EnterText(const QString& rtf);
 
     // What the box shows becomes the selected question's text and, as far as its first line goes,
-    // the node's. With the root selected, as after a delete, nothing happens.
+    // the node's; a number of rows that was chosen becomes the question's. With the root selected,
+    // as after a delete, nothing happens.
     void CommitText();
+    // The same, where something is not committed yet.
+    void CommitEdits();
+    void CommitNoOfRows();
     void txtQ_LostFocus() { CommitText(); }
 
     // Sets the question of the node to the kind of the option and shows its panel. An index outside
@@ -67,9 +71,11 @@ class picQProperties : public QFrame {
     void ShowKindPanel(QWidget& panel, std::initializer_list<QWidget*> hidden);
     void SetOption(int Index);
     void FocusBox(std::int32_t qType);
-    bool eventFilter(QObject* watched, QEvent* event) override;
     void ShowContextMenu(const QPoint& position);
-    void CommitIfEdited(int revisionBefore);
+    void Load(const QString& rtf);
+    bool IsEdited() const;
+    void Commit(SurveyEditor::Edit edit);
+    void TextChangedByMouse();
 
     ApplicationState& state_;
     SurveyEditor& editor_;
@@ -78,6 +84,8 @@ class picQProperties : public QFrame {
     QWidget* body_;
     RichTextBox* txtQ_;
     FormattingBar* bar_;
+    QString loaded_;    // the text of the question as it came into the box
+    int committed_ = 0; // revision of the box's document that the question has
     std::array<QRadioButton*, 5> optQType_;
     int shownOption_ = 0; // of the question in the panel
     QGridLayout* options_;

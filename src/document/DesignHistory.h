@@ -1,12 +1,15 @@
 // The steps of the design that can be undone and done again. Keeps values only: what a step changes
-// is SurveyEditor's, and how a state is shown is the screen's.
+// is SurveyEditor's, and how a state is shown is the screen's. A state shares with its neighbours
+// what the step between them left alone. The oldest steps go when there are more than MostSteps, or
+// when all of them take more than MostBytes; the last one always stays.
 #pragma once
 
+#include <deque>
 #include <memory>
 #include <optional>
 #include <vector>
 
-#include "document/SurveySnapshot.h"
+#include "document/SharedQuestions.h"
 
 namespace pollarix {
 
@@ -20,45 +23,61 @@ struct NodeLabel {
 
 // The Design screen between two steps.
 struct DesignState {
-    SurveySnapshot survey;
+    SharedQuestions questions;
+    QString selectedKey;          // of the question that is selected; "" for none or the root
     std::vector<NodeLabel> nodes; // in the tree's collection order
     bool changed = false;         // whether the survey was marked
 };
 
 class DesignHistory {
   public:
+    static constexpr std::size_t MostSteps = 1000;
+    static constexpr std::int64_t MostBytes = 64 << 20;
+
     // Forgets all steps. What the survey holds now is what its file holds.
-    void Start(SurveySnapshot saved);
+    void Start(const clsSurvey& saved);
+    // Forgets all steps, and nothing else.
+    void Forget();
+
+    // The questions as they are now, for a state. Touch tells of a change in place.
+    QuestionSharer& Questions() { return questions_; }
 
     // Keeps the state before a step; what had been undone can't be done again.
     void Keep(DesignState before);
+    // The step that was kept last has come to nothing, and goes. Gives the mark of the state before
+    // it. There must be one.
+    bool Drop();
 
     // These two give the state to go to, keeping the one that is left; none when there is no such
     // step. A state that holds what the file holds is not marked as changed.
     std::optional<DesignState> Undo(DesignState now);
     std::optional<DesignState> Redo(DesignState now);
+    bool HoldsWhatIsSaved(const SharedQuestions& questions) const;
 
     // After a save that wrote `written` and read it back as `saved`, with new keys and the ids of
     // new rows: the steps go on with these. A question or response whose row the save has deleted
     // can't get it back, so a step that leads to one goes, and all beyond it.
-    void FollowSave(const SurveySnapshot& written, SurveySnapshot saved);
+    void FollowSave(const SurveySnapshot& written, const clsSurvey& saved);
 
   private:
-    // A long survey differs in one or two questions from step to step; the others are shared.
+    using Labels = std::shared_ptr<const std::vector<NodeLabel>>;
     struct Packed {
-        std::vector<std::shared_ptr<const SurveySnapshot::Question>> questions;
+        SharedQuestions questions;
         QString selectedKey;
-        std::shared_ptr<const std::vector<NodeLabel>> nodes;
+        Labels nodes;
         bool changed = false;
+        std::int64_t bytes = 0; // about what is held for this state alone
     };
     Packed Pack(DesignState state);
-    std::optional<DesignState> Step(std::vector<Packed>& from, std::vector<Packed>& to,
+    std::optional<DesignState> Step(std::deque<Packed>& from, std::deque<Packed>& to,
                                     DesignState now);
 
-    SurveySnapshot saved_;
-    std::vector<Packed> undone_; // the next one to be done again last
-    std::vector<Packed> done_;
-    Packed last_; // what was packed last: with it the next one shares
+    QuestionSharer questions_;
+    SharedQuestions saved_;
+    std::deque<Packed> undone_; // the next one to be done again last
+    std::deque<Packed> done_;
+    std::int64_t bytes_ = 0; // of both
+    Labels last_;            // that were packed last: with them the next ones share
 };
 
 } // namespace pollarix

@@ -50,7 +50,7 @@ class CarriedHistory {
         : state_(state), history_(std::move(state.History)),
           written_(SurveySnapshot::Take(state.CurrentSurvey)) {}
     void Arrive() {
-        history_.FollowSave(written_, SurveySnapshot::Take(state_.CurrentSurvey));
+        history_.FollowSave(written_, state_.CurrentSurvey);
         state_.History = std::move(history_);
     }
 
@@ -138,7 +138,7 @@ void SurveyDocument::ReadAndShow(int SelectIndex) {
         Show(read.design, read.failure ? -1 : SelectIndex);
         if (read.failure)
             throw *read.failure;
-        state_.History.Start(SurveySnapshot::Take(state_.CurrentSurvey));
+        state_.History.Start(state_.CurrentSurvey);
         isWhole_ = true;
         // Within the same transaction: what another program commits from now on is a change.
         try {

@@ -1,10 +1,14 @@
 // The one door through which the Design screen changes the survey. Each operation is a step of the
 // user's, or what showing a question does to it; which of them mark the survey as changed is told
-// here and nowhere else, and so is which of them can be undone. Changes the model only: tree and
-// panels follow, file and respondents are others' business.
+// here and nowhere else, and so is which of them can be undone. Each names the question it changes,
+// so that a step keeps that one alone. Changes the model only: tree and panels follow, file and
+// respondents are others' business.
 #pragma once
 
 #include <QStringList>
+
+#include <functional>
+#include <optional>
 
 #include "document/ApplicationState.h"
 
@@ -46,17 +50,22 @@ class SurveyEditor {
 
     // The text of the box, rich. Marks nothing: the edits do that as they happen, by the second.
     // So a text that the library put into an empty question marks nothing either. All that is typed
-    // into one question until EndOfTyping is one step. `edited` is false for a text that only reads
-    // otherwise than the question's, and means the same: that is no step.
-    void SetText(clsQ& q, const QString& rtf, bool edited);
-    void TextEdited() { state_.MarkFileChanged(); }
-    void EndOfTyping() { typedInto_.clear(); }
+    // into one question until EndOfTyping is one step, and none once the text is again what it was.
+    enum class Edit {
+        None,     // the text only reads otherwise than the question's, and means the same
+        Typed,    // or pasted, or anything else that the user did to it
+        TakenBack // by the box's own undo, to what it was when the question came into the box: if
+                  // that is what the file holds, the survey is not marked any more
+    };
+    void SetText(clsQ& q, const QString& rtf, Edit edit);
+    void TextEdited();
+    void EndOfTyping();
 
     // Marks nothing: the number is in no file.
     void SetNoOfRows(clsQ& q, std::int16_t rows);
 
     // Appends responses without row or jump. Marks also when there is none to add. Throws Overflow
-    // for a 32768th one.
+    // for a 32768th one; those before it are added then, and mark.
     void AddResponses(clsQ& q, const QStringList& texts);
     // Positions are 1-based. Both mark; a response that moves keeps its row and its jump. Throw
     // Subscript.
@@ -76,31 +85,26 @@ class SurveyEditor {
     bool Undo();
     bool Redo();
 
-    // What is done while one lives is one step.
-    class OneStep {
-      public:
-        explicit OneStep(SurveyEditor& editor) : editor_(editor) {
-            editor_.together_ = Together::Yes;
-        }
-        ~OneStep() { editor_.together_ = Together::No; }
-        OneStep(const OneStep&) = delete;
-        OneStep& operator=(const OneStep&) = delete;
-
-      private:
-        SurveyEditor& editor_;
-    };
+    // What the change does through the editor is one step. Where it fails, it is as far as it got,
+    // and none if it did nothing. Throws what the change throws.
+    void AsOneStep(const std::function<void()>& change);
 
   private:
-    enum class Together { No, Yes, Kept };
+    // What is typed into one question.
+    struct Typing {
+        QString key;
+        QString textBefore;
+    };
 
-    void KeepState();
     DesignState Now() const;
     bool GoTo(std::optional<DesignState> state);
 
     ApplicationState& state_;
     EditorScreen& screen_;
-    QString typedInto_; // the question whose step takes what is typed next
-    Together together_ = Together::No;
+    std::optional<Typing> typing_; // whose step takes what is typed next
+    // Whether the survey was marked before the key whose text was not set yet.
+    std::optional<bool> markBeforeKey_;
+    bool inStep_ = false;
 };
 
 } // namespace pollarix

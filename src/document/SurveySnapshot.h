@@ -1,14 +1,16 @@
-// The design of a survey as a value: what undo steps back to, and what a recovery file keeps.
-// Copying one is cheap, since its texts are shared. Knows no file, tree or window.
+// The design of a survey as a value: what a save writes and what a recovery file keeps; undo shares
+// its questions (SharedQuestions). Knows no file, tree or window.
 #pragma once
 
 #include <QString>
 
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 namespace pollarix {
 
+class clsQ;
 class clsSurvey;
 
 struct SurveySnapshot {
@@ -29,6 +31,8 @@ struct SurveySnapshot {
         std::int16_t OpenEnded_NoOfRows = 0;
         std::int16_t ResponseMatrixGroupID = 0;
         std::vector<Response> responses;
+
+        std::shared_ptr<clsQ> ToObject() const; // a new one
         bool operator==(const Question&) const = default;
     };
 
@@ -37,6 +41,7 @@ struct SurveySnapshot {
 
     // The survey as it is. The model knows no selection, so the caller gives it.
     static SurveySnapshot Take(const clsSurvey& survey, const QString& selectedKey = {});
+    static Question Take(const clsQ& q);
 
     // Makes the survey what it was: the same questions under the same keys and ids, as new objects.
     void PutInto(clsSurvey& survey) const;

@@ -146,6 +146,20 @@ TEST_F(QuestionPanel, NoOfRowsIsStoredOnLeavingAndForgottenBySaving) {
     rows.SetListIndex(4);
     EXPECT_FALSE(Marks([&] { QTest::keyClick(&rows, Qt::Key_Tab); }));
     EXPECT_EQ(Q(1).OpenEnded_NoOfRows, 5);
+    // Buttons of the toolbars and menus leave the focus in the box. No road leads past the number.
+    const std::vector<std::function<void()>> roads = {
+        [&] { design_->CommitText(); }, [&] { design_->CommitEdits(); },
+        [&] { design_->mnuDesignAddCheckQuestion_Click(); }};
+    for (const auto& road : roads) {
+        ClickNode(1);
+        rows.setFocus();
+        QTest::keyClick(&rows, Qt::Key_Up);
+        const int chosen = rows.ListIndex() + 1;
+        road();
+        EXPECT_EQ(Q(1).OpenEnded_NoOfRows, chosen);
+    }
+    EXPECT_EQ(Q(1).OpenEnded_NoOfRows, 2);
+    ClickNode(1);
     document_.DoSave();
     // Entered and left without a choice: there is no number to store, which is told and no more.
     rows.setFocus();

@@ -80,6 +80,18 @@ TEST_P(ResponsePanels, PastedLinesAreAnEntryEach) {
     EXPECT_EQ(Entries(panel.list), Responses(1));
 }
 
+TEST_P(ResponsePanels, LinesBeyondTheBoundStayInTheBox) {
+    while (Q(1).ResponsesCount() < 32766)
+        Q(1).AddResponse("a", -1, -1, "");
+    ClickNode(1);
+    Get<QLineEdit>(panel.box).setText("one\ntwo\nthree");
+    EXPECT_TRUE(Marks([&] { Press(panel.add); })) << "one was added";
+    EXPECT_EQ(std::exchange(failures_, {}), QStringList("6 Overflow"));
+    EXPECT_EQ(Entries(panel.list), Responses(1));
+    EXPECT_EQ(Q(1).GetResponse(32767)->Text, "one");
+    EXPECT_EQ(Get<QLineEdit>(panel.box).text(), "two\nthree");
+}
+
 TEST_P(ResponsePanels, AnArrowThatGoesOffGivesTheFocusToTheList) {
     AddResponses(panel.box, {"a", "b", "c"});
     ClickEntry(panel.list, 1);

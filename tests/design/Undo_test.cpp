@@ -104,7 +104,7 @@ TEST_F(Undo, EachStepGoesBackAndForth) {
 TEST_F(Undo, TextBoxesUndoTheirTypingAndAllElseTheDesign) {
     ClickNode(2);
     for (const char* control : {"tvTreeView", "tvTreeLibrary", "lstCheckResponses", "cmdUp",
-                                "cmdDelete", "cmdCheckAdd", "optQType(2)"}) {
+                                "cmdDelete", "cmdCheckAdd", "optQType(2)", "cboFontName"}) {
         AddResponses("txtCheckResponse", {"c"});
         StepKey(Qt::Key_Z, control);
         EXPECT_EQ(Responses(2), "a|b") << control;
@@ -128,6 +128,84 @@ TEST_F(Undo, TextBoxesUndoTheirTypingAndAllElseTheDesign) {
     StepKey(Qt::Key_Z, "txtQ");
     EXPECT_EQ(txtQ.Text(), "Q3");
     EXPECT_EQ(Responses(3), "m|n|o") << "no step of the design";
+}
+
+// What is typed can be undone in the box and by a step, one after the other in any order.
+TEST_F(Undo, TheTextBoxAndTheStepsAgree) {
+    Reopen(); // without a step
+    ClickNode(2);
+    auto& txtQ = Get<RichTextBox>("txtQ");
+    state.MarkFileUnchanged(); // which the kinds of the questions have marked on the way
+    const auto saved = Look();
+    const auto type = [&](const char* letters) {
+        txtQ.setFocus();
+        txtQ.moveCursor(QTextCursor::End);
+        QTest::keyClicks(&txtQ, letters);
+    };
+    const auto text = [&] { return Nodes().section('|', 1, 1); };
+
+    type("abc");
+    StepKey(Qt::Key_Z, "txtQ");
+    EXPECT_EQ(Look(), saved) << "not marked either";
+    StepKey(Qt::Key_Z);
+    StepKey(Qt::Key_Y);
+    EXPECT_EQ(Look(), saved) << "there is no step that does nothing";
+    type("abc");
+    StepKey(Qt::Key_Z, "txtQ");
+    StepKey(Qt::Key_Y, "txtQ");
+    EXPECT_EQ(text(), "2. Q2abc");
+    StepKey(Qt::Key_Z);
+    EXPECT_EQ(Look(), saved) << "done again in the box, it is a step again";
+    type("a\b");
+    EXPECT_TRUE(state.FileChanged()) << "keys mark, also where they come to nothing";
+    StepKey(Qt::Key_Z);
+    EXPECT_EQ(text(), "2. Q2");
+    state.MarkFileUnchanged();
+
+    type("abc");
+    Get<QAbstractButton>("optQType(1)").click();
+    StepKey(Qt::Key_Z, "txtQ");
+    EXPECT_EQ(text(), "2. Q2");
+    for (const auto& [shown, qType] :
+         {std::pair("2. Q2abc", Check), {"2. Q2abc", Radio}, {"2. Q2", Radio}}) {
+        StepKey(Qt::Key_Z);
+        EXPECT_EQ(text(), shown);
+        EXPECT_EQ(Q(2).qType, qType);
+    }
+    EXPECT_EQ(Look(), saved);
+
+    txtQ.setFocus();
+    QTest::keyPress(&txtQ, Qt::Key_A);
+    design_->Undo(); // the letter of the key that is still down
+    EXPECT_EQ(Look(), saved);
+    QTest::keyRelease(&txtQ, Qt::Key_A);
+}
+
+TEST_F(Undo, WhatIsTypedIntoALibraryTextIsAStepOfItsOwn) {
+    auto& library = Get<TreeView>("tvTreeLibrary");
+    library.Item(library.Count()).SetSelected();
+    for (const bool isNew : {true, false}) {
+        if (!isNew)
+            Add(Radio); // empty, and filled
+        Press("cmdLibraryAdd");
+        const auto inserted = Look();
+        QTest::keyClicks(&Get<QWidget>("txtQ"), "typed");
+        StepKey(Qt::Key_Z);
+        EXPECT_EQ(Look(), inserted);
+        StepKey(Qt::Key_Z);
+        EXPECT_EQ(Survey().QCount(), isNew ? 3 : 4);
+    }
+}
+
+TEST_F(Undo, TheBlankQuestionOfTheStartIsNotSaved) {
+    NewSurvey();
+    design_->AddBlankOpenEndedQuestion();
+    Add(Check);
+    StepKey(Qt::Key_Z);
+    EXPECT_EQ(Survey().QCount(), 1);
+    EXPECT_TRUE(state.FileChanged()) << "no file holds it";
+    StepKey(Qt::Key_Z);
+    EXPECT_EQ(Survey().QCount(), 1) << "but it is no step";
 }
 
 TEST_F(Undo, ADeletedQuestionComesBackWithItsRowsAndJumps) {

@@ -308,6 +308,26 @@ void RichTextBox::inputMethodEvent(QInputMethodEvent* event) {
     });
 }
 
+void RichTextBox::ByMouse(const std::function<void()>& act) {
+    const int before = document()->revision();
+    act();
+    if (document()->revision() != before)
+        RunHandler(ChangedByMouse);
+}
+
+// Dragging lasts as long as this: what was moved elsewhere is out of the text then.
+void RichTextBox::mouseMoveEvent(QMouseEvent* event) {
+    ByMouse([&] { QTextEdit::mouseMoveEvent(event); });
+}
+
+void RichTextBox::mouseReleaseEvent(QMouseEvent* event) {
+    ByMouse([&] { QTextEdit::mouseReleaseEvent(event); });
+}
+
+void RichTextBox::dropEvent(QDropEvent* event) {
+    ByMouse([&] { QTextEdit::dropEvent(event); });
+}
+
 void RichTextBox::focusOutEvent(QFocusEvent* event) {
     const bool leaves = IsFocusLossByUser(*this, *event);
     QTextEdit::focusOutEvent(event);

@@ -42,6 +42,8 @@ class RichTextBox : public QTextEdit {
     // box acts on it, KeyUp after. What an input method enters counts as a key.
     std::function<void(QKeyEvent&)> KeyDown;
     std::function<void(QKeyEvent&)> KeyUp;
+    // Raised after the mouse has changed the text: pasted, dropped into it, dragged out of it.
+    std::function<void()> ChangedByMouse;
     // Raised when the user moves the focus from the box to another control or window of the program
     // (not to a popup or menu, and not when code moves the focus, see MoveFocusQuietly).
     std::function<void()> LostFocus;
@@ -51,6 +53,9 @@ class RichTextBox : public QTextEdit {
     void keyPressEvent(QKeyEvent* event) override;
     void keyReleaseEvent(QKeyEvent* event) override;
     void inputMethodEvent(QInputMethodEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
     // Copying offers rich text, HTML and plain text; pasting takes them in that order, and of them
     // only what rich text holds.
@@ -60,6 +65,7 @@ class RichTextBox : public QTextEdit {
 
   private:
     void Fill(const RichText& text);
+    void ByMouse(const std::function<void()>& act);
 
     WrittenBlocks* written_; // the document's
 };
