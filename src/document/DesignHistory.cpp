@@ -169,6 +169,8 @@ void DesignHistory::Keep(DesignState before) {
 }
 
 bool DesignHistory::Drop() {
+    if (done_.empty())
+        return true;
     const Packed dropped = std::move(done_.back());
     done_.pop_back();
     bytes_ -= dropped.bytes;

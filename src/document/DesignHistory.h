@@ -45,7 +45,7 @@ class DesignHistory {
     // Keeps the state before a step; what had been undone can't be done again.
     void Keep(DesignState before);
     // The step that was kept last has come to nothing, and goes. Gives the mark of the state before
-    // it. There must be one.
+    // it.
     bool Drop();
 
     // These two give the state to go to, keeping the one that is left; none when there is no such

@@ -91,7 +91,7 @@ class RandomEdits : public DesignScreen {
         const int at = Below(survey_.size());
         Question& q = survey_[at];
         ClickNode(at + 1);
-        switch (Below(8)) {
+        switch (Below(9)) {
         case 0:
         case 1: {
             const bool up = Below(2) == 0;
@@ -118,6 +118,11 @@ class RandomEdits : public DesignScreen {
             q.qType = option < 3 ? option : 7 - option;
             break;
         }
+        case 4: // typed over, and taken back
+            Get<QWidget>("txtQ").setFocus();
+            Key("txtQ", Qt::Key_X);
+            Key("txtQ", Qt::Key_Z, Qt::ControlModifier);
+            break;
         default:
             if (HasResponses(q.qType))
                 EditAnswers(q);
@@ -184,8 +189,10 @@ class RandomEdits : public DesignScreen {
         return press;
     }
     void Stretch() {
-        for (int i = int(survey_.size()); i >= 0; --i)
+        for (int i = int(survey_.size()); i >= 0; --i) {
             ClickNode(i);
+            design_->CommitText();
+        }
         const QStringList before = Look();
         const std::vector<Question> picture = survey_;
         const bool marked = state.FileChanged();
