@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Uses the survey server's pages in a real browser: every page at three widths, with and without
-# script, held against the rules of accessibility.
+# script, held against the rules of accessibility. Then the whole way: ./serve.sh starts a server, the
+# program publishes the sample survey to it, it is answered in the browser, and collected again.
 #   scripts/check-browser.sh [--pictures DIRECTORY] [preset, or none for dev]
 # With --pictures it leaves a picture of every page.
 set -uo pipefail
@@ -15,7 +16,7 @@ fi
 preset=${1:-dev}
 
 scripts/install-dependencies.sh --browser || exit 1
-build_preset "$preset" -- --target pollarix-server || exit 1
+build_preset "$preset" -- --target pollarix-server check_online || exit 1
 quietly "Fetching the browser's driver" npm ci --prefix tests/browser --ignore-scripts --no-audit --no-fund || exit 1
 
 POLLARIX_SERVER=$PWD/build/$preset/bin/pollarix-server
@@ -24,4 +25,5 @@ export POLLARIX_SERVER
 for tests in form holder; do
     timeout 1200 node --test --test-reporter=tap "tests/browser/$tests.test.mjs" || failed=1
 done
+QT_QPA_PLATFORM=offscreen timeout 1200 "build/$preset/bin/check_online" || failed=1
 exit "${failed:-0}"
