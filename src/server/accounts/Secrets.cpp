@@ -21,10 +21,12 @@ void Start() {
 std::string NewToken(std::size_t characters) {
     constexpr std::string_view letters =
         "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_";
+    static_assert(letters.size() == 64); // six bits of a byte choose evenly
     Start();
     std::string token(characters, ' ');
+    randombytes_buf(token.data(), token.size()); // at once: each asking costs a call of the system
     for (char& letter : token)
-        letter = letters[randombytes_uniform(static_cast<std::uint32_t>(letters.size()))];
+        letter = letters[static_cast<unsigned char>(letter) % letters.size()];
     return token;
 }
 

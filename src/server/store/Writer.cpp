@@ -72,6 +72,12 @@ bool Writer::CommitTogether(const std::vector<Waiting>& batch) {
             waiting.change(connection_);
         connection_.Do("COMMIT");
         return true;
+    } catch (const SQLite::Exception& failure) {
+        RollBack();
+        // What was committed before may be taking room twice.
+        if (failure.getErrorCode() == SQLITE_FULL)
+            connection_.Raw().tryExec("PRAGMA wal_checkpoint(PASSIVE)");
+        return false;
     } catch (const std::exception&) {
         RollBack();
         return false;
