@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QInputMethodEvent>
 #include <QMimeData>
+#include <QMouseEvent>
 #include <QPushButton>
 #include <QTest>
 #include <QTextBlock>
@@ -178,6 +179,35 @@ TEST_F(RichTextBoxTest, LinesBeyondAllLengthStayTheirOwnThroughAllEdits) {
     box->selectAll();
     const std::unique_ptr<QMimeData> copied(box->createMimeDataFromSelection());
     EXPECT_EQ(copied->text(), model);
+}
+
+// No key comes with what the mouse does to the text. Where dragging ends, another window says.
+TEST_F(RichTextBoxTest, WhatIsDraggedOutIsAChangeByMouse) {
+    struct MovedAway : OpenBox {
+        QMimeData* createMimeDataFromSelection() const override {
+            QMimeData* const data = OpenBox::createMimeDataFromSelection();
+            textCursor().removeSelectedText();
+            return data;
+        }
+    } dragged;
+    dragged.resize(200, 100);
+    dragged.show();
+    dragged.SetText("abc");
+    dragged.selectAll();
+    int changes = 0;
+    dragged.ChangedByMouse = [&] { ++changes; };
+    QWidget& paper = *dragged.viewport();
+    const QPoint from = dragged.cursorRect().center() - QPoint(5, 0);
+    QTest::mousePress(&paper, Qt::LeftButton, {}, from);
+    EXPECT_EQ(changes, 0);
+    const QPoint to = from + QPoint(0, 4 * QApplication::startDragDistance());
+    QMouseEvent move(QEvent::MouseMove, to, paper.mapToGlobal(to), Qt::NoButton, Qt::LeftButton,
+                     {});
+    QApplication::sendEvent(&paper, &move);
+    EXPECT_EQ(dragged.Text(), "");
+    EXPECT_EQ(changes, 1);
+    QTest::mouseRelease(&paper, Qt::LeftButton, {}, to);
+    EXPECT_EQ(changes, 1);
 }
 
 TEST_F(RichTextBoxTest, WhatAnInputMethodEntersIsAKey) {
