@@ -1,24 +1,12 @@
 #include "platform/controls/ListBox.h"
 
-#include <QKeyEvent>
-#include <QMouseEvent>
-
-#include <utility>
-
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
-#include "platform/controls/OneLineDelegate.h"
 
 namespace pollarix {
 
-ListBox::ListBox(QWidget* parent) : QListWidget(parent) {
-    setItemDelegate(new OneLineDelegate(this));
+ListBox::ListBox(QWidget* parent) : EntryView(parent) {
     setUniformItemSizes(true);
-    setSelectionMode(SingleSelection);
-    setEditTriggers(NoEditTriggers);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setTextElideMode(Qt::ElideRight);
-    setTabKeyNavigation(false);
 }
 
 QListWidgetItem& ListBox::Entry(int index) const {
@@ -69,8 +57,7 @@ void ListBox::SetItemData(int index, std::int64_t data) {
 }
 
 int ListBox::ListIndex() const {
-    const QModelIndexList selected = selectionModel()->selectedIndexes();
-    return selected.isEmpty() ? -1 : selected.first().row();
+    return Selected().row();
 }
 
 void ListBox::SetListIndex(int index) {
@@ -84,39 +71,8 @@ void ListBox::SetListIndex(int index) {
         Click();
 }
 
-void ListBox::keyPressEvent(QKeyEvent* event) {
-    const int before = ListIndex();
-    // The view makes its first entry current when it takes the focus; with nothing selected the
-    // first arrow key shall select that entry and not the one below.
-    if (before == -1)
-        selectionModel()->clearCurrentIndex();
-    QListWidget::keyPressEvent(event);
-    if (ListIndex() != before)
-        RunHandler(Click);
-}
-
-void ListBox::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    entryPressed_ = false;
-    QListWidget::mousePressEvent(event);
-    if (std::exchange(entryPressed_, false))
-        RunHandler(Click);
-}
-
-void ListBox::mouseMoveEvent(QMouseEvent* event) {
-    // Dragging over the entries selects none of them, so that each selection has its click.
-    if (event->buttons() == Qt::NoButton)
-        QListWidget::mouseMoveEvent(event);
-}
-
-QItemSelectionModel::SelectionFlags ListBox::selectionCommand(const QModelIndex& index,
-                                                              const QEvent* event) const {
-    if (IsPress(event) && index.isValid())
-        entryPressed_ = true;
-    return UserSelection(QListWidget::selectionCommand(index, event), event);
+void ListBox::RaiseClick() {
+    RunHandler(Click);
 }
 
 } // namespace pollarix

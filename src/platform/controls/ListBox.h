@@ -6,9 +6,11 @@
 #include <cstdint>
 #include <functional>
 
+#include "platform/controls/EntryView.h"
+
 namespace pollarix {
 
-class ListBox : public QListWidget {
+class ListBox : public EntryView<QListWidget> {
     Q_OBJECT
   public:
     explicit ListBox(QWidget* parent = nullptr);
@@ -34,17 +36,12 @@ class ListBox : public QListWidget {
     std::function<void()> Click;
 
   protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
-    QItemSelectionModel::SelectionFlags
-    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
+    void RaiseClick() override;
 
   private:
     QListWidgetItem& Entry(int index) const;
 
     int newIndex_ = -1;
-    mutable bool entryPressed_ = false;
 };
 
 } // namespace pollarix

@@ -3,7 +3,6 @@
 // that did not fit.
 #pragma once
 
-#include <QItemSelectionModel>
 #include <QStyledItemDelegate>
 
 class QEvent;
@@ -32,14 +31,5 @@ class OneLineDelegate : public QStyledItemDelegate {
   private:
     Width width_;
 };
-
-// What a view's own selection command may do for a user's event: the button's press selects, its
-// release never does, and nothing takes the one selection away.
-QItemSelectionModel::SelectionFlags UserSelection(QItemSelectionModel::SelectionFlags command,
-                                                  const QEvent* event);
-
-// Whether the event that a view asks a selection command for is the user's press on an entry: the
-// second of two quick clicks on different entries comes as a double click.
-bool IsPress(const QEvent* event);
 
 } // namespace pollarix

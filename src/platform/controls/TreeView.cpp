@@ -2,23 +2,19 @@
 
 #include <QHash>
 #include <QHeaderView>
-#include <QKeyEvent>
 #include <QMouseEvent>
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
-#include "platform/controls/OneLineDelegate.h"
 
 namespace pollarix {
 
 struct TreeView::State {
     QHash<QString, TreeNode*> byKey;
     std::vector<TreeNode*> collection; // in the order of adding
-    bool nodePressed = false;
 };
 
 namespace {
@@ -60,17 +56,11 @@ void TreeNode::SetSelected() {
     tree.setCurrentItem(this);
 }
 
-TreeView::TreeView(QWidget* parent) : QTreeWidget(parent), state_(std::make_unique<State>()) {
-    setItemDelegate(new OneLineDelegate(this));
+TreeView::TreeView(QWidget* parent) : EntryView(parent), state_(std::make_unique<State>()) {
     setColumnCount(1);
     setHeaderHidden(true);
     header()->setStretchLastSection(true);
     setUniformRowHeights(true);
-    setTextElideMode(Qt::ElideRight);
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    setSelectionMode(SingleSelection);
-    setEditTriggers(NoEditTriggers);
-    setTabKeyNavigation(false);
 }
 
 TreeView::~TreeView() = default;
@@ -146,45 +136,13 @@ TreeNode* TreeView::Find(const QString& key) const {
 }
 
 TreeNode* TreeView::SelectedItem() const {
-    const QModelIndexList selected = selectionModel()->selectedIndexes();
-    return selected.isEmpty() ? nullptr : static_cast<TreeNode*>(itemFromIndex(selected.first()));
+    return static_cast<TreeNode*>(itemFromIndex(Selected()));
 }
 
-void TreeView::RaiseNodeClick() {
+void TreeView::RaiseClick() {
     TreeNode* const node = SelectedItem();
     if (node && NodeClick)
         RunHandler([&] { NodeClick(*node); });
-}
-
-void TreeView::keyPressEvent(QKeyEvent* event) {
-    const TreeNode* const before = SelectedItem();
-    // With nothing selected the first arrow key selects the first node, although the view has made
-    // it the current one when it took the focus.
-    if (!before)
-        selectionModel()->clearCurrentIndex();
-    QTreeWidget::keyPressEvent(event);
-    if (SelectedItem() != before)
-        RaiseNodeClick();
-}
-
-// The click is raised with the press, right after the selection has moved: the panel beside the
-// tree never shows another node than the selected one, however long the button is held. Whatever
-// had the focus has lost it by then, with the old node still selected.
-void TreeView::mousePressEvent(QMouseEvent* event) {
-    if (event->button() != Qt::LeftButton) {
-        event->ignore();
-        return;
-    }
-    state_->nodePressed = false;
-    QTreeWidget::mousePressEvent(event);
-    if (std::exchange(state_->nodePressed, false))
-        RaiseNodeClick();
-}
-
-void TreeView::mouseMoveEvent(QMouseEvent* event) {
-    // Dragging over the nodes selects none of them, so that each selection has its click.
-    if (event->buttons() == Qt::NoButton)
-        QTreeWidget::mouseMoveEvent(event);
 }
 
 void TreeView::mouseDoubleClickEvent(QMouseEvent* event) {
@@ -195,14 +153,7 @@ void TreeView::mouseDoubleClickEvent(QMouseEvent* event) {
     QTreeWidget::mouseDoubleClickEvent(event);
     // The first click may have given the focus away, and the second one took it back.
     if (onSelected)
-        RaiseNodeClick();
-}
-
-QItemSelectionModel::SelectionFlags TreeView::selectionCommand(const QModelIndex& index,
-                                                               const QEvent* event) const {
-    if (IsPress(event) && index.isValid())
-        state_->nodePressed = true;
-    return UserSelection(QTreeWidget::selectionCommand(index, event), event);
+        RaiseClick();
 }
 
 } // namespace pollarix

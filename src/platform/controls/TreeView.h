@@ -8,6 +8,8 @@
 #include <functional>
 #include <memory>
 
+#include "platform/controls/EntryView.h"
+
 namespace pollarix {
 
 class TreeView;
@@ -29,7 +31,7 @@ class TreeNode : public QTreeWidgetItem {
     QString key_;
 };
 
-class TreeView : public QTreeWidget {
+class TreeView : public EntryView<QTreeWidget> {
     Q_OBJECT
   public:
     enum Relationship { Root = 0, tvwNext = 2, tvwPrevious = 3, tvwChild = 4 };
@@ -56,16 +58,11 @@ class TreeView : public QTreeWidget {
     std::function<void(TreeNode&)> NodeClick;
 
   protected:
-    void keyPressEvent(QKeyEvent* event) override;
-    void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
+    void RaiseClick() override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
-    QItemSelectionModel::SelectionFlags
-    selectionCommand(const QModelIndex& index, const QEvent* event = nullptr) const override;
 
   private:
     struct State;
-    void RaiseNodeClick();
 
     std::unique_ptr<State> state_;
 };
