@@ -8,6 +8,8 @@
 #include <algorithm>
 #include <iterator>
 #include <map>
+#include <optional>
+#include <utility>
 
 #include "design/picLibraryView.h"
 #include "design/picMatrix.h"
@@ -18,6 +20,7 @@
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
 #include "platform/controls/Focus.h"
+#include "platform/controls/RedrawOff.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/controls/Twips.h"
 
@@ -226,7 +229,7 @@ void picDesign::ShowState(const DesignState& state) {
     const QPointer<QWidget> focus = QApplication::focusWidget();
     const int scrolled = tvTreeView_.verticalScrollBar()->value();
     ShowTree({});
-    setUpdatesEnabled(false);
+    std::optional<RedrawOff> redrawOff(std::in_place, *this);
     // The nodes come back in the order in which they were added, each beside one that is there.
     std::map<int, QString> added; // by place in the survey
     for (const NodeLabel& node : state.nodes) {
@@ -244,7 +247,7 @@ void picDesign::ShowState(const DesignState& state) {
     SelectNode(selected);
     tvTreeView_NodeClick(selected);
     tvTreeView_.verticalScrollBar()->setValue(scrolled);
-    setUpdatesEnabled(true);
+    redrawOff.reset();
     if (const TreeNode* const node = tvTreeView_.SelectedItem())
         tvTreeView_.scrollToItem(node);
     const bool stays = focus && isAncestorOf(focus) && focus->isVisible() && focus->isEnabled();
@@ -265,12 +268,11 @@ void picDesign::CommitEdits() {
 
 void picDesign::ShowTree(const std::vector<Node>& questions) {
     // A tree that heard of each node in turn would lay out all of them each time.
-    setUpdatesEnabled(false);
+    const RedrawOff redrawOff(*this);
     tvTreeView_.Clear();
     tvTreeView_.Add("", TreeView::Root, RootKey, "Survey").SetExpanded(true);
     for (const Node& question : questions)
         tvTreeView_.Add(RootKey, TreeView::tvwChild, question.key, question.text);
-    setUpdatesEnabled(true);
 }
 
 void picDesign::SelectNode(const QString& key) {
