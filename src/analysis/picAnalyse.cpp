@@ -130,17 +130,13 @@ void picAnalyse::WriteHeads() {
     gSummaryReport_->SetRows(1);
     gSummaryReport_->SetTextMatrix(0, 0, "%");
     gSummaryReport_->SetColAlignment(0, 7);
-    gSummaryReport_->SetColWidth(0, 600);
     gSummaryReport_->SetTextMatrix(0, 1, "Question");
     gSummaryReport_->SetColAlignment(1, 1);
-    gSummaryReport_->SetColWidth(1, 6400);
+    widths_.Start(*gSummaryReport_, {600, 6400});
 }
 
 void picAnalyse::WidenGrid() {
-    const int sum = gSummaryReport_->ColWidth(0) + gSummaryReport_->ColWidth(1);
-    const int width = ToTwips(gSummaryReport_->width());
-    if (width > sum)
-        gSummaryReport_->SetColWidth(1, gSummaryReport_->ColWidth(1) + width - sum - 100);
+    widths_.Fill(*gSummaryReport_, 1, 100);
 }
 
 void picAnalyse::SelectFirstGraphStyle() {
@@ -192,8 +188,7 @@ void picAnalyse::FillGrid() {
     int widest = 0;
     for (int row = 1; row < rows; ++row)
         widest = qMax(widest, grid.fontMetrics().horizontalAdvance(grid.TextMatrix(row, 0)));
-    if (ToTwips(widest + CellPadding) > grid.ColWidth(0))
-        grid.SetColWidth(0, ToTwips(widest + CellPadding));
+    widths_.Fit(grid, 0, ToTwips(widest + CellPadding));
 }
 
 void picAnalyse::mnuAnalyseTotRespondents_Click() {

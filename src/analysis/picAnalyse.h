@@ -7,6 +7,7 @@
 
 #include "analysis/SummaryReport.h"
 #include "document/ApplicationState.h"
+#include "platform/controls/ColumnWidths.h"
 
 class QGroupBox;
 class QLabel;
@@ -67,6 +68,7 @@ class picAnalyse : public QWidget {
     QWidget* picSummaryReport_;
     QLabel* lblSummary_;
     Grid* gSummaryReport_;
+    ColumnWidths widths_;
     QGroupBox* fraTotals_;
     QLabel* lblTotalRespondents_ = nullptr;
     QLabel* lblTotalManualEntry_ = nullptr;

@@ -105,51 +105,29 @@ void picRespondentList::PrepareGrid() {
 
 void picRespondentList::WriteHeads() {
     constexpr const char* heads[] = {"Date and Time", "Sample Response", "Originated From"};
-    constexpr int widths[] = {DateWidth, SampleWidth, SourceWidth};
     for (int col = 0; col < Columns; ++col) {
         gRespondents_->SetTextMatrix(0, col, heads[col]);
         gRespondents_->SetColAlignment(col, 1);
-        gRespondents_->SetColWidth(col, widths[col]);
     }
-    sampleWidthGiven_ = SampleWidth;
-}
-
-void picRespondentList::SetSampleWidth(int twips) {
-    gRespondents_->SetColWidth(1, twips);
-    sampleWidthGiven_ = twips;
-}
-
-void picRespondentList::WidenSample(int rest) {
-    int free = ToTwips(gRespondents_->width()) - rest;
-    for (int col = 0; col < gRespondents_->Cols(); ++col)
-        free -= gRespondents_->ColWidth(col);
-    if (free > -rest && gRespondents_->ColWidth(1) + free > 0)
-        SetSampleWidth(gRespondents_->ColWidth(1) + free);
+    widths_.Start(*gRespondents_, {DateWidth, SampleWidth, SourceWidth});
 }
 
 void picRespondentList::WidenGrid() {
-    WidenSample(100);
+    widths_.Fill(*gRespondents_, 1, 100);
 }
 
-// The column follows the window, up to when the user sizes it: from then on its width is the
-// user's.
 void picRespondentList::FitSample() {
-    if (gRespondents_->ColWidth(1) != sampleWidthGiven_)
-        return;
-    SetSampleWidth(SampleWidth);
-    WidenSample(400);
+    widths_.Fill(*gRespondents_, 1, 400);
 }
 
 // The start widths suit most locales in most fonts, but not all.
 void picRespondentList::FitTexts() {
     const QFontMetrics font = gRespondents_->fontMetrics();
-    const auto fit = [this](int col, int startWidth, int pixels) {
-        const int needed = ToTwips(pixels + RoomBesideText);
-        if (gRespondents_->ColWidth(col) == startWidth && needed > startWidth)
-            gRespondents_->SetColWidth(col, needed);
+    const auto fit = [this](int col, int pixels) {
+        widths_.Fit(*gRespondents_, col, ToTwips(pixels + RoomBesideText));
     };
-    fit(0, DateWidth, LongestDate(font));
-    fit(2, SourceWidth, font.horizontalAdvance(gRespondents_->TextMatrix(0, 2)));
+    fit(0, LongestDate(font));
+    fit(2, font.horizontalAdvance(gRespondents_->TextMatrix(0, 2)));
     FitSample();
 }
 

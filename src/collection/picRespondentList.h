@@ -9,6 +9,7 @@
 
 #include "collection/ManualEntryState.h"
 #include "document/ApplicationState.h"
+#include "platform/controls/ColumnWidths.h"
 
 class QLabel;
 class QPushButton;
@@ -58,8 +59,6 @@ class picRespondentList : public QWidget {
     bool IsOneSelected() const;
     void EnterAnswers();
     void RequireWritableForEntry();
-    void SetSampleWidth(int twips);
-    void WidenSample(int rest); // by what the columns leave of the grid, less the rest; twips
     void FitSample();
     void FitTexts();
 
@@ -76,11 +75,11 @@ class picRespondentList : public QWidget {
         std::int64_t RespondentID;
     };
     std::optional<Selection> waiting_; // a refresh that waits until the list is shown
-    int sampleWidthGiven_ = -1;        // of column 1, twips, as the program has set it last
 
     QLabel* lblSample_;
     ComboBox* cboDCExampleQuestion_;
     Grid* gRespondents_;
+    ColumnWidths widths_;
     QPushButton* cmdCreateResponse_;
     QPushButton* cmdEditResponse_;
     QPushButton* cmdDeleteResponse_;
