@@ -11,6 +11,7 @@
 #include <QToolBar>
 
 #include <algorithm>
+#include <utility>
 
 #include "analysis/picAnalyse.h"
 #include "collection/frmImportAnswers.h"
@@ -41,7 +42,7 @@ frmMain::frmMain(ApplicationState& state)
     : state_(state), canvas_(new QWidget(this)), picDesign_(new picDesign(state, canvas_)),
       document_(state, *picDesign_), files_(state, document_),
       tools_(
-          state, *picDesign_, [this] { ShowScreen("Design"); }, *this),
+          state, *picDesign_, [this] { Show(Screen::Design); }, *this),
       work_(*this), detailedReport_(state, work_), paperSurvey_(state, work_),
       export_(state, work_), print_(state.dialogs, *this), transfer_(internet_),
       server_(transfer_, state.directories), publish_({state, *picDesign_, transfer_, server_}),
@@ -62,7 +63,7 @@ frmMain::frmMain(ApplicationState& state)
     BuildToolbars();
     // Also where the first opening fails, questions can be added below it.
     picDesign_->ShowTree({});
-    ShowScreen("Design");
+    Show(Screen::Design);
     resize(1024, 740);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &frmMain::EndOfSession);
     qApp->installEventFilter(new SelectionKeeper(this));
@@ -77,7 +78,7 @@ void frmMain::BuildPanels() {
     picToolbar_ = new QFrame(canvas_);
     picToolbar_->setObjectName("picToolbar");
     picCollect_ = new picCollect(state_, canvas_);
-    picCollect_->RespondentList().ShowRespondentScreen = [this] { ShowScreen("Respondent"); };
+    picCollect_->RespondentList().ShowRespondentScreen = [this] { Show(Screen::Respondent); };
     picAnalyse_ = new picAnalyse(state_, work_, canvas_);
     explore_ = new frmExplore(state_, work_, this);
     picAnalyse_->Form_Resize = [this] { Form_Resize(); };
@@ -193,46 +194,51 @@ void frmMain::resizeEvent(QResizeEvent* event) {
 }
 
 void frmMain::ShowScreen(const QString& name) {
-    const bool design = name == "Design";
-    const bool collect =
-        name == "Data Collection" || name == "Respondent" || name == "Respondent Answers";
-    const bool analyse = name == "Analyse";
-    if (!design && !collect && !analyse)
-        return;
-    if (name == "Respondent")
-        picCollect_->RespondentList().setVisible(true);
-    else if (name == "Respondent Answers")
-        picCollect_->RespondentList().setVisible(false);
-    const std::array<QWidget*, Screens> panels = ScreenPanels();
-    const std::size_t screen = design ? 0 : collect ? 1 : 2;
-    panels[screen]->setVisible(true);
-    MoveFocusTo(screen);
-    for (std::size_t i = 0; i < Screens; ++i)
-        panels[i]->setVisible(i == screen);
-    ToolbarDesign_->setVisible(design);
+    static constexpr std::pair<const char*, Screen> Names[] = {
+        {"Design", Screen::Design},
+        {"Data Collection", Screen::DataCollection},
+        {"Analyse", Screen::Analyse},
+        {"Respondent", Screen::Respondent},
+        {"Respondent Answers", Screen::RespondentAnswers},
+    };
+    for (const auto& [known, screen] : Names)
+        if (name == known)
+            Show(screen);
+}
+
+void frmMain::Show(Screen screen) {
+    if (screen == Screen::Respondent || screen == Screen::RespondentAnswers)
+        picCollect_->RespondentList().setVisible(screen == Screen::Respondent);
+    const std::size_t shown = screen == Screen::Design ? 0 : screen == Screen::Analyse ? 2 : 1;
+    const std::array<QWidget*, Panels> panels = ScreenPanels();
+    panels[shown]->setVisible(true);
+    MoveFocusTo(shown);
+    for (std::size_t i = 0; i < Panels; ++i)
+        panels[i]->setVisible(i == shown);
+    ToolbarDesign_->setVisible(screen == Screen::Design);
     ShowChecks();
 }
 
-std::array<QWidget*, frmMain::Screens> frmMain::ScreenPanels() const {
+std::array<QWidget*, frmMain::Panels> frmMain::ScreenPanels() const {
     return {picDesign_, picCollect_, picAnalyse_};
 }
 
 // A control that is hidden with its screen would keep the focus, and what is typed on the next
 // screen would change the question nobody sees.
-void frmMain::MoveFocusTo(std::size_t screen) {
-    const std::array<QWidget*, Screens> panels = ScreenPanels();
+void frmMain::MoveFocusTo(std::size_t place) {
+    const std::array<QWidget*, Panels> panels = ScreenPanels();
     QWidget* const focus = focusWidget();
-    for (std::size_t i = 0; i < Screens; ++i)
-        if (i != screen && focus && panels[i]->isAncestorOf(focus))
+    for (std::size_t i = 0; i < Panels; ++i)
+        if (i != place && focus && panels[i]->isAncestorOf(focus))
             screenFocus_[i] = focus;
-    QWidget* const panel = panels[screen];
+    QWidget* const panel = panels[place];
     if (focus && panel->isAncestorOf(focus))
         return;
     const auto takesFocus = [panel](const QWidget* control) {
         return panel->isAncestorOf(control) && control->isVisible() && control->isEnabled() &&
                (control->focusPolicy() & Qt::TabFocus);
     };
-    QWidget* next = screenFocus_[screen];
+    QWidget* next = screenFocus_[place];
     if (!next || !takesFocus(next)) {
         next = panel->nextInFocusChain();
         while (next != panel && !takesFocus(next))
@@ -243,15 +249,15 @@ void frmMain::MoveFocusTo(std::size_t screen) {
 
 void frmMain::ShowChecks() {
     const QList<QAction*> buttons = Toolbar_->actions();
-    for (std::size_t i = 0; i < Screens; ++i) {
+    for (std::size_t i = 0; i < Panels; ++i) {
         const bool shown = !ScreenPanels()[i]->isHidden();
         screenItems_[i]->setChecked(shown);
         buttons[static_cast<qsizetype>(i)]->setChecked(shown);
     }
 }
 
-// Saving reads the survey back, which would put the caret
-// elsewhere and select the whole text, for the next key to replace.
+// Saving reads the survey back, which would put the caret elsewhere and select the whole text, for
+// the next key to replace.
 void frmMain::RunSave(const std::function<void()>& save) {
     picDesign_->CommitEdits();
     const DesignPlace place = picDesign_->WhereOneIs();
@@ -260,7 +266,7 @@ void frmMain::RunSave(const std::function<void()>& save) {
 }
 
 void frmMain::mnuViewDesign_Click() {
-    ShowScreen("Design");
+    Show(Screen::Design);
 }
 
 void frmMain::mnuViewDataCollection_Click() {
@@ -278,12 +284,12 @@ void frmMain::mnuViewDataCollection_Click() {
         if (!saved)
             return;
     }
-    ShowScreen("Respondent");
+    Show(Screen::Respondent);
     RefreshRespondentList();
 }
 
 void frmMain::mnuViewAnalyse_Click() {
-    ShowScreen("Analyse");
+    Show(Screen::Analyse);
     RefreshRespondeSummaryReportList();
 }
 

@@ -85,10 +85,12 @@ class frmMain : public QMainWindow, private ProgressDisplay {
     void RunCommand(const std::function<void()>& command);
     void RunSave(const std::function<void()>& save);
     void ShowChecks(); // of menu and toolbar, by the screen that shows
-    // The panels of the three screens, in the toolbar's order.
-    static constexpr std::size_t Screens = 3;
-    std::array<QWidget*, Screens> ScreenPanels() const;
-    void MoveFocusTo(std::size_t screen);
+    enum class Screen { Design, DataCollection, Analyse, Respondent, RespondentAnswers };
+    void Show(Screen screen);
+    // The panels that the screens are on, in the toolbar's order.
+    static constexpr std::size_t Panels = 3;
+    std::array<QWidget*, Panels> ScreenPanels() const;
+    void MoveFocusTo(std::size_t place); // of its panel
     void mnuTextWriteXML_Click();
 
     void RefreshRespondeSummaryReportList(); // row 1, no response
@@ -127,8 +129,8 @@ class frmMain : public QMainWindow, private ProgressDisplay {
     picAnalyse* picAnalyse_ = nullptr;
     frmExplore* explore_ = nullptr;
     PathLabel* statusPath_ = nullptr;
-    std::array<QAction*, Screens> screenItems_{};          // of the View menu
-    std::array<QPointer<QWidget>, Screens> screenFocus_{}; // each screen's control used last
+    std::array<QAction*, Panels> screenItems_{};          // of the View menu
+    std::array<QPointer<QWidget>, Panels> screenFocus_{}; // each panel's control used last
 };
 
 } // namespace pollarix
