@@ -3,8 +3,6 @@
 #include <QFile>
 #include <QFileInfo>
 
-#include <SQLiteCpp/Exception.h>
-
 #include <algorithm>
 #include <cstring>
 #include <filesystem>
@@ -16,10 +14,6 @@ namespace {
 
 constexpr int BusyTimeoutMs = 2000;
 constexpr std::size_t MostStatements = 256;
-
-Failure FailureOf(const SQLite::Exception& failure) {
-    return Failure(failure.getExtendedErrorCode(), QString::fromUtf8(failure.what()), "SQLite");
-}
 
 // Looked at without opening the file: closing a second descriptor on it would give up the locks
 // that another connection of this process holds.
@@ -72,12 +66,8 @@ int DbStatement::FieldIndex(const char* name) const {
 }
 
 Connection::Handle::Handle() {
-    try {
-        database.emplace(":memory:", SQLite::OPEN_READWRITE | SQLite::OPEN_NOMUTEX);
-        Configure(Mode::ReadWriteTrusted);
-    } catch (const SQLite::Exception& failure) {
-        throw FailureOf(failure);
-    }
+    OpenAt(":memory:", SQLITE_OPEN_READWRITE);
+    Configure(Mode::ReadWriteTrusted);
 }
 
 Connection::Handle::Handle(const QString& openPath, Mode mode)
@@ -85,14 +75,9 @@ Connection::Handle::Handle(const QString& openPath, Mode mode)
     : path(openPath) {
     RequireReadableFile(openPath);
     const QByteArray absolute = QFile::encodeName(QFileInfo(openPath).absoluteFilePath());
-    // The program has one thread, so that there is nothing to lock between threads.
-    const int access = mode == Mode::ReadOnly ? SQLite::OPEN_READONLY : SQLite::OPEN_READWRITE;
-    try {
-        database.emplace(absolute.constData(), access | SQLite::OPEN_NOMUTEX, BusyTimeoutMs);
-        Configure(mode);
-    } catch (const SQLite::Exception& failure) {
-        throw FailureOf(failure);
-    }
+    OpenAt(absolute.constData(),
+           mode == Mode::ReadOnly ? SQLITE_OPEN_READONLY : SQLITE_OPEN_READWRITE);
+    Configure(mode);
     if (mode != Mode::ReadWriteTrusted)
         RefuseActiveSchema();
 }
@@ -103,6 +88,21 @@ Connection::Handle::~Handle() {
     } catch (const std::exception&) {
         // Nobody is left to tell.
     }
+}
+
+void Connection::Handle::OpenAt(const char* name, int access) {
+    sqlite3* opened = nullptr;
+    // The program has one thread, so that there is nothing to lock between threads.
+    const int result = sqlite3_open_v2(name, &opened, access | SQLITE_OPEN_NOMUTEX, nullptr);
+    database.reset(opened); // a refused one has to be closed as well
+    if (result != SQLITE_OK)
+        Fail();
+    sqlite3_busy_timeout(Raw(), BusyTimeoutMs);
+}
+
+void Connection::Handle::RunText(const char* sql) {
+    if (sqlite3_exec(Raw(), sql, nullptr, nullptr, nullptr) != SQLITE_OK)
+        Fail();
 }
 
 void Connection::Handle::Configure(Mode mode) {
@@ -118,11 +118,11 @@ void Connection::Handle::Configure(Mode mode) {
     sqlite3_limit(raw, SQLITE_LIMIT_ATTACHED, 0);
     if (mode != Mode::ReadWriteTrusted)
         sqlite3_limit(raw, SQLITE_LIMIT_LENGTH, static_cast<int>(LongestText));
-    database->exec("PRAGMA cell_size_check = ON");
-    database->exec("PRAGMA synchronous = FULL");
-    database->exec("PRAGMA cache_size = -32000"); // KB; a large import then seldom spills
+    RunText("PRAGMA cell_size_check = ON");
+    RunText("PRAGMA synchronous = FULL");
+    RunText("PRAGMA cache_size = -32000"); // KB; a large import then seldom spills
     if (mode != Mode::ReadOnly)
-        database->exec("PRAGMA journal_mode = DELETE");
+        RunText("PRAGMA journal_mode = DELETE");
 }
 
 // Compared with the texts as SQLite itself writes them, so that a forged type column hides nothing.
@@ -276,8 +276,7 @@ void Connection::Handle::Release(DbStatement& statement) noexcept {
 }
 
 void Connection::Handle::Begin() {
-    if (sqlite3_exec(Raw(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr) != SQLITE_OK)
-        Fail();
+    RunText("BEGIN IMMEDIATE");
     inBatch = true;
     batchFailure.reset();
 }

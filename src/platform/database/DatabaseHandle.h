@@ -4,10 +4,10 @@
 
 #include <QByteArray>
 
-#include <SQLiteCpp/Database.h>
 #include <sqlite3.h>
 
 #include <array>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -45,8 +45,8 @@ struct Connection::Handle {
     Handle(const QString& path, Mode mode);
     ~Handle();
 
-    bool IsOpen() const { return database.has_value(); }
-    sqlite3* Raw() const { return database->getHandle(); }
+    bool IsOpen() const { return database != nullptr; }
+    sqlite3* Raw() const { return database.get(); }
     // Commits a batch under way, finalises all statements and closes. A failure of the commit is
     // thrown after all that.
     void Close();
@@ -65,7 +65,10 @@ struct Connection::Handle {
     [[noreturn]] void Fail();
 
     QString path;
-    std::optional<SQLite::Database> database;
+    struct Closer {
+        void operator()(sqlite3* open) const { sqlite3_close(open); }
+    };
+    std::unique_ptr<sqlite3, Closer> database;
     bool inBatch = false;
     // Why the batch is lost, while one is under way or after Close.
     std::optional<Failure> batchFailure;
@@ -82,7 +85,9 @@ struct Connection::Handle {
         std::shared_ptr<DbStatement> statement;
     };
 
+    void OpenAt(const char* name, int access);
     void Configure(Mode mode);
+    void RunText(const char* sql); // gives no rows, and is not kept
     void RefuseActiveSchema();
     void DropUnusedStatements();
     std::shared_ptr<DbStatement> Prepare(const char* sql);
