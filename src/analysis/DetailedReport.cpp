@@ -76,19 +76,11 @@ class Report : public AnswerVisitor {
 } // namespace
 
 void DetailedReport::mnuAnalyseDetail_Click() {
-    FileDialogRequest request;
-    request.title = "Save As";
-    request.fileName = "DetailReport.rtf";
-    request.filter = "Rich Text Format (*.rtf)|*.rtf";
-    request.promptOverwrite = true;
-    RunSaveCommand(state_, work_, request, [this](const FileDialogResult& chosen) {
-        work_.Do("Detailed report: respondent", [&](const ProgressStep& step) {
-            Write(state_.SurveyConnection, chosen.fileName, step);
-        });
-        if (state_.dialogs.MsgBox("View detailed report now?", MsgIcon::Question,
-                                  MsgButtons::YesNo) == MsgAnswer::Yes)
-            state_.dialogs.OpenFile(chosen.fileName);
-    });
+    RunReportCommand(state_, work_,
+                     {.fileName = "DetailReport.rtf",
+                      .progress = "Detailed report: respondent",
+                      .offer = "View detailed report now?",
+                      .write = &DetailedReport::Write});
 }
 
 void DetailedReport::Write(Connection& survey, const QString& path, const ProgressStep& step) {

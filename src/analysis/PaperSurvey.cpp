@@ -59,19 +59,11 @@ void AppendChoices(RichTextFileWriter& out, Connection& survey, std::int64_t que
 } // namespace
 
 void PaperSurvey::mnuDataCollectionPaperSurvey_Click() {
-    FileDialogRequest request;
-    request.title = "Save As";
-    request.fileName = "PaperSurvey.rtf";
-    request.filter = "Rich Text Format (*.rtf)|*.rtf";
-    request.promptOverwrite = true;
-    RunSaveCommand(state_, work_, request, [this](const FileDialogResult& chosen) {
-        work_.Do("Paper based survey: question", [&](const ProgressStep& step) {
-            Write(state_.SurveyConnection, chosen.fileName, step);
-        });
-        if (state_.dialogs.MsgBox("View paper based survey now?", MsgIcon::Question,
-                                  MsgButtons::YesNo) == MsgAnswer::Yes)
-            state_.dialogs.OpenFile(chosen.fileName);
-    });
+    RunReportCommand(state_, work_,
+                     {.fileName = "PaperSurvey.rtf",
+                      .progress = "Paper based survey: question",
+                      .offer = "View paper based survey now?",
+                      .write = &PaperSurvey::Write});
 }
 
 void PaperSurvey::Write(Connection& survey, const QString& path, const ProgressStep& step) {

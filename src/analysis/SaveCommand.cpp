@@ -1,7 +1,6 @@
 #include "analysis/SaveCommand.h"
 
 #include "platform/base/Handlers.h"
-#include "platform/desktop/LongWork.h"
 #include "platform/files/Files.h"
 
 namespace pollarix {
@@ -37,6 +36,22 @@ void RunSaveCommand(ApplicationState& state, const LongWork& work, const FileDia
                                  ' ' + QString::number(failure.Number()) + ' ' + failure.Source(),
                              MsgIcon::Critical);
     }
+}
+
+void RunReportCommand(ApplicationState& state, LongWork& work, const ReportCommand& report) {
+    FileDialogRequest request;
+    request.title = "Save As";
+    request.fileName = report.fileName;
+    request.filter = "Rich Text Format (*.rtf)|*.rtf";
+    request.promptOverwrite = true;
+    RunSaveCommand(state, work, request, [&](const FileDialogResult& chosen) {
+        work.Do(report.progress, [&](const ProgressStep& step) {
+            report.write(state.SurveyConnection, chosen.fileName, step);
+        });
+        if (state.dialogs.MsgBox(report.offer, MsgIcon::Question, MsgButtons::YesNo) ==
+            MsgAnswer::Yes)
+            state.dialogs.OpenFile(chosen.fileName);
+    });
 }
 
 } // namespace pollarix
