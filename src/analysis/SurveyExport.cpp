@@ -4,6 +4,8 @@
 
 #include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
+#include "analysis/HtmlQuestionnaire.h"
+#include "analysis/PdfQuestionnaire.h"
 #include "analysis/SaveCommand.h"
 #include "analysis/TableExport.h"
 #include "labelled/LabelledFile.h"
@@ -93,6 +95,8 @@ constexpr ExportFormat Formats[] = {
     {"Excel workbook (*.xlsx)", "*.xlsx", &WriteLabelled<labelled::WriteXlsx>},
     {"R script with its data (*.R)", "*.R", &WriteLabelled<labelled::WriteR>},
     {"Codebook (*.html)", "*.html", &WriteLabelled<labelled::WriteCodebook>},
+    {"Blank questionnaire as a page (*.html)", "*.html", &HtmlQuestionnaire::Write},
+    {"Blank questionnaire on paper (*.pdf)", "*.pdf", &PdfQuestionnaire::Write},
 };
 
 QString FilterOfFormats() {

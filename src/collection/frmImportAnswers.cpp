@@ -148,6 +148,11 @@ void frmImportAnswers::BuildShape() {
     connect(chkNames_, &QCheckBox::clicked, this,
             [this] { RunHandler([this] { Shape_Click(); }); });
     line->addWidget(chkNames_);
+    chkNeighbours_ = new QCheckBox("&All answer files in its directory", picBody_);
+    chkNeighbours_->setObjectName("chkNeighbours");
+    connect(chkNeighbours_, &QCheckBox::clicked, this,
+            [this] { RunHandler([this] { Shape_Click(); }); });
+    line->addWidget(chkNeighbours_);
     line->addStretch(1);
     isShowing_ = false;
 }
@@ -254,7 +259,7 @@ void frmImportAnswers::BuildFooter() {
 void frmImportAnswers::OrderTabs() {
     QWidget* last = cboEncoding_;
     for (QWidget* next : std::initializer_list<QWidget*>{
-             cboSeparator_, cboQuote_, cboSheet_, chkNames_, gColumns_, cboTarget_,
+             cboSeparator_, cboQuote_, cboSheet_, chkNames_, chkNeighbours_, gColumns_, cboTarget_,
              tabBelow_->tabBar(), gPreview_, gProblems_, cmdCheck_, cmdImport_, cmdCancel_}) {
         setTabOrder(last, next);
         last = next;
@@ -266,8 +271,8 @@ bool frmImportAnswers::mnuDataCollectionImport_Click(ApplicationState& state, QW
     RequireWritable(state.SurveyConnection);
     FileDialogRequest request;
     request.title = "Import Answers";
-    request.filter = "Tables (*.csv *.xlsx *.sav *.dta *.txt)|*.csv;*.txt;*.tsv;*.tab;*.xlsx;*.sav;"
-                     "*.dta|All files (*.*)|*.*";
+    request.filter = "Tables and answers (*.csv *.xlsx *.sav *.dta *.json)|*.csv;*.txt;*.tsv;*.tab;"
+                     "*.xlsx;*.sav;*.dta;*.json|All files (*.*)|*.*";
     try {
         const FileDialogResult chosen = state.dialogs.ShowOpen(request);
         if (chosen.fileName.isEmpty())
@@ -318,6 +323,8 @@ void frmImportAnswers::ShowShape() {
         cboSheet_->SetListIndex(shape.sheet);
     chkNames_->setVisible(shape.canLackNames);
     chkNames_->setChecked(shape.hasNames);
+    chkNeighbours_->setVisible(shape.canTakeNeighbours);
+    chkNeighbours_->setChecked(shape.takesNeighbours);
 }
 
 void frmImportAnswers::Shape_Click() {
@@ -332,6 +339,7 @@ void frmImportAnswers::Shape_Click() {
     if (!shape.sheets.isEmpty())
         shape.sheet = std::max(0, cboSheet_->ListIndex());
     shape.hasNames = chkNames_->isChecked();
+    shape.takesNeighbours = chkNeighbours_->isChecked();
     try {
         Open(shape);
     } catch (const Failure& failure) {

@@ -85,6 +85,7 @@ class frmImportAnswers : public QDialog {
     QWidget* picSheet_ = nullptr;
     ComboBox* cboSheet_ = nullptr;
     QCheckBox* chkNames_ = nullptr;
+    QCheckBox* chkNeighbours_ = nullptr;
     Grid* gColumns_ = nullptr;
     ComboBox* cboTarget_ = nullptr;
     QLabel* lblMissing_ = nullptr;

@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include "platform/base/Failure.h"
+#include "tables/AnswerFile.h"
 #include "tables/CsvTable.h"
 #include "tables/StatisticsTable.h"
 #include "tables/XlsxTable.h"
@@ -11,7 +12,7 @@ namespace pollarix::tables {
 
 namespace {
 
-constexpr qint64 BytesOfAHead = 16;
+constexpr qint64 BytesOfAHead = 64;
 
 bool LooksLikeStata(const QByteArray& head) {
     if (head.startsWith("<stata_dta>"))
@@ -41,6 +42,8 @@ std::unique_ptr<Table> OpenTable(const QString& path, const std::optional<TableS
         throw Failure(failure::InvalidArgument,
                       path + ": is a workbook of the old kind or protected by a password. Please "
                              "save it as .xlsx without a password");
+    if (AnswerFile::IsOne(head))
+        return std::make_unique<AnswerFile>(path, shape);
     return std::make_unique<CsvTable>(path, shape);
 }
 

@@ -7,6 +7,7 @@
 #include <array>
 
 #include "document/Kinds.h"
+#include "tables/AnswerKeys.h"
 
 namespace pollarix::tables {
 
@@ -33,17 +34,6 @@ bool IsOneOf(const QString& text, const std::array<const char*, Count>& texts) {
     });
 }
 
-// Ids by the code that the survey's variables give them. A file from elsewhere may give one id
-// twice; then there are more codes than ids.
-std::vector<std::int64_t> IdsOf(const QHash<std::int64_t, std::uint32_t>& codes,
-                                std::size_t count) {
-    std::vector<std::int64_t> ids(count);
-    for (auto code = codes.begin(); code != codes.end(); ++code)
-        if (code.value() < count)
-            ids[code.value()] = code.key();
-    return ids;
-}
-
 std::optional<QDateTime> DateOf(const QString& text) {
     for (const char* format :
          {"yyyy-M-d H:m:s", "yyyy-M-d H:m:s.z", "yyyy-M-d H:m", "yyyy-M-d", "yyyy/M/d H:m:s",
@@ -57,7 +47,8 @@ std::optional<QDateTime> DateOf(const QString& text) {
 
 } // namespace
 
-void RowReading::Names::Add(const QString& name) {
+void RowReading::Names::Add(const QString& name, std::int64_t id) {
+    ids_.insert(IdKey(id), count_);
     const auto add = [this](QHash<QString, std::size_t>& names, const QString& key) {
         const auto found = names.find(key);
         if (found == names.end())
@@ -83,6 +74,8 @@ std::optional<std::size_t> RowReading::Names::Find(const QString& text, QString&
         }
         return *found;
     }
+    if (const auto id = ids_.constFind(simple); id != ids_.cend())
+        return *id;
     bool isNumber = false;
     const int number = simple.toInt(&isNumber);
     if (isNumber && number >= 1 && static_cast<std::size_t>(number) <= count_)
@@ -109,7 +102,7 @@ RowReading::Column RowReading::MakeColumn(const Target& target) const {
         column.question = question.id;
         column.ids = IdsOf(question.responses, question.variableCount);
         for (std::size_t i = 0; i < question.variableCount; ++i)
-            column.names.Add(survey_.variables[question.firstVariable + i].item);
+            column.names.Add(survey_.variables[question.firstVariable + i].item, column.ids[i]);
         return column;
     }
     const Variable& variable = survey_.variables[target.place];
@@ -126,8 +119,8 @@ RowReading::Column RowReading::MakeColumn(const Target& target) const {
             column.ids = IdsOf(question.points[item], variable.categories.size());
     }
     if (variable.kind == VariableKind::Single || variable.kind == VariableKind::Point)
-        for (const QString& name : variable.categories)
-            column.names.Add(name);
+        for (std::size_t i = 0; i < column.ids.size(); ++i)
+            column.names.Add(variable.categories[i], column.ids[i]);
     return column;
 }
 

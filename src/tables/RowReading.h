@@ -39,8 +39,8 @@ class RowReading {
     // The texts of a question's responses or of a scale's points, and what they are called.
     class Names {
       public:
-        void Add(const QString& name);
-        // The place of a text, or of a number from 1 on; else why there is none.
+        void Add(const QString& name, std::int64_t id);
+        // The place of a text, of an id, or of a number from 1 on; else why there is none.
         std::optional<std::size_t> Find(const QString& text, QString& why) const;
         std::size_t Count() const { return count_; }
 
@@ -48,6 +48,7 @@ class RowReading {
         static constexpr std::size_t Several = static_cast<std::size_t>(-1);
         QHash<QString, std::size_t> exact_;
         QHash<QString, std::size_t> folded_;
+        QHash<QString, std::size_t> ids_;
         std::size_t count_ = 0;
     };
     struct Column {

@@ -53,8 +53,10 @@ struct TableShape {
     std::optional<TextShape> text; // of tables of text alone
     QStringList sheets;            // of workbooks alone
     int sheet = 0;
-    bool canLackNames = false; // whether the first row can be one of answers
-    bool hasNames = true;      // whether it is one of names
+    bool canLackNames = false;      // whether the first row can be one of answers
+    bool hasNames = true;           // whether it is one of names
+    bool canTakeNeighbours = false; // whether files like it may lie beside it
+    bool takesNeighbours = false;   // whether these are rows as well
 };
 
 class Table {

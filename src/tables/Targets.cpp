@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "document/Kinds.h"
+#include "tables/AnswerKeys.h"
 #include "tables/ColumnTitles.h"
 
 namespace pollarix::tables {
@@ -74,6 +75,14 @@ struct Known {
             const Variable& variable = survey.variables[i];
             const Target target{Target::Kind::Variable, i};
             names.Add(variable.name, target);
+            const SurveyQuestion& question = survey.questions[variable.question];
+            if (variable.kind == VariableKind::Tick || variable.kind == VariableKind::Point)
+                names.Add(
+                    IdKey(question.id, IdsOf(question.responses,
+                                             question.variableCount)[i - question.firstVariable]),
+                    target);
+            else
+                names.Add(IdKey(question.id), target);
             titles.Add(KeyOf(all[i]), target);
             labels.Add(KeyOf(variable.label), target);
             if (count[KeyOf(variable.item)] == 1)

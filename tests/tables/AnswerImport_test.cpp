@@ -194,6 +194,41 @@ TEST_F(AnswerImports, TellRowAndColumnOfWhatCantBeMatched) {
                            "0|4:42: 5:51:501"}));
 }
 
+TEST_F(AnswerImports, TakeTheFilesThatAPageLeaves) {
+    test::GeneratedAnswers generated(Survey());
+    const auto page = [](const QByteArray& respondent, const QByteArray& answers) {
+        return "{\"format\":\"pollarix-answers\",\"version\":1,\"respondent\":\"" + respondent +
+               "\",\"submitted\":\"2024-05-06 07:08:09\",\"answers\":{" + answers + "}}";
+    };
+    WriteFile("a.json", page("1", R"("id:1":"id:12","id:4:42":"1","id:5:53":"id:501")"));
+    WriteFile("b.json", page("2", R"("id:7":"id:12","id:4:41":"1","id:6":"id:12")"));
+    WriteFile("c.json", page("1", R"("id:1":"id:12")")); // the first, saved once more
+    WriteFile("d.json", "{}");
+    EXPECT_EQ(Import("a.json"), 1);
+    TableShape all;
+    all.takesNeighbours = true;
+    const auto table = OpenTable(Path("a.json"), all);
+    const SurveyVariables survey(Survey());
+    AnswerImport import(survey, *table, GuessTargets(table->Columns(), survey));
+    const CheckedTable checked = *import.Check({});
+    EXPECT_EQ(checked.respondents, 2);
+    ASSERT_EQ(checked.problemCount, 1);
+    EXPECT_EQ(checked.problems[0].column, "id:6");
+    EXPECT_EQ(import.Write(program_.state, DigestOfDesign(Survey()), {}), 2);
+    const QString first = "2024-05-06 07:08:09.000 1:12: 4:42: 5:53:501";
+    EXPECT_EQ(test::SqlRows(Path("survey.plxs"),
+                            "SELECT submitteddate || ' ' || group_concat(QuestionID || ':' || "
+                            "ResponseID || ':' || ifnull(ResponseMatrixID, SimpleResponse), ' ') "
+                            "FROM respondent AS r JOIN respondent_responses ON RespondentID = r.id "
+                            "GROUP BY r.id",
+                            1),
+              (QStringList{first, first, "2024-05-06 07:08:09.000 4:41: 7:1:id:12"}));
+    WriteFile("b.json", page("2", "").left(70));
+    EXPECT_TRUE(test::FailureOf([&] { OpenTable(Path("a.json"), all); })
+                    .Description()
+                    .startsWith(Path("b.json") + ": is damaged or cut off, at byte "));
+}
+
 TEST_F(AnswerImports, LeaveTheSurveyAsItWasWhenItDoesNotEndWell) {
     test::GeneratedAnswers(Survey()).Add(3);
     QByteArray rows = "q1,q7\n";
