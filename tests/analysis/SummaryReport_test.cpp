@@ -56,17 +56,3 @@ TEST_F(SummaryReportTest, WhatCannotBeReportedIsToldWithoutCounting) {
     EXPECT_EQ(failing("INSERT INTO respondent (source) VALUES ('Web')"), 0);
     EXPECT_EQ(failing("ALTER TABLE responsematrix RENAME COLUMN pos TO place"), 1);
 }
-
-TEST_F(SummaryReportTest, ASubQuestionBeyond16BitsEndsItWhereItStands) {
-    Fill({"INSERT INTO question (id, question, questionno, qtype, pos) VALUES (1, 'm', '1', 3, 1)",
-          "INSERT INTO response (id, questionid, name, pos, responseMatrixGroupID) VALUES "
-          "(1, 1, 'a', 1, 2), (40000, 1, 'b', 2, 2)"});
-    const std::int64_t points =
-        file.Count("SELECT count(*) FROM responsematrix WHERE responsematrixgroupid = 2");
-    for (const auto& [response, row] : {std::pair(0, 99), {1, 2}}) {
-        SummaryReport report;
-        EXPECT_EQ(NumberOf([&] { ReadSummary(file, 99, response, report); }), failure::Overflow);
-        EXPECT_EQ(report.rows.size(), std::size_t(3 + points));
-        EXPECT_EQ(report.row, row); // that of a response holds over the one asked for
-    }
-}

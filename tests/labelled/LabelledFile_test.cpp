@@ -169,29 +169,12 @@ TEST_F(LabelledFiles, HoldTheChosenRespondentsAndTheirWeights) {
     EXPECT_EQ(sav.cells["weight"], (QStringList{"1.5", "3.5", "5.5", "7.5", "9.5", "11.5"}));
 }
 
-TEST_F(LabelledFiles, ReplaceAFileOnlyByAWholeOne) {
-    using Write = void (*)(Connection&, const QString&, const Sample&, const LoadStep&);
-    const auto stop = [](std::int64_t done, std::int64_t) {
-        if (done == 5)
-            throw Failure(failure::DialogCancelled);
-    };
-    for (const auto& [write, name] : std::initializer_list<std::pair<Write, const char*>>{
-             {WriteSav, "a.sav"}, {WriteDta, "a.dta"}, {WriteXlsx, "a.xlsx"}, {WriteR, "a.R"}}) {
-        QFile old(Path(name));
-        ASSERT_TRUE(old.open(QIODevice::WriteOnly));
-        old.write("old");
-        old.close();
-        EXPECT_THROW(write(file_, Path(name), {}, stop), Failure) << name;
-        EXPECT_EQ(Bytes(Path(name)), "old") << name;
-        write(file_, Path(name), {}, {});
-        EXPECT_NE(Bytes(Path(name)), "old") << name;
-        EXPECT_THROW(write(file_, Path("no/such/directory"), {}, {}), Failure) << name;
-    }
-    // A workbook is an archive; the script has put its answers beside itself.
-    EXPECT_TRUE(Bytes(Path("a.xlsx")).startsWith("PK"));
+// That files are replaced only by whole ones, the tests of the command that writes them see.
+TEST_F(LabelledFiles, AScriptHasItsAnswersBesideItAndReplacesNobodyElses) {
+    WriteR(file_, Path("a.R"), {}, {});
     EXPECT_TRUE(Bytes(Path("a-answers.csv")).startsWith("id,date,source,q1,"));
     EXPECT_TRUE(Bytes(Path("a.R")).contains("\"a-answers.csv\""));
-    // Somebody else's table is not replaced.
+    WriteR(file_, Path("a.R"), {}, {}); // its own may go
     ASSERT_TRUE(QFile::remove(Path("a.R")));
     EXPECT_THROW(WriteR(file_, Path("a.R"), {}, {}), Failure);
 }

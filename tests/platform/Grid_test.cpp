@@ -149,6 +149,9 @@ TEST_F(GridTest, KeysMoveTheCellAndAreHeardBeforeTheyMoveIt) {
     grid_.SetCol(2);
     Press({Qt::Key_Left, Qt::Key_Left});
     EXPECT_EQ(Where(), "4,1-1") << "keys do not enter the head column";
+    grid_.SetColWidth(2, 0);
+    EXPECT_TRUE(grid_.isColumnHidden(0) && grid_.isColumnHidden(2) && !grid_.isColumnHidden(1));
+    EXPECT_TRUE(grid_.verticalHeader()->isVisible());
     window_.keys.clear();
     Press({Qt::Key_Down, Qt::Key_Return, Qt::Key_Space});
     EXPECT_EQ(window_.keys, QStringList({"Return"})) << "moves and accepted keys stay in the grid";

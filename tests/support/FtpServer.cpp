@@ -47,7 +47,7 @@ void PrepareChild(qint64 largestFile) {
 } // namespace
 
 FtpServer::FtpServer(const FtpServerOptions& options) {
-    QDir(directory_.path()).mkpath(options.withIncoming ? "root/incoming" : "root");
+    QDir(directory_.path()).mkpath("root/incoming");
     QDir(directory_.path()).mkpath("empty");
     WriteWholeFile(Path("passwords"), Password().toUtf8() + '\n');
     for (int attempt = 0; attempt < StartAttempts; ++attempt)
@@ -85,7 +85,6 @@ bool FtpServer::Start(const FtpServerOptions& options, int attempt) {
             "\nxferlog_enable=YES\nxferlog_std_format=NO\n"
             "log_ftp_protocol=YES\nvsftpd_log_file=" +
             Path("log").toUtf8() +
-            "\nidle_session_timeout=" + QByteArray::number(options.idleSeconds) +
             "\nftpd_banner=" + greeting + '\n' + options.furtherLines);
     const QString program = QStandardPaths::findExecutable("vsftpd");
     process_.setProgram(program.isEmpty() ? "/usr/sbin/vsftpd" : program);

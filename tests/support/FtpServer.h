@@ -12,9 +12,7 @@
 namespace pollarix::test {
 
 struct FtpServerOptions {
-    bool withIncoming = true;  // the login's directory has the directory "incoming"
     qint64 largestFile = -1;   // bytes after which the server's disk is full; -1 for never
-    int idleSeconds = 300;     // silence after which it hangs up
     QByteArray furtherLines{}; // of its configuration
 };
 
