@@ -40,6 +40,15 @@ TEST_F(Undo, EachStepGoesBackAndForth) {
     const std::vector<std::pair<const char*, std::function<void()>>> steps = {
         {"text", [&] { QTest::keyClicks(&Get<QWidget>("txtQ"), "typed\rtext"); }},
         {"format", [&] { Press("cmdBold"); }},
+        {"jump",
+         [&] {
+             ClickEntry("lstCheckResponses", 0);
+             InDialog<frmLogic>([](QWidget& dialog) {
+                 dialog.findChild<ComboBox*>("cboList")->SetListIndex(0);
+                 dialog.findChild<QAbstractButton*>("cmdOK")->click();
+             });
+             Press("cmdRadioLogic");
+         }},
         {"library",
          [&] {
              auto& library = Get<TreeView>("tvTreeLibrary");
