@@ -101,7 +101,11 @@ FormattingBar::FormattingBar(RichTextBox& box, QWidget* parent)
     cboFontSize_->setMinimumContentsLength(3);
     cboFontSize_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     connect(cboFontSize_, &QComboBox::textActivated, this, [this] { ApplySize(); });
-    connect(cboFontSize_->lineEdit(), &QLineEdit::returnPressed, this, [this] { ApplySize(); });
+    connect(cboFontSize_->lineEdit(), &QLineEdit::returnPressed, this, [this] {
+        // A size of the list has been activated by the same key.
+        if (cboFontSize_->findText(cboFontSize_->currentText()) == -1)
+            ApplySize();
+    });
     connect(cboFontSize_->lineEdit(), &QLineEdit::editingFinished, this,
             &FormattingBar::ShowFormatSoon);
     for (QComboBox* const box : {static_cast<QComboBox*>(cboFontName_), cboFontSize_}) {

@@ -61,6 +61,7 @@ TEST_F(QuestionPanel, TheSizeBoxTakesWhatIsASizeAndShowsWhatIsSet) {
     QTest::keyClicks(&txtQ, "a");
     auto& size = Get<QComboBox>("cboFontSize");
     for (const auto& [typed, shown] : {std::pair("7", "7"),
+                                       {"14", "14"},
                                        {"10,5", "10.5"},
                                        {"10.4", "10.5"},
                                        {"0", "10.5"},
@@ -69,8 +70,10 @@ TEST_F(QuestionPanel, TheSizeBoxTakesWhatIsASizeAndShowsWhatIsSet) {
         txtQ.selectAll();
         size.setFocus();
         size.lineEdit()->selectAll();
+        const int steps = txtQ.document()->availableUndoSteps();
         QTest::keyClicks(&size, QString(typed) + "\r");
         QTest::qWait(1);
+        EXPECT_LE(txtQ.document()->availableUndoSteps(), steps + 1) << "set once";
         EXPECT_EQ(size.currentText(), shown) << typed;
         EXPECT_EQ(QString::number(Format().fontSize), shown) << typed;
     }
