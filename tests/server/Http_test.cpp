@@ -291,7 +291,7 @@ TEST(HttpServer, GivesASlowReaderItsWholePageAndLetsGoOfOneThatStalls) {
         return server::Response::Text(200, std::string(size, 'x'));
     });
     server::HttpBounds bounds;
-    bounds.secondsForWrite = 2;
+    bounds.secondsForWrite = 3;
     bounds.allBodiesBytes = bounds.bodiesBytesPerAddress = 4 * size;
     server::HttpServer http(router, bounds, [](const std::string&) {});
     const int port = http.Listen("127.0.0.1", 0);
