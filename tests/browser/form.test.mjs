@@ -146,6 +146,29 @@ test("a bad line and a hasty hand lose nothing", async () => {
   await context.close();
 });
 
+test("more than can be sent stays where it was typed", async () => {
+  const published = await server.publish("much", surveyDocument(visit.slice(1, 2)));
+  for (const hasScript of [true, false]) {
+    const { context, page, faults } = await openVisitor(browser, server, { hasScript });
+    await page.goto(published.form);
+    await page.getByRole("textbox").evaluate((area) => {
+      area.removeAttribute("maxlength");
+      area.value = "\u0639".repeat(200000); // six bytes each, as they are sent
+    });
+    if (hasScript) {
+      await button(page, "Send").click();
+    } else {
+      await turn(page, button(page, "Send"));
+      await checkPage(page, "too-much", 1280);
+    }
+    await page.getByText("too long to be sent").waitFor();
+    if (!hasScript) await page.goBack();
+    assert.equal((await page.getByRole("textbox").inputValue()).length, 200000);
+    assert.deepEqual(faults, []);
+    await context.close();
+  }
+});
+
 test("other languages, the dark, and faults", async () => {
   const published = await server.publish("A & B", surveyDocument(visit), false);
   for (const width of widths)

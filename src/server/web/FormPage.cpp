@@ -37,9 +37,8 @@ Html OpenEndedHtml(const Words& words, const Question& q, const Answer& answer, 
     html << "</label>";
     if (isTooLong)
         html << TooLongHtml(words, q);
-    html << "<textarea dir=\"auto\" autocomplete=\"off\" id=\"q" << q.id << "\" name=\"q" << q.id
-         << "\" rows=\"" << (q.rows < 1 ? 4 : std::min(q.rows, 30)) << "\" maxlength=\""
-         << LongestAnswer << "\"";
+    html << "<textarea dir=\"auto\" id=\"q" << q.id << "\" name=\"q" << q.id << "\" rows=\""
+         << (q.rows < 1 ? 4 : std::min(q.rows, 30)) << "\" maxlength=\"" << LongestAnswer << "\"";
     if (isTooLong)
         html << " aria-invalid=\"true\" aria-describedby=\"e" << q.id << "\"";
     // A line end right behind the tag isn't part of the text.
