@@ -11,7 +11,7 @@ cd "$(dirname "${BASH_SOURCE[0]}")/.." || exit 1
 . scripts/common.sh
 
 seconds=${1-10}
-fuzzers=(rich_text results replies survey server)
+fuzzers=(rich_text results tables replies survey server)
 [ $# -lt 2 ] || fuzzers=("$2")
 
 scripts/install-dependencies.sh --fuzz || exit 1
