@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QContextMenuEvent>
+#include <QHeaderView>
 #include <QImageReader>
 #include <QLabel>
 #include <QMenu>
@@ -164,6 +165,11 @@ TEST_F(AnalyzeScreen, EveryRowHasItsShareAndItsGraph) {
         // What the graph takes of the screen comes back when it goes.
         EXPECT_EQ(grid->geometry() == whole, chart->isHidden()) << row;
     }
+
+    // A column that the user has made narrow is not widened by counting anew.
+    grid->horizontalHeader()->resizeSection(0, 20);
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(grid->ColWidth(0), ToTwips(20));
 
     // A key draws the row being left.
     Click(3);

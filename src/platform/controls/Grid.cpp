@@ -7,23 +7,21 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <optional>
 #include <utility>
-#include <vector>
 
 #include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
+#include "platform/controls/GridColumns.h"
 #include "platform/controls/GridHead.h"
 #include "platform/controls/GridModel.h"
 #include "platform/controls/OneLineDelegate.h"
-#include "platform/controls/Twips.h"
 
 namespace pollarix {
 
 namespace {
 
-constexpr int DefaultColWidth = 960; // twips
-constexpr int RowPadding = 8;        // pixels
-constexpr int NarrowestCol = 8;      // pixels, for the user's mouse
+constexpr int RowPadding = 8; // pixels
 
 int CheckedAlignment(int alignment) {
     if (alignment != 1 && alignment != 3 && alignment != 4 && alignment != 7)
@@ -52,22 +50,18 @@ class GridDelegate : public OneLineDelegate {
 
 struct Grid::State {
     GridModel model;
+    std::optional<GridColumns> columns; // once there are headers
     int row = 0;
     int col = 0;
     int colSel = 0;
-    int fixedCols = 0;
-    int stretchCol = -1;
     bool selectRows = false;
     bool wholeRow = false; // as it is shown
     bool redraw = true;
-    bool sizing = false;     // the grid itself is setting widths
-    std::vector<int> widths; // twips, of all columns there ever were
-    int pressedRow = 0;      // where the mouse was pressed last
+    int pressedRow = 0; // where the mouse was pressed last
     int pressedCol = 0;
 };
 
 Grid::Grid(QWidget* parent) : QTableView(parent), state_(std::make_unique<State>()) {
-    state_->widths.assign(1, DefaultColWidth);
     setModel(&state_->model);
     setItemDelegate(new GridDelegate(this, state_->wholeRow));
     // The grid moves its current cell itself; Qt's selection only shows it.
@@ -90,20 +84,12 @@ Grid::Grid(QWidget* parent) : QTableView(parent), state_(std::make_unique<State>
         if (state_->redraw && Click)
             Click();
     };
-    heads.setMinimumSectionSize(NarrowestCol);
     heads.setResizeContentsPrecision(0); // the rows on the screen; all would ask for each text
-    connect(&heads, &QHeaderView::sectionResized, this, [this](int col, int, int pixels) {
-        if (std::exchange(state_->sizing, true))
-            return;
-        state_->widths[static_cast<std::size_t>(col)] = ToTwips(pixels);
-        state_->sizing = false;
-        if (col != state_->stretchCol)
-            ShowColumns();
-    });
+    state_->columns.emplace(*this, [this] { updateGeometries(); });
     rows.setSectionResizeMode(QHeaderView::Fixed);
     rows.hide();
     FitRowHeight();
-    ShowColumns();
+    state_->columns->Show();
 }
 
 Grid::~Grid() {
@@ -129,9 +115,8 @@ void Grid::RequireCell(int row, int col) const {
 void Grid::SetFixedCols(int count) {
     if (count < 0 || count > 1)
         throw Failure(failure::InvalidArgument);
-    state_->fixedCols = count;
     state_->model.SetHeadColumn(count == 1);
-    ShowColumns();
+    state_->columns->SetFixed(count);
     ShowSelection();
 }
 
@@ -161,15 +146,11 @@ void Grid::SetCols(int count) {
         throw Failure(failure::InvalidArgument);
     if (count == Cols())
         return;
-    if (state_->widths.size() < static_cast<std::size_t>(count))
-        state_->widths.resize(static_cast<std::size_t>(count), DefaultColWidth);
     const int last = std::max(0, count - 1);
     state_->col = std::min(state_->col, last);
     state_->colSel = std::min(state_->colSel, last);
-    state_->sizing = true;
-    state_->model.SetCols(count);
-    state_->sizing = false;
-    ShowColumns();
+    state_->columns->SetCount(count);
+    state_->columns->WhileModelChanges([&] { state_->model.SetCols(count); });
     ShowSelection();
 }
 
@@ -259,22 +240,20 @@ void Grid::SetColData(int col, std::int64_t data) {
 
 int Grid::ColWidth(int col) const {
     RequireCol(col);
-    return state_->widths[static_cast<std::size_t>(col)];
+    return state_->columns->Width(col);
 }
 
 void Grid::SetColWidth(int col, int twips) {
     RequireCol(col);
     if (twips < 0)
         throw Failure(failure::InvalidArgument);
-    state_->widths[static_cast<std::size_t>(col)] = twips;
-    ShowColumns();
+    state_->columns->SetWidth(col, twips);
 }
 
 void Grid::SetStretchCol(int col) {
     if (col != -1)
         RequireCol(col);
-    state_->stretchCol = col;
-    ShowColumns();
+    state_->columns->SetStretch(col);
 }
 
 void Grid::SetProvider(CellProvider provider) {
@@ -290,10 +269,7 @@ void Grid::SetRedraw(bool on) {
         state_->model.BeSilent();
         return;
     }
-    state_->sizing = true;
-    state_->model.Speak();
-    state_->sizing = false;
-    ShowColumns();
+    state_->columns->WhileModelChanges([this] { state_->model.Speak(); });
     ShowSelection();
     ScrollToSelection();
     setUpdatesEnabled(true);
@@ -313,7 +289,7 @@ void Grid::ShowSelection() {
         left = 0;
         right = Cols() - 1;
     }
-    left = std::max(left, state_->fixedCols);
+    left = std::max(left, state_->columns->Fixed());
     if (state_->row == 0 || left > right) {
         selectionModel()->clear();
         return;
@@ -333,39 +309,6 @@ void Grid::ScrollToSelection() {
     scrollTo(currentIndex());
     if (state_->wholeRow)
         horizontalScrollBar()->setValue(left);
-}
-
-void Grid::ShowColumns() {
-    if (std::exchange(state_->sizing, true))
-        return;
-    const auto pixels = [this](int col) {
-        return ToPixels(state_->widths[static_cast<std::size_t>(col)]);
-    };
-    QHeaderView& rows = *verticalHeader();
-    const bool headColumn = state_->fixedCols == 1 && Cols() > 0 && pixels(0) > 0;
-    // However long its texts are, they leave room for the cells beside them.
-    const int most = std::max(NarrowestCol, width() * 6 / 10);
-    const int headWidth = headColumn ? std::clamp(pixels(0), NarrowestCol, most) : 0;
-    if (headColumn == rows.isHidden() || (headColumn && headWidth != rows.width())) {
-        if (headColumn)
-            rows.setFixedWidth(headWidth);
-        rows.setVisible(headColumn);
-        updateGeometries();
-    }
-
-    QHeaderView& heads = *horizontalHeader();
-    const int count = std::min(heads.count(), Cols());
-    int free = viewport()->width();
-    for (int col = state_->fixedCols; col < count; ++col)
-        free -= pixels(col) == 0 ? 0 : std::max(pixels(col), NarrowestCol);
-    for (int col = 0; col < count; ++col) {
-        const bool hidden = col < state_->fixedCols || pixels(col) == 0;
-        heads.setSectionHidden(col, hidden);
-        if (!hidden)
-            heads.resizeSection(col,
-                                pixels(col) + (col == state_->stretchCol ? std::max(0, free) : 0));
-    }
-    state_->sizing = false;
 }
 
 void Grid::FitRowHeight() {
@@ -432,10 +375,10 @@ bool Grid::ActOnKey(const QKeyEvent& event) {
         bar.setValue(bar.value() + step * bar.singleStep());
         return true;
     }
-    if (lastRow < 1 || lastCol < state_->fixedCols)
+    if (lastRow < 1 || lastCol < state_->columns->Fixed())
         return true; // a head alone
     row = std::clamp(row, 1, lastRow);
-    col = std::clamp(col + step, state_->fixedCols, lastCol);
+    col = std::clamp(col + step, state_->columns->Fixed(), lastCol);
     if (wide)
         MoveByUser(row, state_->col, state_->colSel);
     else
@@ -511,7 +454,7 @@ void Grid::resizeEvent(QResizeEvent* event) {
     const QRect current = visualRect(currentIndex());
     const bool inView = current.bottom() < event->oldSize().height() && current.top() >= 0;
     QTableView::resizeEvent(event);
-    ShowColumns();
+    state_->columns->Show();
     if (inView)
         ScrollToSelection();
 }

@@ -102,7 +102,6 @@ class Grid : public QTableView {
     void Copy() const;
     void ShowSelection();
     void ScrollToSelection();
-    void ShowColumns();
     void FitRowHeight();
 
     struct State;
