@@ -5,6 +5,7 @@
 #include <QLocale>
 
 #include "platform/desktop/LongWork.h"
+#include "support/Bytes.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 
@@ -86,10 +87,6 @@ class AnsweredSurvey : public testing::Test {
         for (int i = 0; i < count; ++i)
             answers.Add({respondents.Add({"Web"}), 11, 1, QString(lengthOfAnswer, 'x')});
         batch.Commit();
-    }
-    static QByteArray Read(const QString& path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
     }
 
     TestState program_;

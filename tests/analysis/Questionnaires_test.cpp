@@ -14,11 +14,11 @@ class Questionnaires : public test::AnsweredSurvey {
   protected:
     QByteArray Page() {
         HtmlQuestionnaire::Write(Survey(), Path("a.html"), step_);
-        return Read(Path("a.html"));
+        return test::BytesOf(Path("a.html"));
     }
     QByteArray Pdf() {
         PdfQuestionnaire::Write(Survey(), Path("a.pdf"), step_);
-        return Read(Path("a.pdf"));
+        return test::BytesOf(Path("a.pdf"));
     }
     static int Pages(const QByteArray& pdf) {
         static const QRegularExpression page(R"(/Type\s*/Page\b)");
@@ -92,8 +92,8 @@ TEST_F(Questionnaires, ReplaceAFileOnlyByAWholeOne) {
     const QByteArray pdf = Pdf();
     EXPECT_THROW(HtmlQuestionnaire::Write(Survey(), Path("a.html"), stop), Failure);
     EXPECT_THROW(PdfQuestionnaire::Write(Survey(), Path("a.pdf"), stop), Failure);
-    EXPECT_EQ(Read(Path("a.html")), page);
-    EXPECT_EQ(Read(Path("a.pdf")), pdf);
+    EXPECT_EQ(test::BytesOf(Path("a.html")), page);
+    EXPECT_EQ(test::BytesOf(Path("a.pdf")), pdf);
     EXPECT_THROW(PdfQuestionnaire::Write(Survey(), Path("no/such/a.pdf"), step_), Failure);
 }
 

@@ -16,7 +16,7 @@ class RichReports : public AnsweredSurvey {
     // brackets around what is set in the font of the tick boxes.
     std::string Written(Writer write) {
         write(Survey(), Path("report.rtf"), [](std::int64_t, std::int64_t) {});
-        const RichText text = ReadRichText(QString::fromLatin1(Read(Path("report.rtf"))));
+        const RichText text = ReadRichText(QString::fromLatin1(BytesOf(Path("report.rtf"))));
         QStringList lines;
         for (const Paragraph& paragraph : text.paragraphs) {
             QString line;

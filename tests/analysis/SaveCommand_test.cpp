@@ -16,6 +16,7 @@
 #include "analysis/PaperSurvey.h"
 #include "analysis/SurveyExport.h"
 #include "platform/base/Handlers.h"
+#include "platform/files/Files.h"
 
 namespace pollarix::test {
 namespace {
@@ -66,13 +67,12 @@ class SaveCommand : public AnsweredSurvey, public testing::WithParamInterface<Co
     }
     QString OldFile() {
         QDir().mkpath(Path("d"));
-        QFile file(Path("d/old"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write("old") == 3);
-        return file.fileName();
+        WriteWholeFile(Path("d/old"), "old");
+        return Path("d/old");
     }
     // That the old file is as it was, and nothing lies beside it.
     void ExpectOldFile() {
-        EXPECT_EQ(Read(Path("d/old")), "old");
+        EXPECT_EQ(BytesOf(Path("d/old")), "old");
         EXPECT_EQ(QDir(Path("d")).entryList(QDir::Files | QDir::Hidden), QStringList("old"));
     }
 };
@@ -82,7 +82,7 @@ TEST_P(SaveCommand, WritesAndOffersToLook) {
         dialogs_.answers = {MsgAnswer::No, MsgAnswer::Yes};
     StartWith(Path("unseen"));
     StartWith(Path("seen"));
-    EXPECT_TRUE(Read(Path("seen")).startsWith(GetParam().begin));
+    EXPECT_TRUE(BytesOf(Path("seen")).startsWith(GetParam().begin));
     EXPECT_EQ(dialogs_.fileRequests.front().fileName, GetParam().presetName);
     const QString question = GetParam().question;
     EXPECT_EQ(dialogs_.TakeTexts(),
@@ -99,7 +99,7 @@ TEST_P(SaveCommand, IsRefusedWhereNoFileCanStandAndWhereTheOpenSurveyDoes) {
     ASSERT_EQ(mkfifo(qPrintable(Path("pipe")), 0600), 0);
     ASSERT_TRUE(QFile::link(Path("survey.plxs"), Path("link.csv")));
     ASSERT_EQ(link(qPrintable(Path("survey.plxs")), qPrintable(Path("second.rtf"))), 0);
-    const QByteArray survey = Read(Path("survey.plxs"));
+    const QByteArray survey = BytesOf(Path("survey.plxs"));
     for (const auto& [name, why] : {std::pair("d", ": it is a directory"),
                                     {"x/y", ": No such file or directory"},
                                     {"d/old", ": it is read-only"},
@@ -109,7 +109,7 @@ TEST_P(SaveCommand, IsRefusedWhereNoFileCanStandAndWhereTheOpenSurveyDoes) {
                                     {"second.rtf", ": it is the open survey"}})
         ExpectRefusal(Path(name), Path(name) + why + " 75 Pollarix");
     ExpectOldFile();
-    EXPECT_EQ(Read(Path("second.rtf")), survey);
+    EXPECT_EQ(BytesOf(Path("second.rtf")), survey);
     AddRespondents(1, 1); // it takes answers as before
 }
 

@@ -10,7 +10,7 @@ class SurveyExportTest : public AnsweredSurvey {
   protected:
     template <typename Form> std::string Exported() {
         Form::Write(Survey(), Path("export.csv"), [](std::int64_t, std::int64_t) {});
-        return Read(Path("export.csv")).toStdString();
+        return BytesOf(Path("export.csv")).toStdString();
     }
 };
 

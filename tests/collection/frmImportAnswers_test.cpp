@@ -12,6 +12,7 @@
 #include "collection/frmImportAnswers.h"
 #include "platform/controls/ComboBox.h"
 #include "platform/controls/Grid.h"
+#include "platform/files/Files.h"
 #include "statistics/GeneratedAnswers.h"
 #include "support/Accessible.h"
 #include "support/PrintQt.h"
@@ -30,9 +31,7 @@ class ImportAnswers : public testing::Test {
     std::int64_t Respondents() { return Survey().Count("SELECT count(*) FROM respondent"); }
     QString Write(const QByteArray& bytes) {
         const QString path = program_.Path("answers.csv");
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        WriteWholeFile(path, bytes);
         return path;
     }
     void Show(const QByteArray& bytes) {

@@ -355,10 +355,7 @@ TEST_F(SurveyDocumentTest, WithoutAFileSaveAsMakesOne) {
     Add(0, "of the survey before");
     document.DoClose();
     const QString letter = program.Path("letter.plxs");
-    QFile file(letter);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("This is a letter and no survey.");
-    file.close();
+    WriteWholeFile(letter, "This is a letter and no survey.");
     document.DoOpen(letter, true, 1);
     EXPECT_EQ(dialogs.TakeTexts().size(), 1);
 

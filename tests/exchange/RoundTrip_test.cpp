@@ -8,7 +8,9 @@
 #include "exchange/ResultsWriter.h"
 #include "exchange/SurveyReader.h"
 #include "platform/base/Windows1252.h"
+#include "platform/files/Files.h"
 #include "platform/richtext/RichText.h"
+#include "support/Bytes.h"
 #include "support/FakeViews.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
@@ -51,9 +53,7 @@ class RoundTrip : public testing::Test {
     }
     std::string Written() {
         DoSaveXML(program.state, views);
-        QFile file(SurveyXmlPath(program.state));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll().toStdString();
+        return BytesOf(SurveyXmlPath(program.state)).toStdString();
     }
     static std::string Utf8(QString text) { return text.replace("\r\n", "\n").toStdString(); }
 
@@ -136,11 +136,9 @@ TEST_F(RoundTrip, SurveysOfAnyTextsAreReadAsTheyAreMeantAndTheirAnswersComeBack)
             }
         }
         exchange::LostLetters lost;
-        QFile results(program.Path("3-7.txt"));
-        ASSERT_TRUE(results.open(QIODevice::WriteOnly));
-        results.write(QByteArray::fromStdString(exchange::ResultsOf(read, answers, lost)));
-        results.close();
-        DoLoadXML(program.state, results.fileName());
+        WriteWholeFile(program.Path("3-7.txt"),
+                       QByteArray::fromStdString(exchange::ResultsOf(read, answers, lost)));
+        DoLoadXML(program.state, program.Path("3-7.txt"));
         program.dialogs.TakeTexts();
         // Blanks break tags, and are left out of the comparison.
         QStringList taken =

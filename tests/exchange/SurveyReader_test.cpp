@@ -1,9 +1,8 @@
 #include "exchange/SurveyReader.h"
 
-#include <QFile>
-
 #include <gtest/gtest.h>
 
+#include "support/Bytes.h"
 #include "support/Places.h"
 
 using namespace pollarix::exchange;
@@ -12,9 +11,10 @@ using namespace pollarix::test;
 namespace {
 
 std::string Document() {
-    QFile file(SourceFile("tests/exchange/every-kind.txt"));
-    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-    return file.readAll().replace("-1<", "41<").replace("\n", "\r\n").toStdString();
+    return BytesOf(SourceFile("tests/exchange/every-kind.txt"))
+        .replace("-1<", "41<")
+        .replace("\n", "\r\n")
+        .toStdString();
 }
 
 std::string FaultOf(const std::string& document) {

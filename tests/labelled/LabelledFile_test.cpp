@@ -12,6 +12,7 @@
 #include "labelled/LabelledFile.h"
 #include "platform/base/Failure.h"
 #include "statistics/GeneratedAnswers.h"
+#include "support/Bytes.h"
 #include "support/PrintQt.h"
 #include "support/SurveyFiles.h"
 
@@ -80,10 +81,6 @@ class LabelledFiles : public testing::Test {
         test::GeneratedAnswers(file_).Add(12);
     }
     QString Path(const char* name) const { return program_.Path(name); }
-    static QByteArray Bytes(const QString& path) {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("no file");
-    }
 
     test::TestState program_;
     Connection file_;
@@ -172,8 +169,8 @@ TEST_F(LabelledFiles, HoldTheChosenRespondentsAndTheirWeights) {
 // That files are replaced only by whole ones, the tests of the command that writes them see.
 TEST_F(LabelledFiles, AScriptHasItsAnswersBesideItAndReplacesNobodyElses) {
     WriteR(file_, Path("a.R"), {}, {});
-    EXPECT_TRUE(Bytes(Path("a-answers.csv")).startsWith("id,date,source,q1,"));
-    EXPECT_TRUE(Bytes(Path("a.R")).contains("\"a-answers.csv\""));
+    EXPECT_TRUE(test::BytesOf(Path("a-answers.csv")).startsWith("id,date,source,q1,"));
+    EXPECT_TRUE(test::BytesOf(Path("a.R")).contains("\"a-answers.csv\""));
     WriteR(file_, Path("a.R"), {}, {}); // its own may go
     ASSERT_TRUE(QFile::remove(Path("a.R")));
     EXPECT_THROW(WriteR(file_, Path("a.R"), {}, {}), Failure);
@@ -182,9 +179,9 @@ TEST_F(LabelledFiles, AScriptHasItsAnswersBesideItAndReplacesNobodyElses) {
 TEST_F(LabelledFiles, ShowTextsAsTexts) {
     file_.Run("UPDATE response SET name = '<b>\"&' WHERE id = 11");
     WriteCodebook(file_, Path("a.html"), {}, {});
-    EXPECT_TRUE(Bytes(Path("a.html")).contains("<li>1 = &lt;b&gt;&quot;&amp;</li>"));
+    EXPECT_TRUE(test::BytesOf(Path("a.html")).contains("<li>1 = &lt;b&gt;&quot;&amp;</li>"));
     WriteR(file_, Path("a.R"), {}, {});
-    EXPECT_TRUE(Bytes(Path("a.R")).contains("names(labels) <- c(\"<b>\\\"&\", \"South\""));
+    EXPECT_TRUE(test::BytesOf(Path("a.R")).contains("names(labels) <- c(\"<b>\\\"&\", \"South\""));
     EXPECT_EQ(Utf8UpTo(QString::fromUtf8("aé😀"), 6), "aé");
     EXPECT_EQ(Utf8UpTo(QString::fromUtf8("aé😀"), 7), "aé😀");
 }

@@ -6,8 +6,10 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include "platform/files/Files.h"
 #include "platform/network/FtpConnection.h"
 #include "platform/network/FtpReply.h"
+#include "support/Bytes.h"
 #include "support/FtpServer.h"
 #include "support/Loopback.h"
 #include "support/PrintQt.h"
@@ -32,16 +34,8 @@ class Download : public testing::Test {
         EXPECT_EQ(Fetch(server.Url() + rest), 0);
         return server.Targets().value(0);
     }
-    QByteArray Reply() const {
-        QFile file(directory.filePath("reply"));
-        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
-        return file.readAll();
-    }
-    void KeepOldReply() const {
-        QFile file(directory.filePath("reply"));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("old");
-    }
+    QByteArray Reply() const { return BytesOf(directory.filePath("reply")); }
+    void KeepOldReply() const { WriteWholeFile(directory.filePath("reply"), "old"); }
     // The old reply is as it was, and nothing lies beside it.
     void ExpectUntouched() const {
         EXPECT_EQ(Reply(), "old");
@@ -139,10 +133,8 @@ class Upload : public testing::Test {
                                         FtpServer::Password());
     }
     QString LocalFile(const QByteArray& bytes) const {
-        QFile file(directory.filePath("local.xml"));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
-        return file.fileName();
+        WriteWholeFile(directory.filePath("local.xml"), bytes);
+        return directory.filePath("local.xml");
     }
 
     QTemporaryDir directory;

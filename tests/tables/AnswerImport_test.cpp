@@ -5,6 +5,7 @@
 #include "analysis/TableExport.h"
 #include "document/SurveyReader.h"
 #include "labelled/LabelledFile.h"
+#include "platform/files/Files.h"
 #include "statistics/GeneratedAnswers.h"
 #include "support/Bytes.h"
 #include "support/NumberOf.h"
@@ -26,9 +27,7 @@ class AnswerImports : public testing::Test {
     Connection& Survey() { return program_.state.SurveyConnection; }
     QString Path(const char* name) const { return program_.Path(name); }
     void WriteFile(const char* name, const QByteArray& bytes) const {
-        QFile file(Path(name));
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        WriteWholeFile(Path(name), bytes);
     }
     void DeleteAnswers() {
         WriteBatch batch(Survey());

@@ -4,6 +4,7 @@
 #include <zip.h>
 
 #include "labelled/LabelledFile.h"
+#include "platform/files/Files.h"
 #include "statistics/GeneratedAnswers.h"
 #include "support/Bytes.h"
 #include "support/NumberOf.h"
@@ -18,9 +19,7 @@ class Tables : public testing::Test {
   protected:
     QString Path(const char* name) const { return program_.Path(name); }
     QString Write(const char* name, const QByteArray& bytes) const {
-        QFile file(Path(name));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        WriteWholeFile(Path(name), bytes);
         return Path(name);
     }
     // All of a table, cells joined with "|", rows by number.
