@@ -188,6 +188,32 @@ TEST_F(MainWindowTest, DataCollectionIsNeverReachedWithAnUnsavedDesign) {
     EXPECT_EQ(Screen(), "picAnalyse");
 }
 
+TEST_F(MainWindowTest, ImportsAnswersIntoTheSavedDesignAndShowsThem) {
+    const QString path = program.BlankSurvey("asked.plxs");
+    RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
+                  "('Say', '1', 0, 1)"});
+    WriteWholeFile(program.Path("answers.csv"), "q1\none\ntwo\n");
+    MainWindow::Start(path);
+    Type("more");
+    user.tasks["frmImportAnswers"] = [this](QWidget& dialog) { Press("cmdImport", &dialog); };
+    dialogs.answers = {MsgAnswer::No};
+    Menu("mnuDataCollectionImport");
+    EXPECT_EQ(Screen(), "picDesign");
+    dialogs.answers = {MsgAnswer::Yes};
+    dialogs.fileNames = {{program.Path("answers.csv"), 0}};
+    user.seen.clear();
+    dialogs.TakeTexts();
+    Menu("mnuDataCollectionImport");
+    EXPECT_EQ(user.seen, QStringList("frmImportAnswers"));
+    EXPECT_EQ(dialogs.TakeTexts().last(), "Successfully imported 2 respondents.");
+    EXPECT_EQ(Screen(), "picCollect");
+    ASSERT_EQ(Find<Grid>("gRespondents")->Rows(), 3);
+    EXPECT_EQ(Find<Grid>("gRespondents")->TextMatrix(1, 2), "Imported");
+    Menu("mnuViewAnalyse");
+    EXPECT_EQ(Find<QLabel>("lblTotalImported")->text(), "2");
+    EXPECT_TRUE(failures.empty());
+}
+
 TEST_F(MainWindowTest, WhatIsTypedGoesToTheScreenThatShows) {
     Start();
     Type("abc");
