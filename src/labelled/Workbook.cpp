@@ -1,3 +1,4 @@
+#include <QRegularExpression>
 #include <QTemporaryDir>
 
 #include <xlsxwriter.h>
@@ -63,8 +64,13 @@ class Sheet {
     void Put(const QString& text, lxw_format* format) {
         const lxw_col_t column = column_++;
         if (!text.isEmpty())
-            Check(worksheet_write_string(sheet_, row_, column,
-                                         WholeCharacters(text).toUtf8().constData(), format));
+            Check(worksheet_write_string(
+                sheet_, row_, column, Escaped(WholeCharacters(text)).toUtf8().constData(), format));
+    }
+    // A text that looks like the sign for a character is no such sign.
+    static QString Escaped(QString text) {
+        static const QRegularExpression sign("_(x[0-9A-Fa-f]{4}_)");
+        return text.contains("_x") ? text.replace(sign, R"(_x005F_\1)") : text;
     }
     static QString WholeCharacters(const QString& text) {
         if (text.size() <= MostCharacters)
