@@ -1,7 +1,5 @@
 #include "tables/Targets.h"
 
-#include <QMultiHash>
-
 #include <algorithm>
 
 #include "document/Kinds.h"
@@ -58,7 +56,9 @@ QString NameOfQuestion(const SurveyVariables& survey, const SurveyQuestion& ques
 
 // Everything by which the survey's parts are known.
 struct Known {
-    Places names;  // q1, q2_3
+    Places names;       // q1, q2_3
+    Places exactTitles; // these two letter by letter
+    Places exactLabels;
     Places titles; // as the table of the export has them
     Places labels; // as the files with labels have them
     Places items;  // the response or sub question alone, where no other is called so
@@ -67,7 +67,7 @@ struct Known {
         const std::vector<QString> all = TitlesOf(survey);
         const Target date{Target::Kind::Date, 0};
         names.Add("date", date);
-        titles.Add(KeyOf(all[SurveyVariables::Date]), date);
+        AddTitle(all[SurveyVariables::Date], date);
         QHash<QString, int> count;
         for (const Variable& variable : survey.variables)
             ++count[KeyOf(variable.item)];
@@ -83,8 +83,8 @@ struct Known {
                     target);
             else
                 names.Add(IdKey(question.id), target);
-            titles.Add(KeyOf(all[i]), target);
-            labels.Add(KeyOf(variable.label), target);
+            AddTitle(all[i], target);
+            AddLabel(variable.label, target);
             if (count[KeyOf(variable.item)] == 1)
                 items.Add(KeyOf(variable.item), target);
         }
@@ -94,9 +94,19 @@ struct Known {
                 continue;
             const Target target{Target::Kind::Choices, i};
             names.Add(NameOfQuestion(survey, question), target);
-            titles.Add(KeyOf(QuestionTitle(question.number, question.text)), target);
-            labels.Add(KeyOf(question.text), target);
+            AddTitle(QuestionTitle(question.number, question.text).simplified(), target);
+            AddLabel(question.text, target);
         }
+    }
+
+  private:
+    void AddTitle(const QString& title, Target target) {
+        exactTitles.Add(title, target);
+        titles.Add(KeyOf(title), target);
+    }
+    void AddLabel(const QString& label, Target target) {
+        exactLabels.Add(label.simplified(), target);
+        labels.Add(KeyOf(label), target);
     }
 };
 
@@ -149,9 +159,20 @@ std::vector<Target> GuessTargets(const std::vector<TableColumn>& columns,
     };
     const auto label = [](const TableColumn& column) { return KeyOf(column.label); };
     const auto title = [](const TableColumn& column) { return KeyOf(column.name); };
+    const auto exact = [](const TableColumn& column) { return column.name.simplified(); };
     // A label says more than a number that may have been given to another question since.
+    guess(known.exactLabels, [](const TableColumn& column) { return column.label.simplified(); });
     guess(known.titles, label);
     guess(known.labels, label);
+    // An export has all of its columns from one of the two, and what reads like the other in it is
+    // chance.
+    const auto count = [&](const Places& places) {
+        return std::count_if(columns.begin(), columns.end(),
+                             [&](const TableColumn& column) { return places.Has(exact(column)); });
+    };
+    const bool areTitles = count(known.exactTitles) >= count(known.exactLabels);
+    guess(areTitles ? known.exactTitles : known.exactLabels, exact);
+    guess(areTitles ? known.exactLabels : known.exactTitles, exact);
     guess(known.titles, title);
     guess(known.labels, title);
     guess(known.names, [](const TableColumn& column) { return column.name.toLower(); });

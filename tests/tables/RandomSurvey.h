@@ -71,9 +71,9 @@ class RandomSurvey {
         Question question;
         question.kind = kind;
         question.scale = scale;
-        question.id =
-            TableInsert(survey_, "question", {"question", "questionno", "qtype", "pos"})
-                .Add({Text(6), kind == 4 ? DbValue() : DbValue(QString::number(pos)), kind, pos});
+        question.id = TableInsert(survey_, "question", {"question", "questionno", "qtype", "pos"})
+                          .Add({Text(6) + "?",
+                                kind == 4 ? DbValue() : DbValue(QString::number(pos)), kind, pos});
         std::set<QString> taken;
         if (kind > 0 && kind < 4)
             for (int i = 1 + Below(5); i > 0; --i)
