@@ -349,13 +349,17 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             const std::lock_guard lock(core_->mutex);
             ++core_->begun;
         }
-        const auto resume = [self = shared_from_this()](std::function<Response()> rest) {
-            asio::post(self->loop_.context, [self, rest = std::move(rest)] {
+        // Who resumes may keep this for longer than the server is there, so it lets go of the
+        // connection, which goes along to its own thread.
+        const auto held = std::make_shared<std::shared_ptr<Session>>(shared_from_this());
+        const auto resume = [held, core = core_](std::function<Response()> rest) {
+            Loop& loop = (*held)->loop_;
+            asio::post(loop.context, [self = std::move(*held), rest = std::move(rest)] {
                 self->Send(self->core_->Made(rest, self->request_));
             });
-            const std::lock_guard lock(self->core_->mutex);
-            if (--self->core_->begun == 0)
-                self->core_->ended.notify_all();
+            const std::lock_guard lock(core->mutex);
+            if (--core->begun == 0)
+                core->ended.notify_all();
         };
         Response failed = core_->Made(
             [&] {
@@ -686,11 +690,12 @@ void HttpServer::Stop() {
         core_->ended.wait(lock, [this] { return core_->begun == 0; });
     }
     core_->acceptors.clear();
+    // Before the others: what waits at the door holds a socket of theirs.
+    core_->door.reset();
     for (const auto& loop : core_->loops)
         loop->sessions.clear();
     for (auto& loop : core_->loops)
         loop.reset();
-    core_->door.reset();
 }
 
 } // namespace pollarix::server
