@@ -20,6 +20,7 @@
 #include "platform/controls/ScreenTitle.h"
 #include "platform/controls/Twips.h"
 #include "platform/files/Files.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 
@@ -189,6 +190,23 @@ void picAnalyse::FillGrid() {
     for (int row = 1; row < rows; ++row)
         widest = qMax(widest, grid.fontMetrics().horizontalAdvance(grid.TextMatrix(row, 0)));
     widths_.Fit(grid, 0, ToTwips(widest + CellPadding));
+}
+
+bool picAnalyse::ShowRow(std::int64_t ResponseID, const clsQ& question) {
+    Grid& grid = *gSummaryReport_;
+    // As the summary writes it.
+    const QString text = question.QuestionNo + ". " + PlainTextOf(question.Question);
+    for (int row = 1; row < grid.Rows(); ++row) {
+        if (grid.RowData(row) != ResponseID ||
+            (ResponseID == -1 && grid.TextMatrix(row, 1) != text))
+            continue;
+        grid.SetRow(row);
+        grid.SetCol(0);
+        grid.SetColSel(1);
+        RefreshGraph();
+        return true;
+    }
+    return false;
 }
 
 void picAnalyse::mnuAnalyseTotRespondents_Click() {

@@ -39,6 +39,10 @@ class picAnalyse : public QWidget {
     // was read until then, and behind it nothing or, without totals or rows, what it showed before.
     void RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID);
 
+    // Selects the first row of a response, or, for -1, of the question, and draws its graph. False
+    // when the list has no such row.
+    bool ShowRow(std::int64_t ResponseID, const clsQ& question);
+
     void mnuAnalyseTotRespondents_Click();
 
     void LayOut(int windowWidth, int windowHeight); // pixels

@@ -208,6 +208,15 @@ void picRespondentList::RefreshRespondentList(std::int64_t Row, std::int64_t Res
     waiting_ = Selection{Row, RespondentID};
 }
 
+void picRespondentList::ShowAnswer(std::int64_t RespondentID, std::int64_t QuestionID) {
+    ExampleQuestionEventsOn = false;
+    for (int i = 0; i < cboDCExampleQuestion_->ListCount(); ++i)
+        if (cboDCExampleQuestion_->ItemData(i) == QuestionID)
+            cboDCExampleQuestion_->SetListIndex(i);
+    ExampleQuestionEventsOn = true;
+    RefreshRespondentList(1, RespondentID);
+}
+
 void picRespondentList::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     // Whoever shows the list mostly refreshes it right after, and need not have it read twice.

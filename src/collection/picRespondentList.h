@@ -37,6 +37,10 @@ class picRespondentList : public QWidget {
     // place.
     void RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID);
 
+    // Refreshes the list and selects a respondent. The sample answers become those to the question,
+    // if it is one of those that are offered.
+    void ShowAnswer(std::int64_t RespondentID, std::int64_t QuestionID);
+
     // Places what lies inside. The window's outer size, and the height that shows of this panel, in
     // pixels.
     void LayOut(int windowWidth, int windowHeight, int visibleHeight);

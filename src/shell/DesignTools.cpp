@@ -8,12 +8,13 @@
 #include "collection/frmPreview.h"
 #include "design/frmCheckSurvey.h"
 #include "design/picDesign.h"
+#include "shell/frmFind.h"
 
 namespace pollarix {
 
-DesignTools::DesignTools(ApplicationState& state, picDesign& design,
-                         std::function<void()> showDesign, QWidget& window)
-    : state_(state), design_(design), showDesign_(std::move(showDesign)), window_(window) {}
+DesignTools::DesignTools(ApplicationState& state, picDesign& design, Screens screens,
+                         QWidget& window)
+    : state_(state), design_(design), screens_(std::move(screens)), window_(window) {}
 
 frmCheckSurvey& DesignTools::CheckWindow() {
     if (!check_) {
@@ -70,15 +71,50 @@ bool DesignTools::MayPublish() {
     return false;
 }
 
-void DesignTools::GoToQuestion(const QString& key, int response, bool activate) {
-    if (!state_.CurrentSurvey.GetQ(key))
-        return;
-    showDesign_();
-    design_.GoToQuestion(key, response);
-    if (activate) {
-        window_.raise();
-        window_.activateWindow();
+frmFind& DesignTools::FindWindow() {
+    if (!find_) {
+        find_ = new frmFind(state_, &window_);
+        find_->GoTo = [this](const FoundText& place, bool activate) {
+            return GoToPlace(place, activate);
+        };
     }
+    return *find_;
+}
+
+void DesignTools::Find() {
+    design_.CommitEdits();
+    FindWindow().ShowWindow(screens_.showAnswers());
+}
+
+void DesignTools::FindNext() {
+    design_.CommitEdits();
+    if (!find_ || !find_->FindNext())
+        Find();
+}
+
+bool DesignTools::GoToPlace(const FoundText& place, bool activate) {
+    if (place.kind == FoundText::Kind::Answer)
+        screens_.showRespondent(place.respondentId, place.questionId);
+    else if (!screens_.showInSummary(place))
+        return GoToQuestion(place.key, place.response, activate);
+    Activate(activate);
+    return true;
+}
+
+bool DesignTools::GoToQuestion(const QString& key, int response, bool activate) {
+    if (!state_.CurrentSurvey.GetQ(key))
+        return false;
+    screens_.showDesign();
+    design_.GoToQuestion(key, response);
+    Activate(activate);
+    return true;
+}
+
+void DesignTools::Activate(bool activate) {
+    if (!activate)
+        return;
+    window_.raise();
+    window_.activateWindow();
 }
 
 } // namespace pollarix

@@ -41,11 +41,10 @@ constexpr int FrameAndMenu = ToPixels(900 - 20);
 frmMain::frmMain(ApplicationState& state)
     : state_(state), canvas_(new QWidget(this)), picDesign_(new picDesign(state, canvas_)),
       document_(state, *picDesign_), files_(state, document_),
-      tools_(
-          state, *picDesign_, [this] { Show(Screen::Design); }, *this),
-      work_(*this), detailedReport_(state, work_), paperSurvey_(state, work_),
-      export_(state, work_), print_(state.dialogs, *this), transfer_(internet_),
-      server_(transfer_, state.directories), publish_({state, *picDesign_, transfer_, server_}),
+      tools_(state, *picDesign_, ScreensForTools(), *this), work_(*this),
+      detailedReport_(state, work_), paperSurvey_(state, work_), export_(state, work_),
+      print_(state.dialogs, *this), transfer_(internet_), server_(transfer_, state.directories),
+      publish_({state, *picDesign_, transfer_, server_}),
       collect_({state, *picDesign_, transfer_, server_}), helpKey_(help_),
       helpMenu_(state, help_, *this) {
     setObjectName("frmMain");
@@ -332,6 +331,24 @@ void frmMain::Form_Resize() {
     picDesign_->LayOut(statusBar()->height());
     picCollect_->LayOut(width, height);
     picAnalyse_->LayOut(width, height);
+}
+
+DesignTools::Screens frmMain::ScreensForTools() {
+    DesignTools::Screens screens;
+    screens.showDesign = [this] { Show(Screen::Design); };
+    screens.showAnswers = [this] { return !picDesign_->isVisible(); };
+    screens.showInSummary = [this](const FoundText& place) {
+        const std::shared_ptr<clsQ> q = state_.CurrentSurvey.GetQ(place.key);
+        return q && picAnalyse_->isVisible() &&
+               picAnalyse_->ShowRow(place.response > 0 ? place.responseId : -1, *q);
+    };
+    screens.showRespondent = [this](std::int64_t respondent, std::int64_t question) {
+        if (!picCollect_->isVisible())
+            mnuViewDataCollection_Click();
+        if (picCollect_->isVisible())
+            picCollect_->RespondentList().ShowAnswer(respondent, question);
+    };
+    return screens;
 }
 
 void frmMain::RefreshRespondeSummaryReportList() {

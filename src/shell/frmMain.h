@@ -93,6 +93,7 @@ class frmMain : public QMainWindow, private ProgressDisplay {
     void MoveFocusTo(std::size_t place); // of its panel
     void mnuTextWriteXML_Click();
 
+    DesignTools::Screens ScreensForTools();
     void RefreshRespondeSummaryReportList(); // row 1, no response
     void RefreshRespondentList();            // row 1, no respondent
 

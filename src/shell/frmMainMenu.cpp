@@ -220,8 +220,15 @@ void frmMain::BuildMenus() {
     findChild<QAction*>("break2")->setVisible(false);
 }
 
-// Opens the first menu, as on most desktops.
+// F10 opens the first menu, as on most desktops. Find has no menu, which are what they are.
 void frmMain::BuildMenuKey() {
+    const auto command = [this](const QKeySequence& keys, void (DesignTools::*what)()) {
+        auto* const shortcut = new QShortcut(keys, this);
+        connect(shortcut, &QShortcut::activated, this,
+                [this, what] { RunCommand([this, what] { (tools_.*what)(); }); });
+    };
+    command(QKeySequence("Ctrl+F"), &DesignTools::Find);
+    command(QKeySequence("F3"), &DesignTools::FindNext);
     auto* key = new QShortcut(Qt::Key_F10, this);
     connect(key, &QShortcut::activated, this,
             [this] { menuBar()->setActiveAction(menuBar()->actions().constFirst()); });

@@ -34,6 +34,11 @@ class DesignToolsTest : public MainWindow {
     static bool IsActive(const QWidget& window) {
         return QTest::qWaitFor([&] { return window.isActiveWindow(); });
     }
+    void Shortcut(Qt::Key key, Qt::KeyboardModifiers modifiers = {}) {
+        window->activateWindow();
+        ASSERT_TRUE(IsActive(*window));
+        QTest::keyClick(window.get(), key, modifiers);
+    }
     QString Selected() const { return Find<TreeView>("tvTreeView")->SelectedItem()->Text(); }
 };
 
@@ -81,6 +86,77 @@ TEST_F(DesignToolsTest, ThePreviewWalksWhatIsNotSavedAndStoresNothing) {
     Menu("mnuNew"); // nothing to preview, which is told
     Menu("mnuDesignPreview");
     EXPECT_EQ(dialogs.TakeTexts().last(), "There is no question to preview yet.");
+}
+
+TEST_F(DesignToolsTest, FindLeadsToQuestionsResponsesAndAnswers) {
+    Start();
+    RunSql(path,
+           {"INSERT INTO respondent (id, source, submitteddate) VALUES (1, 'Web', '2024-01-01'), "
+            "(2, 'Web', '2024-01-02')",
+            "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+            "SimpleResponse) VALUES (1, 3, 1, 'Die K\u00c4SETHEKE, 100%'), (2, 3, 1, 'no k_se'), "
+            "(2, 77, 1, 'K\u00e4se')"});
+    Shortcut(Qt::Key_F, Qt::ControlModifier);
+    auto* const find = Find<QWidget>("frmFind");
+    ASSERT_TRUE(IsActive(*find));
+    CheckAccessible(*find);
+    auto* const box = Find<QLineEdit>("txtFind");
+    auto* const found = Find<Grid>("gFound");
+    const auto look = [&](const QString& text) {
+        box->setText(text);
+        QTest::keyClick(box, Qt::Key_Return);
+    };
+    look("NO");
+    ASSERT_EQ(found->Rows(), 3);
+    EXPECT_EQ(Selected(), "1. Been here?");
+    EXPECT_EQ(Find<ListBox>("lstCheckResponses")->ListIndex(), 1);
+    look("wh");
+    EXPECT_EQ(Selected(), "2. When?");
+    // It goes on from the main window, also after a save, and begins again.
+    find->close();
+    Menu("mnuFileSave");
+    Shortcut(Qt::Key_F3);
+    EXPECT_EQ(Selected(), "3. Why?");
+    Shortcut(Qt::Key_F3);
+    EXPECT_EQ(Selected(), "2. When?");
+    Press("cmdDelete"); // a place that is gone is not gone to
+    Shortcut(Qt::Key_F3);
+    EXPECT_EQ(Selected(), "2. Why?");
+    Shortcut(Qt::Key_F3);
+    EXPECT_EQ(Selected(), "2. Why?");
+
+    // On the Analyze screen, the rows there, and the answers.
+    dialogs.answers = {MsgAnswer::No, MsgAnswer::Yes};
+    Menu("mnuViewAnalyse");
+    Shortcut(Qt::Key_F, Qt::ControlModifier);
+    look("yes");
+    EXPECT_TRUE(Find<QWidget>("picAnalyse")->isVisible());
+    EXPECT_EQ(Find<Grid>("gSummaryReport")->Row(), 2);
+    look("K\u00e4se");
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1); // the design was not saved: No
+    EXPECT_TRUE(Find<QWidget>("picAnalyse")->isVisible());
+    ASSERT_EQ(found->Rows(), 2);
+    EXPECT_EQ(found->TextMatrix(1, 2), "Die K\u00c4SETHEKE, 100%");
+    Press("cmdFindNext"); // Yes
+    EXPECT_TRUE(Find<QWidget>("picCollect")->isVisible());
+    auto* const respondents = Find<Grid>("gRespondents");
+    EXPECT_EQ(respondents->RowData(respondents->Row()), 1);
+    EXPECT_EQ(respondents->TextMatrix(respondents->Row(), 1), "Die K\u00c4SETHEKE, 100%");
+    look("_");
+    EXPECT_EQ(respondents->RowData(respondents->Row()), 2);
+    EXPECT_EQ(found->Rows(), 2);
+    look("0%");
+    EXPECT_EQ(found->Rows(), 2);
+    look("nowhere");
+    EXPECT_EQ(Find<QLabel>("lblFound")->text(), "It was not found.");
+
+    RunSql(path, {"WITH RECURSIVE n (i) AS (SELECT 1 UNION SELECT i + 1 FROM n WHERE i < 1100) "
+                  "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+                  "SimpleResponse) SELECT 1, 3, 1, 'many ' || i FROM n"});
+    look("many");
+    EXPECT_EQ(found->Rows(), 1001);
+    EXPECT_EQ(Find<QLabel>("lblFound")->text(), "More than 1000 places; these are the first.");
+    EXPECT_TRUE(failures.empty());
 }
 
 TEST_F(DesignToolsTest, TheCheckLeadsToEachPlaceAndPublishingOffersIt) {

@@ -26,10 +26,21 @@ QImage Help(Studio& studio) {
     return studio.PictureOf(help.Window());
 }
 
+QImage Find(Studio& studio) {
+    studio.StartWithSample(Small);
+    studio.Menu("mnuViewAnalyse");
+    QTest::keyClick(&studio.MainWindow(), Qt::Key_F, Qt::ControlModifier);
+    auto& find = studio.Find<QWidget>("frmFind");
+    studio.Type("txtFind", "staff", &find);
+    QTest::keyClick(&studio.Find<QWidget>("txtFind", &find), Qt::Key_Return);
+    return studio.PictureOf(find);
+}
+
 } // namespace
 
 std::vector<Scene> ShellScenes() {
     return {
+        {"find", "Window that finds a text", Find},
         {"splash", "Splash at the start", [](Studio& studio) { return studio.PictureOfSplash(); }},
         {"tip", "Tip of the day",
          [](Studio& studio) { return Dialog(studio, "mnuHelpTipOfTheDay", "frmTip"); }},
