@@ -23,6 +23,7 @@
 #include "platform/controls/RedrawOff.h"
 #include "platform/controls/ScreenTitle.h"
 #include "platform/controls/Twips.h"
+#include "platform/richtext/RichText.h"
 
 namespace pollarix {
 
@@ -109,10 +110,27 @@ void picDesign::LoadMatrixResponses() {
 
 void picDesign::AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID) {
     picQProperties_->CommitNoOfRows();
-    const QString key = editor_.AddQuestion(qType, ResponseMatrixGroupID);
-    TreeNode& node = tvTreeView_.Add(RootKey, TreeView::tvwChild, key, NoTextYet);
+    ShowAdded(editor_.AddQuestion(qType, ResponseMatrixGroupID), NoTextYet);
+}
+
+void picDesign::ShowAdded(const QString& key, const QString& label) {
+    TreeNode& node = tvTreeView_.Add(RootKey, TreeView::tvwChild, key, label);
     node.SetSelected();
     picQProperties_->tvTreeView_NodeClick(node);
+}
+
+void picDesign::mnuDesignDuplicate_Click() {
+    CommitEdits();
+    const QString original = SelectedQuestionKey();
+    if (!editor_.Survey().GetQ(original)) {
+        state_.dialogs.MsgBox("Please select a question to duplicate.", MsgIcon::Critical);
+        return;
+    }
+    const QString key = editor_.DuplicateQuestion(original);
+    const std::shared_ptr<clsQ> copy = editor_.Survey().GetQ(key);
+    const QString text = PlainTextOf(copy->Question);
+    ShowAdded(key, PrefixOf(copy->qType, copy->QuestionNo) +
+                       (text.isEmpty() ? QString(NoTextYet) : text));
 }
 
 void picDesign::mnuDesignAddOpenEndedQuestion_Click() {

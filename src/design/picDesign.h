@@ -46,6 +46,8 @@ class picDesign : public QWidget, public SurveyViews, private EditorScreen {
     void mnuDesignAddRadioQuestion_Click();
     void mnuDesignAddMatrixQuestion_Click();
     void mnuDesignAddText_Click();
+    // Adds a copy of the selected question, likewise.
+    void mnuDesignDuplicate_Click();
     // The one that the program starts with, which is no step that could be undone.
     void AddBlankOpenEndedQuestion();
 
@@ -92,6 +94,7 @@ class picDesign : public QWidget, public SurveyViews, private EditorScreen {
 
     bool IsStepKey(QKeyEvent& event);
     void AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID);
+    void ShowAdded(const QString& key, const QString& label);
     void AddLibraryText(const QString& name);
     int BodyTop() const;
 

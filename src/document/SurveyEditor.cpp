@@ -63,6 +63,24 @@ QString SurveyEditor::AddQuestion(std::int32_t qType, std::int16_t ResponseMatri
     return key;
 }
 
+QString SurveyEditor::DuplicateQuestion(const QString& key) {
+    QString copyKey;
+    AsOneStep([&] {
+        const std::shared_ptr<clsQ> original = state_.CurrentSurvey.GetQ(key);
+        copyKey = AddQuestion(original->qType, original->ResponseMatrixGroupID);
+        const std::shared_ptr<clsQ> copy = state_.CurrentSurvey.GetQ(copyKey);
+        state_.History.Questions().Touch(*copy);
+        copy->Question = original->Question;
+        copy->OpenEnded_NoOfRows = original->OpenEnded_NoOfRows;
+        for (int i = 1; i <= original->ResponsesCount(); ++i) {
+            const clsResponse& r = *original->GetResponse(Narrow16(i));
+            const QString& target = r.LogicJumpToQuestionKey;
+            copy->AddResponse(r.Text, -1, -1, target == key ? copyKey : target);
+        }
+    });
+    return copyKey;
+}
+
 void SurveyEditor::SwapQuestions(const QString& key, const QString& neighbour) {
     AsOneStep([&] {
         state_.CurrentSurvey.SwapQ(key, neighbour);

@@ -36,6 +36,11 @@ class SurveyEditor {
     // numbered anew. Throws Overflow for a 32768th question.
     QString AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID);
 
+    // Adds a copy of a question at the end, as every addition, and gives its key. Its responses have
+    // no rows yet; their jumps lead where those of the question do, and to the copy where those lead
+    // to the question itself. Marks. The key must be known. Throws Overflow as AddQuestion does.
+    QString DuplicateQuestion(const QString& key);
+
     // These two renumber, and mark. The keys are those of neighbours; that of the question to
     // delete must be known.
     void SwapQuestions(const QString& key, const QString& neighbour);

@@ -155,6 +155,8 @@ void frmMain::BuildMenus() {
               {},
               [this] { picDesign_->mnuDesignAddText_Click(); }},
              Separator("mnuDesignSep2"),
+             {"mnuDesignDuplicate", "&Duplicate Question", QKeySequence("Ctrl+Shift+D"),
+              [this] { picDesign_->mnuDesignDuplicate_Click(); }},
              {"mnuDesignPreview", "&Preview...", QKeySequence("F5"),
               [this] { tools_.mnuDesignPreview_Click(); }},
              {"mnuDesignPreviewFromHere", "Preview from &Here...", QKeySequence("Shift+F5"),

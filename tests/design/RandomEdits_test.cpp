@@ -63,6 +63,17 @@ class RandomEdits : public DesignScreen {
         survey_.back().text = PlainTextOf(node->Text());
     }
 
+    void Duplicate(int at) {
+        design_->mnuDesignDuplicate_Click();
+        const Question original = survey_[std::size_t(at)];
+        Append(original.qType, original.scale);
+        Question& copy = survey_.back();
+        copy.text = original.text;
+        for (const Answer& answer : original.answers)
+            copy.answers.push_back(
+                {answer.text, answer.jump == original.number ? copy.number : answer.jump});
+    }
+
     int Below(std::size_t count) {
         return std::uniform_int_distribution<>(0, int(count) - 1)(dice_);
     }
@@ -91,7 +102,7 @@ class RandomEdits : public DesignScreen {
         const int at = Below(survey_.size());
         Question& q = survey_[at];
         ClickNode(at + 1);
-        switch (Below(9)) {
+        switch (Below(10)) {
         case 0:
         case 1: {
             const bool up = Below(2) == 0;
@@ -123,6 +134,8 @@ class RandomEdits : public DesignScreen {
             Key("txtQ", Qt::Key_X);
             Key("txtQ", Qt::Key_Z, Qt::ControlModifier);
             break;
+        case 5:
+            return Duplicate(at);
         default:
             if (HasResponses(q.qType))
                 EditAnswers(q);
