@@ -58,7 +58,11 @@ class RandomEdits : public DesignScreen {
             node = &library.Item(1 + Below(std::size_t(library.Count())));
         while (!node->Key().startsWith("Q_"));
         node->SetSelected();
+        // Undo may lead to where no question is selected and the box is empty: it takes the text.
+        const bool lost = SelectedKey() == RootKey && design_->EditorText().isEmpty();
         Press("cmdLibraryAdd");
+        if (lost)
+            return;
         Append(kind::OpenEnded, 2);
         survey_.back().text = PlainTextOf(node->Text());
     }
