@@ -141,6 +141,20 @@ TEST_F(Database, ABatchIsWrittenAsAWholeOrAsFarAsItGot) {
         batch.Commit();
         EXPECT_EQ(RowsOnDisk(), 2);
     }
+    {
+        WriteBatch batch(connection);
+        FailureOf([&] { // its own part alone
+            WriteBatch nested(connection, WriteBatch::OnFailure::TakeBack);
+            connection.Run("DELETE FROM item");
+            connection.Run("INSERT INTO item(size) VALUES('x')");
+        });
+        EXPECT_EQ(Rows(), 2);
+        WriteBatch nested(connection);
+        connection.Run("DELETE FROM item");
+        nested.TakeBack();
+        batch.Commit();
+    }
+    EXPECT_EQ(RowsOnDisk(), 2);
     FailureOf([&] {
         WriteBatch batch(connection);
         connection.Run("INSERT INTO item(size) VALUES(3)");

@@ -295,12 +295,12 @@ std::int64_t TableInsert::Add(std::initializer_list<DbValue> values) {
 // --- WriteBatch ---
 
 WriteBatch::WriteBatch(Connection& connection, OnFailure onFailure) : onFailure_(onFailure) {
-    if (connection.RequireOpen().inBatch) {
-        done_ = true;
-        return;
-    }
+    nested_ = connection.RequireOpen().inBatch;
     handle_ = connection.handle_;
-    handle_->Begin();
+    if (nested_)
+        handle_->OpenNested();
+    else
+        handle_->Begin();
 }
 
 WriteBatch::~WriteBatch() {
@@ -318,15 +318,22 @@ WriteBatch::~WriteBatch() {
 }
 
 void WriteBatch::TakeBack() {
+    if (done_)
+        return;
     done_ = true;
-    handle_->RollBack();
+    if (nested_)
+        handle_->TakeBackNested();
+    else
+        handle_->RollBack();
 }
 
 void WriteBatch::Commit() {
     if (done_)
         return;
     done_ = true;
-    if (handle_->inBatch) {
+    if (handle_->inBatch && nested_) {
+        handle_->CloseNested();
+    } else if (handle_->inBatch) {
         handle_->Commit();
     } else if (handle_->batchFailure) {
         throw *handle_->batchFailure; // the connection was closed and could not keep the batch
@@ -343,7 +350,10 @@ bool IsBusy(const Failure& failure) {
 }
 
 void SettleJournal(const QString& path) {
-    const QString journal = QFileInfo(path).absoluteFilePath() + "-journal";
+    // The database follows links, and writes its journal beside what they lead to.
+    const QFileInfo info(path);
+    const QString real = info.exists() ? info.canonicalFilePath() : info.absoluteFilePath();
+    const QString journal = real + "-journal";
     if (!QFileInfo::exists(journal))
         return;
     try {

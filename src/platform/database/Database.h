@@ -155,32 +155,34 @@ class TableInsert {
     std::unique_ptr<State> state_;
 };
 
-// Groups the statements of one user action into one commit. Nested batches belong to the outermost.
-// When the scope is left without Commit, by a failure say, what was written so far is committed: an
+// Groups the statements of one user action into one commit, which is that of the outermost batch.
+// When the scope is left without Commit, by a failure say, what was written so far is kept: an
 // action that fails leaves the file as far as it got. Where that is not wanted, the batch is made
-// to take everything back, and the file is as it was. At a crash the file holds all of the action
-// or none of it. Some failures (a full disk, a broken one) make the database itself take the whole
-// batch back: then nothing more is written in it and Commit throws that failure.
+// to take everything back, and the file is as it was. A nested one takes back its own part alone.
+// At a crash the file holds all of the action or none of it. Some failures (a full disk, a broken
+// one) make the database itself take the whole batch back: then nothing more is written in it and
+// Commit throws that failure.
 class WriteBatch {
   public:
     enum class OnFailure { Keep, TakeBack };
 
     // Takes the file's write lock; throws "database is locked" when another program holds it.
+    // Nested batches have to end in the reverse order of their making.
     explicit WriteBatch(Connection& connection, OnFailure onFailure = OnFailure::Keep);
     ~WriteBatch();
     WriteBatch(const WriteBatch&) = delete;
     WriteBatch& operator=(const WriteBatch&) = delete;
 
-    // Ends the batch and writes it; throws if the file can't take it, and then nothing of the batch
-    // is in the file.
+    // Ends the batch and writes it, the outermost into the file; throws if the file can't take it,
+    // and then nothing of the batch is in the file.
     void Commit();
-    // Ends the batch and leaves the file as it was; in a nested batch, as it was before the
-    // outermost.
+    // Ends the batch and leaves the file as it was before it.
     void TakeBack();
 
   private:
     std::shared_ptr<Connection::Handle> handle_;
     OnFailure onFailure_ = OnFailure::Keep;
+    bool nested_ = false;
     bool done_ = false;
 };
 

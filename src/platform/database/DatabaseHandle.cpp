@@ -304,6 +304,24 @@ void Connection::Handle::RollBack() noexcept {
         sqlite3_exec(Raw(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
+void Connection::Handle::OpenNested() {
+    if (!batchFailure &&
+        sqlite3_exec(Raw(), "SAVEPOINT nested", nullptr, nullptr, nullptr) != SQLITE_OK)
+        Fail();
+}
+
+void Connection::Handle::CloseNested() {
+    if (batchFailure)
+        throw *batchFailure;
+    if (sqlite3_exec(Raw(), "RELEASE nested", nullptr, nullptr, nullptr) != SQLITE_OK)
+        Fail();
+}
+
+void Connection::Handle::TakeBackNested() noexcept {
+    if (inBatch && !batchFailure)
+        sqlite3_exec(Raw(), "ROLLBACK TO nested; RELEASE nested", nullptr, nullptr, nullptr);
+}
+
 void Connection::Handle::Fail() {
     const Failure failed(sqlite3_extended_errcode(Raw()), QString::fromUtf8(sqlite3_errmsg(Raw())),
                          "SQLite");

@@ -61,6 +61,10 @@ struct Connection::Handle {
     // Ends the batch; what can't be committed is rolled back and the failure thrown.
     void Commit();
     void RollBack() noexcept;
+    // A batch within the batch. What SQLite has rolled back by itself has none to end.
+    void OpenNested();
+    void CloseNested();
+    void TakeBackNested() noexcept;
     // Throws what SQLite says, and notes when it has rolled back the batch.
     [[noreturn]] void Fail();
 
