@@ -13,22 +13,24 @@ void FileCommands::mnuNew_Click() {
 }
 
 void FileCommands::mnuFileOpen_Click() {
+    if (!document_.AskToSave(Qt::CaseInsensitive))
+        return;
+    QString name;
     try {
-        if (!document_.AskToSave(Qt::CaseInsensitive))
-            return;
         FileDialogRequest request;
         request.title = "Open";
         request.filter = "Pollarix (*.plxs)|*.plxs";
-        const QString name = state_.dialogs.ShowOpen(request).fileName;
+        name = state_.dialogs.ShowOpen(request).fileName;
         if (name.isEmpty())
             return;
         document_.DoClose();
         document_.DoOpen(name, true, 1);
-        document_.OfferRecovery(name);
     } catch (const std::exception&) {
         if (CaughtFailure().Number() != failure::DialogCancelled)
             state_.dialogs.MsgBox("Unable to open file.", MsgIcon::Critical);
+        return;
     }
+    document_.OfferRecovery(name);
 }
 
 } // namespace pollarix

@@ -14,7 +14,8 @@ class FileCommands {
     // Throws when the template can't be copied; the survey that was open is closed by then.
     void mnuNew_Click();
 
-    // Asks for a file and opens it. Throws nothing but what the save question's way throws.
+    // Asks for a file and opens it. Throws what the save question and the offer to restore throw,
+    // which is not about the file that was chosen.
     void mnuFileOpen_Click();
 
   private:
