@@ -13,6 +13,7 @@
 #include "collection/ChoicePage.h"
 #include "collection/MatrixPage.h"
 #include "collection/TextPage.h"
+#include "document/SurveyBatch.h"
 #include "platform/base/Handlers.h"
 #include "platform/base/ShownText.h"
 #include "platform/controls/PageButton.h"
@@ -244,43 +245,45 @@ void frmManualResponse::PlaceFocus(bool isLost) {
         cmdDCAnswersNext_->setFocus();
 }
 
-void frmManualResponse::ShowDCAnswer() {
+bool frmManualResponse::ShowDCAnswer() {
     JumpTarget = AnswerPage::NoJump;
     Connection& file = state_.SurveyConnection;
     std::int64_t question = 0;
     {
         const Recordset row =
             file.Execute("SELECT ID FROM question WHERE pos = ?", {entry_.CurrentPosition});
-        if (row.AtEnd()) {
-            state_.dialogs.MsgBox("Error cmdDCAnswersNext_Click", MsgIcon::Critical);
-            return;
-        }
+        if (row.AtEnd())
+            return false;
         question = row.Integer(0);
     }
     const AnswerPlace place{file, question, entry_.CurrentRespondentID};
     RequireRead(place);
-    std::int16_t target = AnswerPage::NoJump;
-    WriteBatch batch(file, WriteBatch::OnFailure::TakeBack);
     file.Run("DELETE FROM Respondent_Responses WHERE RespondentID = ? AND questionid = ?",
              {place.respondent, question});
     if (AnswerPage* const page = Page(); page && page->HasAnswers())
-        target = page->Store(place);
-    batch.Commit();
-    JumpTarget = target;
+        JumpTarget = page->Store(place);
+    return true;
 }
 
 // Where the survey was left for another meanwhile, or another program has deleted the respondent,
 // the page has nothing to go on with.
-bool frmManualResponse::MayStore() {
+bool frmManualResponse::Store() {
     const int opening = state_.Openings();
-    const bool may = state_.MayWrite();
-    if (!may && state_.Openings() == opening)
+    SurveyBatch batch(state_);
+    if (!batch && state_.Openings() == opening)
         return false;
-    if (may) {
-        if (!state_.SurveyConnection
-                 .Execute("SELECT id FROM respondent WHERE id = ?", {entry_.CurrentRespondentID})
-                 .AtEnd())
-            return true;
+    if (batch &&
+        !state_.SurveyConnection
+             .Execute("SELECT id FROM respondent WHERE id = ?", {entry_.CurrentRespondentID})
+             .AtEnd()) {
+        const bool stored = ShowDCAnswer();
+        batch.Commit();
+        if (!stored)
+            state_.dialogs.MsgBox("Error cmdDCAnswersNext_Click", MsgIcon::Critical);
+        return true;
+    }
+    if (batch) {
+        batch.TakeBack(); // nobody waits for the file while the box shows
         state_.dialogs.MsgBox("This respondent is not in the survey any more. What was entered on "
                               "this page is not stored.",
                               MsgIcon::Critical);
@@ -294,9 +297,8 @@ void frmManualResponse::cmdDCAnswersNext_Click() {
         Form_Load();
         return;
     }
-    if (!MayStore())
+    if (!Store())
         return;
-    ShowDCAnswer();
     std::int32_t next = entry_.CurrentPosition;
     if (JumpTarget == AnswerPage::NoJump) {
         ++next;
@@ -317,9 +319,8 @@ void frmManualResponse::cmdDCAnswersNext_Click() {
 void frmManualResponse::cmdDCAnswersPrevious_Click() {
     if (entry_.CurrentPosition == 1)
         return;
-    if (!MayStore())
+    if (!Store())
         return;
-    ShowDCAnswer();
     // The position before, which after a jump need not be the page the user came from.
     MoveTo(entry_.CurrentPosition - 1);
 }

@@ -34,10 +34,11 @@ class frmManualResponse : public QDialog {
     bool RespondentAnswers_ShowQuestion();
 
     // Stores the answer of the page shown and sets the jump that it leads to, if any. All earlier
-    // answers of the respondent to this question go first, whatever its kind; when storing fails,
-    // they stay. A page that could not be read does not take the place of answers that are stored:
-    // the failure of the reading is thrown, and the page read once more for the next try.
-    void ShowDCAnswer();
+    // answers of the respondent to this question go first, whatever its kind. A page that could not
+    // be read does not take the place of answers that are stored: the failure of the reading is
+    // thrown, and the page read once more for the next try. False, and nothing is stored, when no
+    // question has the page's position. Needs a batch, whose owner takes it back at a failure.
+    bool ShowDCAnswer();
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
@@ -56,7 +57,7 @@ class frmManualResponse : public QDialog {
     void ReadPage(const AnswerPlace& place);
     void RequireRead(const AnswerPlace& place);
     void PlaceFocus(bool isLost); // whether it was in what does not show any more
-    bool MayStore();
+    bool Store();                 // false when the page is not to be left
 
     bool MoveTo(std::int32_t position);
     void cmdDCAnswersNext_Click();

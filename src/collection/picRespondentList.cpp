@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "collection/frmManualResponse.h"
+#include "document/SurveyBatch.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
 #include "platform/base/Handlers.h"
@@ -321,12 +322,13 @@ void picRespondentList::RequireWritableForEntry() {
 }
 
 void picRespondentList::cmdCreateResponse_Click() {
-    if (!state_.MayWrite())
-        return;
-    RequireWritableForEntry();
     {
+        SurveyBatch batch(state_);
+        if (!batch)
+            return;
         TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
         entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
+        batch.Commit();
     }
     EnterAnswers();
 }
@@ -350,10 +352,12 @@ void picRespondentList::cmdDeleteResponse_Click() {
         "Delete Respondent? This will delete all responses provided by this Respondent.",
         MsgIcon::Question, MsgButtons::YesNo);
     const int opening = state_.Openings();
-    if (answer != MsgAnswer::Yes || !state_.MayWrite() || state_.Openings() != opening)
+    if (answer != MsgAnswer::Yes)
+        return;
+    SurveyBatch batch(state_);
+    if (!batch || state_.Openings() != opening)
         return; // another list is shown by now
     const std::int64_t id = gRespondents_->RowData(gRespondents_->Row());
-    WriteBatch batch(state_.SurveyConnection, WriteBatch::OnFailure::TakeBack);
     state_.SurveyConnection.Run("DELETE FROM respondent_responses WHERE respondentid = ?", {id});
     state_.SurveyConnection.Run("DELETE FROM respondent WHERE id = ?", {id});
     batch.Commit();

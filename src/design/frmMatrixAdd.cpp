@@ -8,6 +8,7 @@
 
 #include "design/EntryLines.h"
 #include "design/ResponseScales.h"
+#include "document/SurveyBatch.h"
 #include "platform/controls/OnClick.h"
 
 namespace pollarix {
@@ -77,9 +78,11 @@ void frmMatrixAdd::cmdOK_Click() {
     QStringList points;
     for (int i = 0; i < lstList_->ListCount(); ++i)
         points << lstList_->List(i);
-    if (!state_.MayWrite())
+    SurveyBatch batch(state_);
+    if (!batch)
         return;
     AddResponseScale(state_.SurveyConnection, points);
+    batch.Commit();
     close();
 }
 

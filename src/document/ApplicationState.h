@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <functional>
+#include <optional>
 
 #include "document/DesignHistory.h"
 #include "document/clsSurvey.h"
@@ -28,7 +29,8 @@ struct ApplicationState {
 
     clsSurvey CurrentSurvey;
     DesignHistory History;        // of CurrentSurvey since it was opened
-    Connection SurveyConnection;  // open whenever a survey is; SurveyDocument opens and closes it
+    Connection SurveyConnection;  // open whenever a survey is; SurveyDocument opens and closes it,
+                                  // and what is written through it goes through a SurveyBatch
     Connection LibraryConnection; // open on Library.mdb for the whole run, read only
 
     // Full path; "" when none; ends in ".tmp" while it has no name.
@@ -48,18 +50,12 @@ struct ApplicationState {
     // For undo that has come back to what the file holds, and nobody else.
     void MarkFileUnchanged() { fileChanged_ = false; }
 
-    // To be asked before anything is written into the survey file at once: answers, an import, a
-    // scale, the deletion of a respondent. False when the file is no longer the one that was opened
-    // and the user wants nothing written; what is open may then be another. When the user has saved
-    // the survey as a file of its own, it is open and takes what is to be written. Throws what the
-    // database throws.
-    bool MayWrite() { return !mayWrite_ || mayWrite_(); }
-
     // Whether the path leads to the file of the open survey, by whatever name, also when the survey
     // has been renamed meanwhile or could not be opened.
     bool IsOpenSurvey(const QString& path) const { return isOpenSurvey_ && isOpenSurvey_(path); }
 
   private:
+    friend class SurveyBatch;
     friend class SurveyDocument;
 
     QString currentFilename_;
@@ -67,7 +63,8 @@ struct ApplicationState {
     bool fileChanged_ = false;
     int openings_ = 0;
     std::function<void()> onChange_;
-    std::function<bool()> mayWrite_;
+    std::function<void(std::optional<WriteBatch>&)> beginBatch_; // leaves none where none may be
+    std::function<void(WriteBatch&)> commitBatch_;
     std::function<bool(const QString&)> isOpenSurvey_;
 };
 

@@ -12,6 +12,7 @@
 
 #include "platform/base/Failure.h"
 #include "platform/files/Files.h"
+#include "platform/files/OwnersLock.h"
 
 namespace pollarix {
 
@@ -81,17 +82,6 @@ QByteArray SumOf(const QByteArray& bytes) {
     return QCryptographicHash::hash(bytes, QCryptographicHash::Sha1).toHex() + '\n';
 }
 
-QString LockPathOf(const QString& path) {
-    return path + ".lock";
-}
-
-// None while the program that holds it runs.
-std::unique_ptr<QLockFile> Lock(const QString& path) {
-    auto lock = std::make_unique<QLockFile>(LockPathOf(path));
-    lock->setStaleLockTime(0); // however long it is held
-    return lock->tryLock() ? std::move(lock) : nullptr;
-}
-
 } // namespace
 
 QByteArray UnsavedSurvey::ToBytes() const {
@@ -132,7 +122,7 @@ void Recovery::Keep(const UnsavedSurvey& survey) {
     if (!own_) {
         // The lock is there before the file, so that nobody ever sees it without one.
         const QString path = directory_ + '/' + QUuid::createUuid().toString(QUuid::Id128) + Suffix;
-        auto lock = Lock(path);
+        auto lock = LockBeside(path);
         if (!lock)
             throw Failure(failure::PathOrFileAccess, directory_ + ": it takes no file");
         own_ = std::make_unique<Slot>(Slot{path, std::move(lock)});
@@ -152,7 +142,7 @@ std::vector<Recovery::Found> Recovery::Search() const {
     const QDir directory(directory_);
     for (const QString& name : directory.entryList({QString('*') + Suffix}, QDir::Files)) {
         const QString path = directory.filePath(name);
-        auto lock = Lock(path);
+        auto lock = LockBeside(path);
         QFile file(path);
         if (!lock || !file.open(QIODevice::ReadOnly))
             continue;
@@ -167,18 +157,29 @@ std::vector<Recovery::Found> Recovery::Search() const {
         Remove(std::move(all.back()));
         all.pop_back();
     }
-    // Locks of programs that went down before they had written anything.
-    for (const QString& name :
-         directory.entryList({QString('*') + LockPathOf(Suffix)}, QDir::Files | QDir::Hidden)) {
-        const QString path = directory.filePath(name.chopped(qsizetype(qstrlen(".lock"))));
-        if (!QFile::exists(path))
-            Lock(path);
-    }
+    // Of programs that went down before they had written anything, or while they did.
+    DropLocksOfNothing(directory_, QString('*') + Suffix);
+    for (const QFileInfo& part : directory.entryInfoList({QString('*') + Suffix + ".??????"}))
+        if (part.lastModified() < oldest)
+            QFile::remove(part.filePath());
     return all;
 }
 
 void Recovery::Remove(Found found) {
     QFile::remove(found.slot.path);
+}
+
+QStringList Recovery::Paths() const {
+    QStringList paths;
+    const QDir directory(directory_);
+    for (const QString& name : directory.entryList({QString('*') + Suffix}, QDir::Files)) {
+        QFile file(directory.filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        if (const auto survey = UnsavedSurvey::FromBytes(file.readAll()))
+            paths << survey->path;
+    }
+    return paths;
 }
 
 void Recovery::Adopt(Found found) {

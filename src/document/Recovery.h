@@ -6,6 +6,7 @@
 
 #include <QDateTime>
 #include <QLockFile>
+#include <QStringList>
 
 #include <memory>
 #include <optional>
@@ -17,7 +18,8 @@
 namespace pollarix {
 
 struct UnsavedSurvey {
-    QString path;      // full path of the survey; "" while it has no name
+    QString path;      // full path of the survey, ".tmp" at its end while it has no name; "" where
+                       // no file was open
     QByteArray digest; // of the design in that file when it was opened (DigestOfDesign)
     QDateTime when;    // local time
     SurveySnapshot design;
@@ -58,6 +60,8 @@ class Recovery {
     // what can't be read, or is a running program's, is passed over.
     std::vector<Found> Search() const;
     static void Remove(Found found);
+    // The paths of the surveys in all of them, also those of running programs.
+    QStringList Paths() const;
     // Goes on with what was found as this program's own.
     void Adopt(Found found);
 

@@ -33,9 +33,11 @@ void RecoveryWriter::LeaveBehind() {
 void RecoveryWriter::Write() noexcept {
     try {
         const std::optional<UnsavedSurvey> unsaved = source_();
-        if (!unsaved)
-            Stop();
-        else if (unsaved->design != written_) {
+        // The turns go on: the text of a key that is still down comes with its release.
+        if (!unsaved) {
+            written_.reset();
+            files_.Drop();
+        } else if (unsaved->design != written_) {
             files_.Keep(*unsaved);
             written_ = unsaved->design;
         }

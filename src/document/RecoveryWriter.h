@@ -20,7 +20,8 @@ class RecoveryWriter {
     using Source = std::function<std::optional<UnsavedSurvey>()>;
     RecoveryWriter(const QString& directory, int intervalMs, Source source);
 
-    // The survey was changed: writes soon, and goes on as long as the source gives something new.
+    // The survey was changed: writes soon, and goes on to write what is new, until Stop. What is
+    // not worth keeping just now is not kept, and may be at the next turn.
     void Start();
     // Nothing is unsaved any more.
     void Stop();
@@ -28,6 +29,7 @@ class RecoveryWriter {
     void LeaveBehind();
 
     Recovery& Files() { return files_; }
+    const Recovery& Files() const { return files_; }
 
   private:
     // Failures are not told: a box every few seconds would keep the user from saving, and a disk

@@ -6,6 +6,7 @@
 
 #include <utility>
 
+#include "document/QuestionLabels.h"
 #include "document/SurveyReader.h"
 #include "document/SurveyWriter.h"
 #include "platform/base/Failure.h"
@@ -19,9 +20,9 @@ namespace {
 constexpr const char* SaveQuestion = "Do you want to save the changes you made?";
 constexpr const char* SurveyFilter = "Pollarix (*.plxs)|*.plxs";
 
-QString NodeText(const SurveySnapshot::Question& q) {
+QString NodeText(const SurveySnapshot::Question& q, const QString& noText) {
     const QString text = PlainTextOf(q.Text);
-    return q.qType == kind::Text || q.QuestionNo.isEmpty() ? text : q.QuestionNo + ". " + text;
+    return PrefixOf(q.qType, q.QuestionNo) + (text.isEmpty() ? noText : text);
 }
 
 // Nothing that anybody could miss: what every new survey begins with.
@@ -41,6 +42,10 @@ QString TimeText(const QDateTime& when) {
     return when.date() == QDate::currentDate()
                ? QLocale().toString(when.time(), QLocale::ShortFormat)
                : QLocale().toString(when, QLocale::ShortFormat);
+}
+
+bool IsNamed(const QString& path) {
+    return !path.isEmpty() && !EndsInTmp(path, Qt::CaseInsensitive);
 }
 
 // Carries the steps that can be undone over the reading back of what was just written.
@@ -67,10 +72,18 @@ bool EndsInTmp(const QString& path, Qt::CaseSensitivity sensitivity) {
 }
 
 SurveyDocument::SurveyDocument(ApplicationState& state, SurveyViews& views, int recoveryMs)
-    : state_(state), views_(views),
+    : state_(state), views_(views), unnamed_(state.directories),
       recovery_(state.directories.user, recoveryMs, [this] { return Unsaved(); }) {
     state_.onChange_ = [this] { recovery_.Start(); };
-    state_.mayWrite_ = [this] { return CheckFile() != FileCheck::Stop; };
+    state_.beginBatch_ = [this](std::optional<WriteBatch>& batch) {
+        if (Begin(batch) == FileCheck::SavedAs)
+            Begin(batch);
+    };
+    state_.commitBatch_ = [this](WriteBatch& batch) {
+        watch_.Commit(state_.SurveyConnection, batch);
+        if (IsUnnamed())
+            recovery_.Start(); // answers in it are nowhere else
+    };
     state_.isOpenSurvey_ = [this](const QString& path) {
         const std::optional<FileState> file = StateOfFile(path);
         return (file && opened_ && file->IsSameFile(*opened_)) ||
@@ -80,7 +93,8 @@ SurveyDocument::SurveyDocument(ApplicationState& state, SurveyViews& views, int 
 
 SurveyDocument::~SurveyDocument() {
     state_.onChange_ = {};
-    state_.mayWrite_ = {};
+    state_.beginBatch_ = {};
+    state_.commitBatch_ = {};
     state_.isOpenSurvey_ = {};
 }
 
@@ -103,6 +117,7 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
         ShowPath(EndsInTmp(sFilename, Qt::CaseInsensitive) ? QString() : sFilename);
         state_.SurveyConnection.Open(sFilename);
         opened_ = StateOfFile(sFilename);
+        unnamed_.HoldOnly(sFilename);
 
         {
             const Recordset version = state_.SurveyConnection.Execute("SELECT * FROM version");
@@ -125,31 +140,30 @@ void SurveyDocument::DoOpen(const QString& sFilename, bool bIsNew, int SelectInd
 
 void SurveyDocument::ReadAndShow(int SelectIndex) {
     Connection& file = state_.SurveyConnection;
-    {
-        // One transaction over the whole reading: no other program can lock or change the file in
-        // the middle and leave half of it here.
-        const Recordset reading = file.Execute("SELECT name FROM sqlite_schema");
-        views_.ShowTree({});
-        state_.CurrentSurvey.ClearAll();
-        closed_.clear();
-        views_.LoadMatrixResponses();
-        const DesignRead read = ReadDesign(file);
-        // Where the reading ended early, what was read is shown before that is told.
-        Show(read.design, read.failure ? -1 : SelectIndex);
-        if (read.failure)
-            throw *read.failure;
-        state_.History.Start(state_.CurrentSurvey);
-        isWhole_ = true;
-        // Within the same transaction: what another program commits from now on is a change.
-        try {
-            watch_.Note(file);
-        } catch (const Failure&) {
-            // A table that is missing is told by whoever shows it.
-        }
+    // One transaction over the whole reading: no other program can lock or change the file in the
+    // middle and leave half of it here.
+    const Recordset reading = file.Execute("SELECT name FROM sqlite_schema");
+    views_.ShowTree({});
+    state_.CurrentSurvey.ClearAll();
+    closed_.clear();
+    views_.LoadMatrixResponses();
+    const DesignRead read = ReadDesign(file);
+    // Where the reading ended early, what was read is shown before that is told.
+    Show(read.design, read.failure ? -1 : SelectIndex);
+    // Within the same transaction: what another program commits from now on is a change.
+    try {
+        watch_.Note(file);
+    } catch (const Failure&) {
+        if (!read.failure)
+            throw; // what can't be told from another survey is never written over
     }
+    if (read.failure)
+        throw *read.failure;
+    state_.History.Start(state_.CurrentSurvey);
+    isWhole_ = true;
 }
 
-void SurveyDocument::Show(const SurveySnapshot& design, int SelectIndex) {
+void SurveyDocument::Show(const SurveySnapshot& design, int SelectIndex, const QString& noText) {
     const int count = static_cast<int>(design.questions.size());
     const bool selects = SelectIndex >= 1 && SelectIndex <= count;
     SurveySnapshot shown = design;
@@ -164,7 +178,7 @@ void SurveyDocument::Show(const SurveySnapshot& design, int SelectIndex) {
     std::vector<SurveyViews::Node> nodes;
     nodes.reserve(design.questions.size());
     for (const SurveySnapshot::Question& q : design.questions)
-        nodes.push_back({q.Key, NodeText(q)});
+        nodes.push_back({q.Key, NodeText(q, noText)});
     views_.ShowTree(nodes);
     if (count == 0)
         return;
@@ -177,6 +191,11 @@ void SurveyDocument::Show(const SurveySnapshot& design, int SelectIndex) {
 
 void SurveyDocument::DoClose() {
     SettleRecovery();
+    Detach();
+}
+
+void SurveyDocument::Detach() {
+    recovery_.Stop();
     const SurveySnapshot left = SurveySnapshot::Take(state_.CurrentSurvey);
     for (const SurveySnapshot::Question& q : left.questions)
         closed_.insert(q.Key);
@@ -188,6 +207,7 @@ void SurveyDocument::DoClose() {
         // A connection that is not open is no failure here.
     }
     watch_.Forget();
+    opened_.reset();
     state_.currentFilename_.clear();
     state_.History.Start({});
     ShowPath({});
@@ -208,17 +228,10 @@ int SurveyDocument::SelectedPosition() const {
     return selected && *selected != RootKey ? state_.CurrentSurvey.GetQIndexFromKey(*selected) : -1;
 }
 
-QString SurveyDocument::NewSurveyFile() const {
-    const QString path = NewTempFileName(state_.directories.user, "HC");
-    CopyFileOver(state_.directories.InProgram("blank.mdb"), path);
-    return path;
-}
-
 void SurveyDocument::End() {
     SettleRecovery();
     // A file that could not be opened is none of this program's temporary surveys.
-    if (IsFileChanged() || !EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive) ||
-        !state_.SurveyConnection.IsOpen())
+    if (IsFileChanged() || !IsUnnamed() || HoldsUnnamedAnswers())
         return;
     const QString path = state_.currentFilename_;
     state_.SurveyConnection.Close();
@@ -238,10 +251,17 @@ bool SurveyDocument::RefusesPart() {
 }
 
 SurveyDocument::FileCheck SurveyDocument::CheckFile() {
-    if (!state_.SurveyConnection.IsOpen() ||
-        watch_.Look(state_.SurveyConnection) == SurveyFileWatch::Found::Same)
+    using Found = SurveyFileWatch::Found;
+    const Found found = state_.SurveyConnection.IsOpen() ? watch_.Look(state_.SurveyConnection)
+                                                         : Found::Same; // the write says so itself
+    if (found == Found::Same)
         return FileCheck::Same;
     const QString path = state_.currentFilename_;
+    if (found == Found::Unknown) {
+        state_.dialogs.MsgBox(path + " was not read whole. Nothing was written to it.",
+                              MsgIcon::Critical);
+        return FileCheck::Stop;
+    }
     switch (state_.dialogs.MsgBox(
         path + " was changed by another program after it was opened here. Nothing was written to "
                "it.\n\nDo you want to save your survey as a file of its own? With No, what is in "
@@ -258,17 +278,34 @@ SurveyDocument::FileCheck SurveyDocument::CheckFile() {
     }
 }
 
+SurveyDocument::FileCheck SurveyDocument::Begin(std::optional<WriteBatch>& batch) {
+    for (int attempt = 0; attempt < 20; ++attempt) {
+        if (const FileCheck check = CheckFile(); check != FileCheck::Same)
+            return check;
+        batch.emplace(state_.SurveyConnection, WriteBatch::OnFailure::TakeBack);
+        // Somebody may have come between the look and the lock.
+        if (watch_.IsUntouched(state_.SurveyConnection))
+            return FileCheck::Same;
+        batch.reset();
+    }
+    throw Failure(failure::PathOrFileAccess,
+                  state_.currentFilename_ +
+                      " is written by another program again and again. Nothing was written to it");
+}
+
 bool SurveyDocument::DoSave() {
     if (RefusesPart())
         return false;
-    if (const FileCheck check = CheckFile(); check != FileCheck::Same)
+    std::optional<WriteBatch> batch;
+    if (const FileCheck check = Begin(batch); check != FileCheck::Same)
         return check == FileCheck::SavedAs;
     const int position = SelectedPosition();
     WriteDesign(state_.SurveyConnection, Design());
+    batch->Commit();
     state_.fileChanged_ = false;
     const QString path = state_.currentFilename_;
     CarriedHistory carried(state_);
-    DoClose();
+    Detach();
     DoOpen(path, false, position);
     if (isWhole_) // else the questions that the steps are about are not on the screen
         carried.Arrive();
@@ -287,6 +324,7 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
         return false;
     const QString old = state_.currentFilename_;
     QString chosen = EndsInTmp(old, Qt::CaseSensitive) ? QString() : old;
+    bool hasAnswers = true;
     try {
         FileDialogRequest request;
         request.title = "Save As";
@@ -296,7 +334,7 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
         chosen = WithSuffix(state_.dialogs.ShowSave(request).fileName);
         if (chosen.isEmpty())
             return false;
-        WriteCopy(chosen);
+        hasAnswers = WriteCopy(chosen);
     } catch (const Failure& failure) {
         if (failure.Number() != failure::DialogCancelled)
             state_.dialogs.MsgBox("Unable to write to file " + chosen + " " +
@@ -307,10 +345,14 @@ bool SurveyDocument::mnuFileSaveAs_Click() {
     }
     state_.fileChanged_ = false;
     CarriedHistory carried(state_);
-    DoClose();
+    Detach();
     DoOpen(chosen, true, 1);
     if (isWhole_) // else the questions that the steps are about are not on the screen
         carried.Arrive();
+    if (!hasAnswers)
+        state_.dialogs.MsgBox(chosen + " was saved without answers: those that are in " + old +
+                                  " now can't be told from another survey's.",
+                              MsgIcon::Information);
     return true;
 }
 
@@ -327,49 +369,56 @@ QString SurveyDocument::WithSuffix(const QString& path) {
     return named;
 }
 
-void SurveyDocument::WriteCopy(const QString& path) {
+bool SurveyDocument::WriteCopy(const QString& path) {
     const std::optional<FileState> target = StateOfFile(path);
     if (target && opened_ && state_.SurveyConnection.IsOpen() && target->IsSameFile(*opened_))
         throw Failure(failure::PathOrFileAccess, path + ": a file can't be copied onto itself");
-    if (target && !state_.SurveyConnection.IsOpen() && IsSamePath(path, state_.currentFilename_))
+    if (target && !state_.SurveyConnection.IsOpen() && IsSameFile(path, state_.currentFilename_))
         throw Failure(failure::PathOrFileAccess,
                       path + ": it could not be opened, and saving would delete what is in it");
     PendingFile file(path);
     try {
         Connection copy;
         copy.Open(file.Path());
-        FillCopy(copy);
+        const bool hasAnswers = FillCopy(copy);
+        WriteBatch batch(copy, WriteBatch::OnFailure::TakeBack);
         WriteDesign(copy, Design());
+        batch.Commit();
         copy.Close();
         SettleJournal(path);
         file.Finish();
+        return hasAnswers;
     } catch (...) {
         QFile::remove(file.Path() + "-journal");
         throw;
     }
 }
 
-void SurveyDocument::FillCopy(Connection& copy) {
+bool SurveyDocument::FillCopy(Connection& copy) {
+    using Answers = SurveyFileWatch::Answers;
     Connection& survey = state_.SurveyConnection;
+    auto answers = Answers::None;
     if (survey.IsOpen()) {
         if (watch_.Look(survey) != SurveyFileWatch::Found::Overwritten) {
             survey.CopyTo(copy);
-            return;
+            return true;
         }
         // Where somebody wrote over the file, its answers are ours only if our respondents are
         // there. What our connection has read of it may be of either.
-        if (watch_.HoldsOurRespondents(state_.currentFilename_)) {
+        answers = watch_.AnswersIn(state_.currentFilename_);
+        if (answers == Answers::Ours) {
             Connection now;
             now.Open(state_.currentFilename_);
             now.CopyTo(copy);
-            return;
+            return true;
         }
     }
     Connection blank;
     blank.Open(state_.directories.InProgram("blank.mdb"), Connection::Mode::ReadOnly);
     blank.CopyTo(copy);
-    if (!watch_.Scales().scales.empty())
-        WriteScales(copy, watch_.Scales());
+    if (const SurveyScales scales = watch_.Scales(); !scales.scales.empty())
+        WriteScales(copy, scales);
+    return answers == Answers::None;
 }
 
 bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
@@ -389,19 +438,36 @@ bool SurveyDocument::AskToSave(Qt::CaseSensitivity caseOfTmp) {
 
 // ---- recovery
 
+bool SurveyDocument::IsUnnamed() const {
+    return state_.SurveyConnection.IsOpen() &&
+           EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive);
+}
+
+// Answers are written at once, also into a survey that has no name yet and that nobody is asked
+// about.
+bool SurveyDocument::HoldsUnnamedAnswers() {
+    try {
+        return IsUnnamed() &&
+               !state_.SurveyConnection.Execute("SELECT id FROM respondent LIMIT 1").AtEnd();
+    } catch (const Failure&) {
+        return true; // held by another program just now, say
+    }
+}
+
 std::optional<UnsavedSurvey> SurveyDocument::Unsaved() {
     const bool open = state_.SurveyConnection.IsOpen();
-    if (!state_.fileChanged_ || (open && !isWhole_))
+    if (open && !isWhole_)
         return std::nullopt;
     UnsavedSurvey unsaved;
-    unsaved.design = Design();
-    if (IsBlank(unsaved.design))
+    if (state_.fileChanged_)
+        unsaved.design = Design();
+    if (IsBlank(unsaved.design) && !HoldsUnnamedAnswers())
         return std::nullopt;
-    if (open && !EndsInTmp(state_.currentFilename_, Qt::CaseInsensitive))
+    if (open)
         unsaved.path = QFileInfo(state_.currentFilename_).absoluteFilePath();
+    unsaved.design = Design();
     unsaved.digest = watch_.Digest();
     unsaved.when = QDateTime::currentDateTime();
-    watch_.RefreshScales(state_.SurveyConnection);
     unsaved.scales = watch_.Scales();
     return unsaved;
 }
@@ -409,7 +475,7 @@ std::optional<UnsavedSurvey> SurveyDocument::Unsaved() {
 // When a survey is left, nothing is unsaved any more: it was saved, or the user said No. Only where
 // nobody asked, for the question's text is empty, what else there is is kept.
 void SurveyDocument::SettleRecovery() {
-    if (state_.fileChanged_ && !IsFileChanged() && Unsaved())
+    if (!IsFileChanged() && Unsaved())
         recovery_.LeaveBehind();
     else
         recovery_.Stop();
@@ -423,9 +489,8 @@ bool SurveyDocument::OfferRecovery(const QString& path) {
         const std::size_t count = survey.design.questions.size();
         const MsgAnswer answer = state_.dialogs.MsgBox(
             QString("%1 was not saved. Restore it? %2 question%3, %4")
-                .arg(survey.path.isEmpty() ? QString("A survey without a name") : survey.path)
-                .arg(count)
-                .arg(count == 1 ? "" : "s", TimeText(survey.when)),
+                .arg(IsNamed(survey.path) ? survey.path : QString("A survey without a name"),
+                     QString::number(count), count == 1 ? "" : "s", TimeText(survey.when)),
             MsgIcon::Question, MsgButtons::YesNoCancel);
         if (answer == MsgAnswer::Yes) {
             Restore(std::move(found));
@@ -438,37 +503,49 @@ bool SurveyDocument::OfferRecovery(const QString& path) {
     return false;
 }
 
+QString SurveyDocument::OpenFor(const UnsavedSurvey& survey) {
+    QString why = " is no longer there.";
+    if (QFileInfo::exists(survey.path)) {
+        DoOpen(survey.path, true, -1);
+        if (isWhole_ && !survey.digest.isEmpty() && watch_.Digest() == survey.digest)
+            return {};
+        why = isWhole_ ? " was changed since then." : " could not be read whole.";
+        DoClose();
+    }
+    const QString path = NewSurveyFile();
+    if (!survey.scales.scales.empty()) {
+        Connection file;
+        file.Open(path);
+        WriteScales(file, survey.scales);
+    }
+    DoOpen(path, true, -1);
+    return IsNamed(survey.path) ? survey.path + why : QString();
+}
+
 void SurveyDocument::Restore(Recovery::Found found) {
     const UnsavedSurvey survey = found.survey;
     DoClose();
-    bool fits = false;
-    if (QFileInfo::exists(survey.path)) {
-        DoOpen(survey.path, true, -1);
-        fits = isWhole_ && watch_.Digest() == survey.digest;
-        if (!fits) {
-            DoClose();
-            state_.dialogs.MsgBox(survey.path +
-                                      " was changed since then. What was not saved is restored as "
-                                      "a survey without a name.",
-                                  MsgIcon::Information);
-        }
-    }
-    if (!fits) {
-        const QString path = NewSurveyFile();
-        if (!survey.scales.scales.empty()) {
-            Connection file;
-            file.Open(path);
-            WriteScales(file, survey.scales);
-        }
-        DoOpen(path, true, -1);
-    }
+    const QString why = OpenFor(survey);
+    if (!isWhole_)
+        throw Failure(failure::PathOrFileAccess,
+                      "What was not saved could not be restored. It is kept, and offered again at "
+                      "the next start");
     int selected = 1;
     for (std::size_t i = 0; i < survey.design.questions.size(); ++i)
         if (survey.design.questions[i].Key == survey.design.selectedKey)
             selected = static_cast<int>(i) + 1;
-    Show(survey.design, selected);
+    Show(survey.design, selected, NoTextYet);
     state_.MarkFileChanged();
     recovery_.Files().Adopt(std::move(found));
+    if (!why.isEmpty())
+        state_.dialogs.MsgBox(
+            why +
+                " What was not saved is restored as a survey without a name, and without answers.",
+            MsgIcon::Information);
+}
+
+void SurveyDocument::RemoveLeftSurveys() const {
+    unnamed_.RemoveLeft(recovery_.Files().Paths());
 }
 
 } // namespace pollarix

@@ -13,6 +13,7 @@
 #include "document/SurveyFileWatch.h"
 #include "document/SurveySnapshot.h"
 #include "document/SurveyViews.h"
+#include "document/UnnamedSurveys.h"
 #include "platform/files/Files.h"
 
 namespace pollarix {
@@ -64,21 +65,27 @@ class SurveyDocument {
 
     // A new survey file from the template, in the user's directory. Gives its path. Throws what
     // copying throws.
-    QString NewSurveyFile() const;
+    QString NewSurveyFile() { return unnamed_.Make(); }
 
     // Asks whether to restore what a program that went down has left unsaved: of the survey that
     // was opened at the path, or, for "", of any. True when it was restored: it is open then, and
-    // marked as changed. Throws what making a new survey throws; what was found then stays.
+    // marked as changed. Throws when that can't be done; what was found then stays for later.
     bool OfferRecovery(const QString& path);
 
-    // The program ends. An unnamed survey without changes is deleted.
+    // Removes the unnamed surveys that programs which are gone have left with nothing in them.
+    // Throws nothing.
+    void RemoveLeftSurveys() const;
+
+    // The program ends. An unnamed survey without changes or answers is deleted.
     void End();
 
   private:
     enum class FileCheck { Same, SavedAs, Stop };
 
     void ReadAndShow(int SelectIndex);
-    void Show(const SurveySnapshot& design, int SelectIndex);
+    // `noText` stands in the tree where a question has none.
+    void Show(const SurveySnapshot& design, int SelectIndex, const QString& noText = {});
+    void Detach(); // DoClose, with nothing unsaved
     // What is in the model, without the questions of a survey that was closed.
     SurveySnapshot Design() const;
     // The position of the question that is selected, -1 for none.
@@ -87,13 +94,20 @@ class SurveyDocument {
     bool RefusesPart();
     // Asks when the file is no longer the one that was opened.
     FileCheck CheckFile();
-    // Writes the survey to a file that takes the name only when it is whole.
-    void WriteCopy(const QString& path);
-    void FillCopy(Connection& copy);
+    // The same, and begins a batch in the file that is the Same, which it stays until the end.
+    FileCheck Begin(std::optional<WriteBatch>& batch);
+    // Writes the survey to a file that takes the name only when it is whole. False when its answers
+    // could not be taken along.
+    bool WriteCopy(const QString& path);
+    bool FillCopy(Connection& copy);
     QString WithSuffix(const QString& path);
+    bool IsUnnamed() const;
+    bool HoldsUnnamedAnswers();
     std::optional<UnsavedSurvey> Unsaved();
     void SettleRecovery();
     void Restore(Recovery::Found found);
+    // Opens what the design that was not saved belongs to, and says why that is a new survey.
+    QString OpenFor(const UnsavedSurvey& survey);
 
     ApplicationState& state_;
     SurveyViews& views_;
@@ -101,6 +115,7 @@ class SurveyDocument {
     std::optional<FileState> opened_; // the file that the connection is open on
     SurveyFileWatch watch_;
     QSet<QString> closed_; // keys that the model keeps of the survey that was closed
+    UnnamedSurveys unnamed_;
     RecoveryWriter recovery_;
 };
 

@@ -1,5 +1,7 @@
 #include "document/SurveyFileWatch.h"
 
+#include <utility>
+
 #include "document/SurveyReader.h"
 #include "platform/base/Failure.h"
 
@@ -7,111 +9,116 @@ namespace pollarix {
 
 namespace {
 
+// The time is to the millisecond, so that no two surveys share one by chance.
+QString RespondentIn(const Recordset& row) {
+    return row.Text(0) + '|' + row.NullToString(1) + '|' + row.NullToString(2);
+}
+
 QStringList FirstAndLastRespondent(Connection& survey) {
     QStringList found;
-    // The time is to the millisecond, so that no two surveys share one by chance.
     for (const char* sql :
          {"SELECT id, submitteddate, source FROM respondent ORDER BY id LIMIT 1",
           "SELECT id, submitteddate, source FROM respondent ORDER BY id DESC LIMIT 1"}) {
         const Recordset row = survey.Execute(sql);
         if (!row.AtEnd())
-            found << row.Text(0) + '|' + row.NullToString(1) + '|' + row.NullToString(2);
+            found << RespondentIn(row);
     }
     return found;
 }
 
 } // namespace
 
+// What fails stays as it was before: a table that is missing is told by whoever shows it.
+SurveyFileWatch::Content SurveyFileWatch::Read(Connection& survey, Content before) {
+    Content content = std::move(before);
+    try {
+        content.scales = ReadScales(survey);
+        content.respondents = FirstAndLastRespondent(survey);
+    } catch (const Failure&) {
+    }
+    return content;
+}
+
 void SurveyFileWatch::Note(Connection& survey) {
     noted_.reset();
     const std::optional<FileState> file = StateOfFile(survey.Path());
     if (!file)
-        return;
-    Noted noted{*file, survey.DataVersion(), survey.OwnChanges(), DigestOfDesign(survey), {}, {}};
+        throw Failure(failure::FileNotFound, "File not found: " + survey.Path());
+    Noted noted{*file, survey.DataVersion(), DigestOfDesign(survey), Read(survey, {})};
     noted_ = std::move(noted);
-    NoteContent(survey);
 }
 
-void SurveyFileWatch::NoteContent(Connection& survey) {
-    noted_->scales = ReadScales(survey);
-    noted_->respondents = FirstAndLastRespondent(survey);
+bool SurveyFileWatch::IsUntouched(Connection& survey) const {
+    if (!noted_)
+        return false;
+    const std::optional<FileState> file = StateOfFile(survey.Path());
+    return !file || (*file == noted_->file && survey.DataVersion() == noted_->version);
 }
 
 SurveyFileWatch::Found SurveyFileWatch::Look(Connection& survey) {
     if (!noted_)
-        return Found::Same;
+        return Found::Unknown;
     const std::optional<FileState> file = StateOfFile(survey.Path());
-    if (!file)
-        return Found::Same;
-    if (!file->IsSameFile(noted_->file))
+    if (file && !file->IsSameFile(noted_->file))
         return Found::Replaced;
     try {
-        const std::int64_t version = survey.DataVersion();
-        const std::int64_t changes = survey.OwnChanges();
-        const bool wrote = changes != noted_->changes;
-        if (version == noted_->version && (wrote || *file == noted_->file)) {
-            noted_->file = *file;
-            noted_->changes = changes;
-            if (wrote)
-                NoteContent(survey);
+        if (IsUntouched(survey))
             return Found::Same;
-        }
         // A new connection: who writes past the database leaves what ours has read in its place.
         Connection now;
         now.Open(survey.Path());
+        // One transaction: what is noted is what was compared.
+        const Recordset reading = now.Execute("SELECT name FROM sqlite_schema");
         if (DigestOfDesign(now) != noted_->digest)
             return Found::Overwritten;
+        const FileState compared = StateOfFile(survey.Path()).value_or(noted_->file);
+        if (!compared.IsSameFile(noted_->file))
+            return Found::Replaced;
+        noted_->file = compared;
+        noted_->version = now.DataVersion();
+        noted_->content = Read(now, noted_->content);
         survey.Swap(now);
-        noted_->file = *file;
-        noted_->version = survey.DataVersion();
-        noted_->changes = survey.OwnChanges();
-        NoteContent(survey);
-        return Found::Same;
     } catch (const Failure& failure) {
         if (IsBusy(failure))
             throw;
         return Found::Overwritten;
     }
+    return Found::Same;
 }
 
-bool SurveyFileWatch::HoldsOurRespondents(const QString& path) const {
+void SurveyFileWatch::Commit(Connection& survey, WriteBatch& batch) {
+    if (!noted_) {
+        batch.Commit();
+        return;
+    }
+    // Read before the end, while it can't be anybody else's.
+    Content content = Read(survey, noted_->content);
+    batch.Commit();
+    noted_->content = std::move(content);
+    if (const std::optional<FileState> file = StateOfFile(survey.Path()))
+        noted_->file = *file;
+}
+
+SurveyFileWatch::Answers SurveyFileWatch::AnswersIn(const QString& path) const {
     if (!noted_)
-        return false;
+        return Answers::Unknown;
     try {
         Connection survey;
         survey.Open(path);
-        for (const QString& respondent : noted_->respondents) {
+        for (const QString& respondent : noted_->content.respondents) {
             const Recordset row =
                 survey.Execute("SELECT id, submitteddate, source FROM respondent WHERE id = ?",
                                {respondent.section('|', 0, 0)});
-            if (!row.AtEnd() &&
-                respondent == row.Text(0) + '|' + row.NullToString(1) + '|' + row.NullToString(2))
-                return true;
+            if (!row.AtEnd() && respondent == RespondentIn(row))
+                return Answers::Ours;
         }
+        if (noted_->content.respondents.isEmpty() &&
+            survey.Execute("SELECT id FROM respondent LIMIT 1").AtEnd())
+            return Answers::None;
     } catch (const Failure&) {
-        // What is no survey holds nothing.
+        // What is no survey holds nothing that is known.
     }
-    return false;
-}
-
-const QByteArray& SurveyFileWatch::Digest() const {
-    static const QByteArray none;
-    return noted_ ? noted_->digest : none;
-}
-
-const SurveyScales& SurveyFileWatch::Scales() const {
-    static const SurveyScales none;
-    return noted_ ? noted_->scales : none;
-}
-
-void SurveyFileWatch::RefreshScales(Connection& survey) {
-    if (!noted_ || !survey.IsOpen() || survey.OwnChanges() == noted_->changes)
-        return;
-    try {
-        noted_->scales = ReadScales(survey);
-    } catch (const Failure&) {
-        // The file is away or held just now.
-    }
+    return Answers::Unknown;
 }
 
 } // namespace pollarix

@@ -17,39 +17,53 @@ namespace pollarix {
 class SurveyFileWatch {
   public:
     enum class Found {
-        Same,       // also where the name is gone: what is written then fails by itself
-        Replaced,   // another file lies under the name; the connection still reads the one opened
-        Overwritten // the file that the connection reads has another design, or is no survey
+        Same,        // also where the name is gone: what is written then fails by itself
+        Replaced,    // another file lies under the name; the connection still reads the one opened
+        Overwritten, // the file that the connection reads has another design, or is no survey
+        Unknown      // nothing was noted, so that nothing can be told
     };
 
-    // Takes the file as it is for the one that was opened. Throws what the database throws.
+    // Takes the file as it is for the one that was opened. Throws what the database throws, and
+    // FileNotFound; nothing is noted then.
     void Note(Connection& survey);
     void Forget() { noted_.reset(); }
 
     // Throws what says that the file is held by another program just now. A file that was touched
     // but has the same design goes on as the same, with all of it read anew.
     Found Look(Connection& survey);
+    // Whether nobody has touched the file since the last note, look or own commit. Reads no more
+    // than that takes, to be asked again within a batch, when nobody else can write any more.
+    bool IsUntouched(Connection& survey) const;
+    // Commits this program's own batch and notes the file as it is then. Throws what the commit
+    // throws; what was noted before then stays.
+    void Commit(Connection& survey, WriteBatch& batch);
 
-    // Whether the file at the path is known to hold the respondents that were noted, and so may be
-    // taken for a later state of the one that was opened. One without respondents never is.
-    bool HoldsOurRespondents(const QString& path) const;
+    // Whose answers a file holds that may be a later state of the one that was opened.
+    enum class Answers {
+        Ours,
+        None,   // neither does it hold any, nor were there any
+        Unknown // others', or of nobody that was noted
+    };
+    Answers AnswersIn(const QString& path) const;
 
-    // The design as it was when the file was noted, and the scales as of the last note or look.
-    const QByteArray& Digest() const;
-    const SurveyScales& Scales() const;
-    // Reads the scales again if this program has written since. Failures leave them as they are.
-    void RefreshScales(Connection& survey);
+    // The design as it was when the file was noted, "" for none, and the scales as of the last
+    // note, look or own commit.
+    QByteArray Digest() const { return noted_ ? noted_->digest : QByteArray(); }
+    SurveyScales Scales() const { return noted_ ? noted_->content.scales : SurveyScales(); }
 
   private:
-    struct Noted {
-        FileState file;
-        std::int64_t version = 0;
-        std::int64_t changes = 0;
-        QByteArray digest;
+    struct Content {
         SurveyScales scales;
         QStringList respondents; // the first and the last
     };
-    void NoteContent(Connection& survey);
+    struct Noted {
+        FileState file;
+        std::int64_t version = 0;
+        QByteArray digest;
+        Content content;
+    };
+    static Content Read(Connection& survey, Content before);
+
     std::optional<Noted> noted_;
 };
 

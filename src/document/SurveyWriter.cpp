@@ -43,7 +43,6 @@ class Writer {
     Writer(Connection& file, const SurveySnapshot& design) : file_(file), design_(design) {}
 
     void Write() {
-        WriteBatch batch(file_, WriteBatch::OnFailure::TakeBack);
         file_.Run("UPDATE question SET deleteme = true");
         file_.Run("UPDATE response SET deleteme = true");
         // All questions get their ids before any response is written, so that a jump to a question
@@ -52,7 +51,6 @@ class Writer {
         WriteResponses();
         file_.Run("DELETE FROM response WHERE deleteme = true");
         file_.Run("DELETE FROM question WHERE deleteme = true");
-        batch.Commit();
     }
 
   private:

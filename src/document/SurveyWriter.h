@@ -7,10 +7,10 @@
 
 namespace pollarix {
 
-// Writes the design by mark and sweep, whole or not at all: at any failure the file is as it was. A
-// question or response whose row is gone gets it back under the id that it had, since its answers
-// may still be there. Throws Overflow, before anything is written, for a text that no file takes,
-// and what the database throws.
+// Writes the design by mark and sweep, within a batch of the caller's, who takes it back at a
+// failure. A question or response whose row is gone gets it back under the id that it had, since
+// its answers may still be there. Throws Overflow, before anything is written, for a text that no
+// file takes, and what the database throws.
 void WriteDesign(Connection& file, const SurveySnapshot& design);
 
 } // namespace pollarix

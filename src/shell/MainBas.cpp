@@ -56,6 +56,7 @@ void StartUp(ApplicationState& state, frmMain& window, const QString& commandLin
         // A file named on the command line gains the blank question at its end as well.
         window.AddBlankOpenEndedQuestion();
         window.OfferRecovery();
+        window.RemoveLeftSurveys();
         if (ShowTipsAtStartup(state))
             frmTip(state, &window).exec();
         const QString firstRun =

@@ -56,6 +56,7 @@ class frmMain : public QMainWindow, private ProgressDisplay {
 
     void AddBlankOpenEndedQuestion();
     void OfferRecovery() { document_.OfferRecovery({}); } // of any survey
+    void RemoveLeftSurveys() const { document_.RemoveLeftSurveys(); }
 
     // The help that the menu and F1 open, set by Form_Load.
     HelpFile& Help() { return help_; }

@@ -6,7 +6,9 @@
 #include <string_view>
 #include <vector>
 
+#include "document/SurveyBatch.h"
 #include "platform/base/Failure.h"
+#include "platform/base/Handlers.h"
 #include "platform/base/Windows1252.h"
 #include "web/ResultsLines.h"
 
@@ -165,24 +167,31 @@ class Importer {
 
 bool DoLoadXML(ApplicationState& state, const QString& path, const ImportProgress& progress) {
     ResultsLines lines(path);
-    if (!state.MayWrite())
-        throw Failure(failure::PathOrFileAccess,
-                      "The survey was changed by another program. Nothing was imported");
     int count = 0;
     {
-        WriteBatch batch(state.SurveyConnection);
+        SurveyBatch batch(state);
+        if (!batch)
+            throw Failure(failure::PathOrFileAccess,
+                          "The survey was changed by another program. Nothing was imported");
         Importer importer(state.SurveyConnection);
-        for (std::int64_t line = 1; lines.Next(); ++line) {
+        const auto goesOn = [&](std::int64_t bytes) {
+            return !progress || progress(importer.Count(), bytes, lines.Size());
+        };
+        bool stays = true;
+        for (std::int64_t line = 1; stays && lines.Next(); ++line) {
             importer.Take(lines);
-            if (progress && line % LinesBetweenProgress == 0 &&
-                !progress(importer.Count(), lines.Position(), lines.Size())) {
-                batch.TakeBack();
-                return false;
-            }
+            if (line % LinesBetweenProgress == 0)
+                stays = goesOn(lines.Position());
+        }
+        // Once more at the end: from the commit on there is nothing to stop.
+        if (!stays || !goesOn(lines.Size())) {
+            batch.TakeBack();
+            return false;
         }
         count = importer.Count();
         batch.Commit();
     }
+    DoEvents(); // what was pressed during the commit acts before the box, which would swallow it
     state.dialogs.MsgBox("Successfully imported " + QString::number(count) + " respondent(s).",
                          MsgIcon::Information);
     return true;

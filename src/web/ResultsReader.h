@@ -12,16 +12,17 @@
 
 namespace pollarix {
 
-// Told now and then while a file is imported: the respondents so far, the bytes read and those of
-// the file. False takes everything back.
+// Told now and then while a file is imported, and at its end, before anything is in the survey for
+// good: the respondents so far, the bytes read and those of the file. False takes everything back.
 using ImportProgress = std::function<bool(int respondents, std::int64_t bytes, std::int64_t size)>;
 
 // Imports the file and says in one message how many respondents came. All rows are written in one
-// WriteBatch; when a line is refused, those before it stay. Throws FileNotFound or PathOrFileAccess
-// for the file, TypeMismatch or Overflow for a kind that is no number, Subscript for a matrix
-// answer without a comma, InvalidArgument for a closing tag before its opening one, and database
-// failures for a value that a number column refuses. Marks nothing as changed and refreshes
-// nothing. False when `progress` has stopped it: the survey is as before, and nothing was said.
+// SurveyBatch; when a line is refused, those before it stay. Throws FileNotFound or
+// PathOrFileAccess for the file, TypeMismatch or Overflow for a kind that is no number, Subscript
+// for a matrix answer without a comma, InvalidArgument for a closing tag before its opening one,
+// and database failures for a value that a number column refuses. Marks nothing as changed and
+// refreshes nothing. False when `progress` has stopped it: the survey is as before, and nothing was
+// said.
 bool DoLoadXML(ApplicationState& state, const QString& path, const ImportProgress& progress = {});
 
 } // namespace pollarix

@@ -90,7 +90,7 @@ bool frmWizWebCollect_Download::Import(const QString& localPath) {
     sinceShown.start();
     const bool imported = DoLoadXML(
         services_.state, localPath, [&](int respondents, std::int64_t bytes, std::int64_t size) {
-            if (sinceShown.elapsed() >= ShowEveryMs) {
+            if (bytes == size || sinceShown.elapsed() >= ShowEveryMs) {
                 const QLocale locale;
                 ShowDetail(QString("%1 respondents, %2 % of the file. Cancel takes them back.")
                                .arg(locale.toString(respondents))

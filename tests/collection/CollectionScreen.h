@@ -131,8 +131,7 @@ class CollectionScreen : public testing::Test {
         first->GetResponse(3)->LogicJumpToQuestionKey = first->Key;  // to itself
         back->GetResponse(1)->LogicJumpToQuestionKey = why->Key;     // backwards
         document.DoSave();
-        state.SurveyConnection.Run(
-            "UPDATE response SET LogicJumpToQuestionID = 999 WHERE name = 'Gone'");
+        RunOwnSql(state, {"UPDATE response SET LogicJumpToQuestionID = 999 WHERE name = 'Gone'"});
         ASSERT_EQ(dialogs.TakeTexts(), QStringList());
     }
 

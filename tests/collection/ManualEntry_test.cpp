@@ -130,7 +130,7 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
 
 TEST_F(ManualEntry, AJumpToNowhereShowsThePageAgain) {
     MakeSurvey();
-    state.SurveyConnection.Run("UPDATE response SET LogicJumpToQuestionID = 32768 WHERE id = 1");
+    RunOwnSql(state, {"UPDATE response SET LogicJumpToQuestionID = 32768 WHERE id = 1"});
     ShowScreen();
     QStringList stored;
     Enter(AddOne, [&](EntryPage page) {
@@ -192,10 +192,9 @@ TEST_F(ManualEntry, APageThatFailsStandsAsFarAsItGotAndEnterGoesOn) {
     Add(kind::Matrix, "No scale", {"b", "c"}, 11);
     Add(kind::Matrix, "Scale without points", {"d"}, 11);
     document.DoSave();
-    // By the program's own connection: what others change in a design stops the entry.
-    for (const char* sql : {"UPDATE response SET responseMatrixGroupID = NULL WHERE questionid = 3",
-                            "UPDATE response SET responseMatrixGroupID = 999 WHERE questionid = 4"})
-        state.SurveyConnection.Run(sql);
+    // As the program's own: what others change in a design stops the entry.
+    RunOwnSql(state, {"UPDATE response SET responseMatrixGroupID = NULL WHERE questionid = 3",
+                      "UPDATE response SET responseMatrixGroupID = 999 WHERE questionid = 4"});
     ShowScreen();
     Enter(AddOne, [&](EntryPage page) {
         page.Key(Qt::Key_Return);

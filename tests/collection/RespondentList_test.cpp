@@ -103,7 +103,7 @@ TEST_F(RespondentList, NothingSelectedNothingDone) {
 TEST_F(RespondentList, AFileThatCannotBeWrittenSaysSoBeforeTheFirstPage) {
     MakeAnswers();
     ShowScreen();
-    ASSERT_TRUE(state.MayWrite()); // knows of the new respondents, and reads no more
+    ASSERT_TRUE(SurveyBatch(state)); // knows of the new respondents, and reads no more
     state.SurveyConnection.Run("PRAGMA query_only = ON");
     for (const char* button : {"cmdCreateResponse", "cmdEditResponse"}) {
         QTimer::singleShot(0, screen.get(), [] {

@@ -8,6 +8,10 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
+#include <thread>
+
+#include "document/SurveyBatch.h"
 #include "platform/base/Failure.h"
 #include "platform/files/Files.h"
 #include "support/FakeViews.h"
@@ -34,6 +38,7 @@ class SurveyDocumentTest : public testing::Test {
     }
 
     clsSurvey& Survey() { return state.CurrentSurvey; }
+    bool MayWrite() { return bool(SurveyBatch(state)); }
 
     QString OpenBlank(const QString& name = "survey.plxs") {
         const QString path = program.BlankSurvey(name);
@@ -347,6 +352,21 @@ TEST_F(SurveyDocumentTest, ASurveyThatWasNotReadWholeIsNeverWritten) {
     EXPECT_EQ(Questions(path), questions);
     EXPECT_EQ(Survey().QCount(), 3);
     EXPECT_TRUE(state.FileChanged());
+    EXPECT_TRUE(MayWrite()); // answers do it no harm
+
+    // Nor one that can't be told from another, for a row of no question can't be read.
+    document.DoClose();
+    const QString strange = program.BlankSurvey("strange.plxs");
+    RunSql(strange, {"DROP TABLE response",
+                     "CREATE TABLE response (id INTEGER PRIMARY KEY, questionid, name, pos, "
+                     "responseMatrixGroupID, LogicJumpToQuestionID, Deleteme)",
+                     "INSERT INTO response (questionid, name) VALUES (99, x'00')"});
+    document.DoOpen(strange, true, 1);
+    EXPECT_EQ(dialogs.TakeTexts(),
+              QStringList("Unable to open " + strange + ". Type mismatch. 13"));
+    EXPECT_FALSE(document.DoSave());
+    EXPECT_FALSE(MayWrite());
+    EXPECT_EQ(dialogs.TakeTexts().size(), 2);
 }
 
 // With no survey open, what was typed is no dead end.
@@ -434,15 +454,18 @@ TEST_F(SurveyDocumentTest, AFileThatSomebodyElseChangedIsNotWrittenOver) {
     RunSql(foreign, {"INSERT INTO question (question, qtype, pos) VALUES ('theirs', 0, 1)",
                      "INSERT INTO respondent (source) VALUES ('theirs')"});
     int number = 0;
-    for (const char* way : {"replaced", "overwritten", "redesigned"}) {
+    for (const char* way : {"replaced", "overwritten", "patched", "redesigned"}) {
         for (const MsgAnswer answer : {MsgAnswer::Cancel, MsgAnswer::No, MsgAnswer::Yes}) {
             SCOPED_TRACE(testing::Message() << way << ' ' << static_cast<int>(answer));
             const QString path = OpenBlank(QString("survey%1.plxs").arg(++number));
             Add(0, "ours");
             Add(0, "second");
             ASSERT_TRUE(document.DoSave());
-            RunSql(path, {"INSERT INTO respondent (source) VALUES ('ours')"});
-            EXPECT_TRUE(state.MayWrite()); // who only adds answers is welcome
+            if (number % 3 == 0) // whichever comes last before the file changes
+                RunSql(path, {"INSERT INTO respondent (source) VALUES ('ours')"});
+            EXPECT_TRUE(MayWrite()); // who only adds answers is welcome
+            if (number % 3 != 0)
+                RunOwnSql(state, {"INSERT INTO respondent (source) VALUES ('ours')"});
             Survey().GetQIndex(2)->Question = "changed";
             state.MarkFileChanged();
             if (QString(way) == "replaced") {
@@ -453,6 +476,15 @@ TEST_F(SurveyDocumentTest, AFileThatSomebodyElseChangedIsNotWrittenOver) {
                 ASSERT_TRUE(from.open(QIODevice::ReadOnly) && to.open(QIODevice::ReadWrite));
                 to.write(from.readAll());
                 to.resize(from.size());
+            } else if (QString(way) == "patched") {
+                // What is tried and taken back is no write of ours that would explain it.
+                RequireWritable(state.SurveyConnection);
+                QFile file(path);
+                ASSERT_TRUE(file.open(QIODevice::ReadWrite));
+                const qint64 at = file.readAll().indexOf("second");
+                ASSERT_GT(at, 0);
+                file.seek(at);
+                file.write("SECOND");
             } else {
                 RunSql(path, {"DELETE FROM question WHERE id = 2",
                               "INSERT INTO question (question, qtype, pos) VALUES ('new', 0, 2)"});
@@ -461,9 +493,13 @@ TEST_F(SurveyDocumentTest, AFileThatSomebodyElseChangedIsNotWrittenOver) {
             const QString own = program.Path(QString("own%1.plxs").arg(number));
             dialogs.answers = {answer, answer};
             dialogs.fileNames = {{own}};
-            const bool saved = number % 2 == 0 ? document.DoSave() : state.MayWrite();
+            const bool saved = number % 2 == 0 ? document.DoSave() : MayWrite();
             EXPECT_EQ(saved, answer == MsgAnswer::Yes);
-            const QStringList asked = dialogs.TakeTexts();
+            QStringList asked = dialogs.TakeTexts();
+            const bool lost = QString(way) == "overwritten" && answer == MsgAnswer::Yes;
+            if (lost) {
+                EXPECT_TRUE(asked.takeLast().startsWith(own + " was saved without answers"));
+            }
             ASSERT_EQ(asked.size(), 1) << asked.join('\n').toStdString();
             EXPECT_TRUE(asked[0].startsWith(path + " was changed by another program"));
             EXPECT_EQ(design(path), there);
@@ -478,10 +514,33 @@ TEST_F(SurveyDocumentTest, AFileThatSomebodyElseChangedIsNotWrittenOver) {
                 // Under the ids that their answers know, and with no answers of another survey.
                 EXPECT_EQ(design(own), QStringList({"1|ours", "2|changed"}));
                 EXPECT_EQ(SqlRows(own, "SELECT source FROM respondent", 1),
-                          QString(way) == "overwritten" ? QStringList() : QStringList("ours"));
+                          lost ? QStringList() : QStringList("ours"));
             }
             document.DoClose();
         }
+    }
+}
+
+// Another window whose save is under way holds the file, and is through before ours begins.
+TEST_F(SurveyDocumentTest, AWriteThatWaitsForAnotherSaveDoesNotGoOverIt) {
+    for (const bool saves : {true, false}) {
+        const QString path = OpenBlank(saves ? "saved.plxs" : "answered.plxs");
+        Add(0, "ours");
+        ASSERT_TRUE(document.DoSave());
+        Connection other;
+        other.Open(path);
+        WriteBatch saving(other);
+        other.Run("UPDATE question SET question = 'theirs'");
+        std::thread end([&] {
+            std::this_thread::sleep_for(std::chrono::milliseconds(100));
+            saving.Commit();
+        });
+        dialogs.answers = {MsgAnswer::Cancel};
+        EXPECT_FALSE(saves ? document.DoSave() : MayWrite());
+        end.join();
+        EXPECT_TRUE(dialogs.TakeTexts().value(0).startsWith(path + " was changed by another"));
+        EXPECT_EQ(Questions(path), QStringList("1|theirs|1|0|1|0"));
+        document.DoClose();
     }
 }
 
@@ -519,7 +578,7 @@ class RecoveryTest : public SurveyDocumentTest {
 };
 
 TEST_F(RecoveryTest, ADesignThatWasNotSavedComesBack) {
-    for (const QString& name : {QString("tea.plxs"), QString("HC7.tmp")}) {
+    for (const QString& name : {QString("tea %2.plxs"), QString("HC7.tmp")}) {
         SCOPED_TRACE(qPrintable(name));
         const QString path = program.BlankSurvey(name);
         RunSql(path, {"INSERT INTO question (question, questionno, qtype, pos) VALUES "
@@ -581,7 +640,9 @@ TEST_F(RecoveryTest, WhatWasSavedOrLeftWithNoIsNotKept) {
         other.state.MarkFileChanged();
         Program::Wait();
         EXPECT_EQ(Kept(), QStringList()); // blank
-        q->AddResponse("a", -1, -1, "");
+        q->AddResponse("a", -1, -1, "");  // as a key's release, which marks nothing, ends an edit
+        Program::Wait();
+        EXPECT_EQ(Kept().size(), 2);
         EXPECT_TRUE(other.document.AskToSave(Qt::CaseSensitive));
         other.document.End();
         EXPECT_FALSE(QFile::exists(program.Path("HC8.tmp")));
@@ -592,18 +653,111 @@ TEST_F(RecoveryTest, WhatWasSavedOrLeftWithNoIsNotKept) {
     EXPECT_EQ(Kept(), QStringList());
 }
 
-TEST_F(RecoveryTest, AFileThatWasChangedSinceIsLeftAlone) {
+TEST_F(RecoveryTest, WhereItsFileIsAnotherItComesBackWithoutAName) {
+    int number = 0;
+    for (const char* fate : {"was changed", "is no longer there", "could not be read"}) {
+        SCOPED_TRACE(fate);
+        const QString path = program.BlankSurvey(QString("tea%1.plxs").arg(++number));
+        {
+            Program other(program);
+            other.Edit(path);
+            other.state.CurrentSurvey.AddQ("", kind::OpenEnded, -1, 2);
+            Program::Wait();
+        }
+        if (number == 1)
+            RunSql(path, {"INSERT INTO question (question, qtype, pos) VALUES ('since', 0, 1)"});
+        else if (number == 2)
+            QFile::remove(path);
+        else
+            RunSql(path, {"DROP TABLE response"});
+        dialogs.answers = {MsgAnswer::Yes};
+        EXPECT_TRUE(document.OfferRecovery({}));
+        EXPECT_TRUE(dialogs.TakeTexts().last().startsWith(path + ' ' + fate));
+        EXPECT_EQ(views.Texts().mid(1),
+                  QStringList({"1. Which?", "2. Then", "3. <Text not yet entered>"}));
+        EXPECT_TRUE(EndsInTmp(state.CurrentFilename(), Qt::CaseSensitive));
+        document.DoClose();
+    }
+
+    // A design that belongs to no file that was read belongs to no file at all.
+    const QString path = program.BlankSurvey("coffee.plxs");
+    UnsavedSurvey survey;
+    survey.path = path;
+    survey.when = QDateTime::currentDateTime();
+    survey.design.questions.resize(2);
+    Recovery(program.directory.path()).Keep(survey);
+    dialogs.answers = {MsgAnswer::Yes};
+    EXPECT_TRUE(document.OfferRecovery(path));
+    EXPECT_NE(state.CurrentFilename(), path);
+}
+
+TEST_F(RecoveryTest, WhatCannotBeRestoredIsKept) {
     const QString path = program.BlankSurvey("tea.plxs");
     {
         Program other(program);
         other.Edit(path);
     }
-    RunSql(path, {"INSERT INTO question (question, qtype, pos) VALUES ('since', 0, 1)"});
+    QFile::remove(path);
+    QDir().mkdir(program.Path("program"));
+    RunSql(program.BlankSurvey("program/blank.mdb"), {"DROP TABLE response"});
+    ApplicationState broken({program.Path("program"), program.directory.path()}, program.settings,
+                            dialogs);
+    {
+        SurveyDocument other(broken, views, 20);
+        dialogs.answers = {MsgAnswer::Yes};
+        EXPECT_THROW(other.OfferRecovery({}), Failure);
+        broken.MarkFileChanged();
+        Program::Wait();
+        EXPECT_EQ(dialogs.TakeTexts().size(), 2); // the question, and what DoOpen says
+    }
     dialogs.answers = {MsgAnswer::Yes};
-    EXPECT_TRUE(document.OfferRecovery(path));
-    EXPECT_EQ(dialogs.TakeTexts().size(), 2);
+    EXPECT_TRUE(document.OfferRecovery({}));
     EXPECT_EQ(Survey().QCount(), 2);
-    EXPECT_TRUE(EndsInTmp(state.CurrentFilename(), Qt::CaseSensitive));
+}
+
+// A survey without a name is gone for its user when it is closed, whatever is in its file.
+TEST_F(RecoveryTest, AnswersInASurveyWithoutANameAreNotLeftBehind) {
+    const QString path = program.BlankSurvey("HC7.tmp");
+    {
+        Program other(program);
+        other.document.DoOpen(path, true, -1);
+        RunOwnSql(other.state, {"INSERT INTO respondent (source) VALUES ('Web')"});
+        EXPECT_TRUE(other.document.AskToSave(Qt::CaseSensitive)); // no design was changed
+        other.document.End();
+    }
+    dialogs.answers = {MsgAnswer::Yes};
+    EXPECT_TRUE(document.OfferRecovery({}));
+    EXPECT_EQ(state.CurrentFilename(), path);
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+    dialogs.fileNames = {{program.Path("named.plxs")}};
+    EXPECT_TRUE(document.mnuFileSave_Click());
+    EXPECT_EQ(SqlRows(program.Path("named.plxs"), "SELECT source FROM respondent", 1),
+              QStringList("Web"));
+    document.End();
+    EXPECT_EQ(Kept(), QStringList());
+}
+
+TEST_F(RecoveryTest, OnlyUntouchedSurveysThatNobodyHasAreRemoved) {
+    for (const char* name : {"HC1.tmp", "HC2.tmp", "HC3.tmp", "HC4.tmp", "HC5.tmp", "HC6.tmp"})
+        program.BlankSurvey(name);
+    RunSql(program.Path("HC2.tmp"), {"INSERT INTO respondent (source) VALUES ('Web')"});
+    RunSql(program.Path("HC3.tmp"), {"INSERT INTO responsematrixgroup (name) VALUES ('mine')"});
+    {
+        Program gone(program);
+        gone.Edit(program.Path("HC4.tmp"));
+    }
+    Program other(program);
+    other.document.DoOpen(program.Path("HC5.tmp"), true, -1);
+    const QString own = document.NewSurveyFile();
+    document.DoOpen(own, true, -1);
+    WriteWholeFile(program.Path("HC8.tmp"), {}); // its program went down before it was filled
+    WriteWholeFile(program.Path("HC9.tmp"), "a note of the user's own");
+    document.RemoveLeftSurveys();
+    QStringList left = {"HC2.tmp", "HC3.tmp", "HC4.tmp",
+                        "HC5.tmp", "HC9.tmp", QFileInfo(own).fileName()};
+    left.sort();
+    EXPECT_EQ(QDir(program.directory.path()).entryList({"HC*.tmp"}, QDir::Files, QDir::Name), left);
+    EXPECT_EQ(QDir(program.directory.path()).entryList({"HC*.lock"}, QDir::Files).size(), 2);
 }
 
 TEST_F(RecoveryTest, WhatLiesAboutIsBoundedAndNothingElseIsTaken) {

@@ -115,6 +115,34 @@ TEST_F(MainWindowTest, AFileOnTheCommandLineGainsABlankQuestionAndStartsChanged)
     EXPECT_EQ(SqlRows(path, "SELECT count(*) FROM question", 1), QStringList("1"));
 }
 
+// The question that the start adds is in no file: to come back to it is not to come back to that.
+TEST_F(MainWindowTest, UndoDoesNotTakeTheMarkOfTheFirstQuestion) {
+    Start(program.BlankSurvey("tea.plxs"));
+    Menu("mnuDesignAddText");
+    Find<TreeView>("tvTreeView")->setFocus();
+    QTest::keyClick(Find<TreeView>("tvTreeView"), Qt::Key_Z, Qt::ControlModifier);
+    EXPECT_EQ(TreeTexts().size(), 2);
+    EXPECT_TRUE(program.state.FileChanged());
+    dialogs.answers = {MsgAnswer::No};
+    window->close();
+}
+
+// What goes wrong with the survey that is left is not told as of the one to open.
+TEST_F(MainWindowTest, OpenTellsTheFailureOfTheSaveQuestionAsItsOwn) {
+    const QString path = program.BlankSurvey("tea.plxs");
+    Start(path);
+    Type("Tea?");
+    Menu("mnuDesignAddText");
+    program.state.SurveyConnection.Run("PRAGMA query_only = ON");
+    dialogs.answers = {MsgAnswer::Yes};
+    Menu("mnuFileOpen");
+    EXPECT_EQ(dialogs.TakeTexts().size(), 1);
+    EXPECT_EQ(failures, std::vector<int>{8});
+    program.state.SurveyConnection.Run("PRAGMA query_only = OFF");
+    dialogs.answers = {MsgAnswer::No};
+    window->close();
+}
+
 TEST_F(MainWindowTest, StartUpFailuresSayTheStepAndTheProgramGoesOn) {
     // It ends like a temporary survey, but is somebody's letter.
     const QString letter = program.Path("letter.tmp");

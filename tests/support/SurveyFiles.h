@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "document/ApplicationState.h"
+#include "document/SurveyBatch.h"
 #include "support/Places.h"
 #include "support/QueuedDialogs.h"
 
@@ -36,6 +36,14 @@ inline void RunSql(const QString& path, std::initializer_list<const char*> state
     file.Open(path, Connection::Mode::ReadWriteTrusted);
     for (const char* statement : statements)
         file.Run(statement);
+}
+
+// The same in the open survey, as the program itself.
+inline void RunOwnSql(ApplicationState& state, std::initializer_list<const char*> statements) {
+    SurveyBatch batch(state);
+    for (const char* statement : statements)
+        state.SurveyConnection.Run(statement);
+    batch.Commit();
 }
 
 // The rows of a statement, fields joined with "|", Null as "NULL".

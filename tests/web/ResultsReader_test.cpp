@@ -132,6 +132,20 @@ TEST_F(Results, LinesAreTakenAsTheyStand) {
     EXPECT_EQ(Taken(), taken);
 }
 
+TEST_F(Results, TheLastMomentToStopAnImportIsWhenAllIsRead) {
+    WriteWholeFile(program.Path("3-7.txt"), Block(Record("5", "1", Values({"51"}))));
+    for (const bool stays : {false, true}) {
+        EXPECT_EQ(DoLoadXML(program.state, program.Path("3-7.txt"),
+                            [&](int respondents, auto bytes, auto size) {
+                                EXPECT_EQ(bytes, size);
+                                return respondents == 0 || stays;
+                            }),
+                  stays);
+        EXPECT_EQ(program.dialogs.TakeTexts(), stays ? QStringList(Told(1)) : QStringList());
+        EXPECT_EQ(Taken().size(), stays ? 2 : 0);
+    }
+}
+
 // Whatever a file holds, and wherever its blocks end, each line says what it says when the whole
 // file is looked at in one piece.
 TEST_F(Results, BlocksChangeNothing) {
