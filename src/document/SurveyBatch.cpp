@@ -4,7 +4,8 @@
 
 namespace pollarix {
 
-SurveyBatch::SurveyBatch(ApplicationState& state) : state_(state) {
+SurveyBatch::SurveyBatch(ApplicationState& state, WriteBatch::OnFailure onFailure)
+    : state_(state), onFailure_(onFailure) {
     if (state_.beginBatch_)
         state_.beginBatch_(batch_);
     else // nobody has opened the file as a survey
@@ -12,6 +13,8 @@ SurveyBatch::SurveyBatch(ApplicationState& state) : state_(state) {
 }
 
 SurveyBatch::~SurveyBatch() {
+    if (onFailure_ == WriteBatch::OnFailure::TakeBack)
+        return; // which the batch does
     try {
         Commit();
     } catch (const std::exception&) {

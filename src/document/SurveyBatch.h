@@ -15,8 +15,9 @@ class SurveyBatch {
     // Asks the user when the file is another by now. When the user has saved the survey as a file
     // of its own, that is open and takes what is to be written; when nothing is to be written, the
     // batch is none, and another survey may be open. Throws what the database throws.
-    explicit SurveyBatch(ApplicationState& state);
-    // Without Commit, what was written so far stays, as in a WriteBatch.
+    explicit SurveyBatch(ApplicationState& state,
+                         WriteBatch::OnFailure onFailure = WriteBatch::OnFailure::Keep);
+    // Without Commit, what was written so far stays or is taken back, as in a WriteBatch.
     ~SurveyBatch();
     SurveyBatch(const SurveyBatch&) = delete;
     SurveyBatch& operator=(const SurveyBatch&) = delete;
@@ -29,6 +30,7 @@ class SurveyBatch {
 
   private:
     ApplicationState& state_;
+    WriteBatch::OnFailure onFailure_;
     std::optional<WriteBatch> batch_;
 };
 

@@ -401,7 +401,8 @@ bool SurveyDocument::FillCopy(Connection& copy) {
     if (survey.IsOpen()) {
         if (watch_.Look(survey) != SurveyFileWatch::Found::Overwritten) {
             survey.CopyTo(copy);
-            return true;
+            if (watch_.Look(survey) != SurveyFileWatch::Found::Overwritten)
+                return true; // nor did anybody come between
         }
         // Where somebody wrote over the file, its answers are ours only if our respondents are
         // there. What our connection has read of it may be of either.

@@ -67,11 +67,14 @@ bool UnnamedSurveys::HoldsWork(const QString& path) const {
 }
 
 void UnnamedSurveys::RemoveLeft(const QStringList& keep) const {
+    QStringList kept; // names, which say enough, however the paths are written
+    for (const QString& path : keep)
+        kept << QFileInfo(path).fileName();
     const QDir directory(directories_.user);
     for (const QString& name : directory.entryList({Pattern}, QDir::Files)) {
-        const QString path = directory.filePath(name);
-        if (keep.contains(path))
+        if (kept.contains(name))
             continue;
+        const QString path = directory.filePath(name);
         try {
             const auto lock = LockBeside(path);
             if (lock && !HoldsWork(path))
