@@ -25,8 +25,9 @@ struct AnswerPlace;
 class frmManualResponse : public QDialog {
     Q_OBJECT
   public:
-    // Shows the page at entry.FirstPosition of entry.CurrentRespondentID. A failure on the way is shown as one of
-    // the running program, and leaves the window as far as it got: the user can go on from there.
+    // Shows the page at entry.FirstPosition of entry.CurrentRespondentID. A failure on the way is
+    // shown as one of the running program, and leaves the window as far as it got: the user can go
+    // on from there.
     frmManualResponse(ApplicationState& state, ManualEntryState& entry, QWidget* parent);
 
     // Shows the page at CurrentPosition. False if no question has that position: the window then

@@ -40,9 +40,11 @@ SurveyPreview::SurveyPreview(ApplicationState& open, const SurveySnapshot& desig
         WriteScales(memory, ReadScales(open.SurveyConnection));
         CopyRows(open.SurveyConnection, memory);
     }
+    WriteBatch batch(memory);
     WriteDesign(memory, design);
     entry.CurrentRespondentID =
         Narrow32(TableInsert(memory, "Respondent", {"Source"}).Add({"Preview"}));
+    batch.Commit();
 }
 
 frmPreview::frmPreview(SurveyPreview& preview, int position, QWidget* parent)

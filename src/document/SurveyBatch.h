@@ -16,8 +16,8 @@ class SurveyBatch {
     // of its own, that is open and takes what is to be written; when nothing is to be written, the
     // batch is none, and another survey may be open. Throws what the database throws.
     explicit SurveyBatch(ApplicationState& state,
-                         WriteBatch::OnFailure onFailure = WriteBatch::OnFailure::Keep);
-    // Without Commit, what was written so far stays or is taken back, as in a WriteBatch.
+                         WriteBatch::OnFailure onFailure = WriteBatch::OnFailure::TakeBack);
+    // Without Commit, what was written so far is taken back or stays, as in a WriteBatch.
     ~SurveyBatch();
     SurveyBatch(const SurveyBatch&) = delete;
     SurveyBatch& operator=(const SurveyBatch&) = delete;

@@ -1,5 +1,6 @@
 #include "tables/AnswerImport.h"
 
+#include "document/SurveyBatch.h"
 #include "document/SurveyReader.h"
 #include "platform/base/Failure.h"
 #include "platform/base/ShownText.h"
@@ -50,11 +51,11 @@ std::optional<CheckedTable> AnswerImport::Check(const ImportStep& step) {
 std::optional<std::int64_t> AnswerImport::Write(ApplicationState& state,
                                                 const QByteArray& designDigest,
                                                 const ImportStep& step) {
-    if (!state.MayWrite() || DigestOfDesign(state.SurveyConnection) != designDigest)
+    SurveyBatch batch(state);
+    if (!batch || DigestOfDesign(state.SurveyConnection) != designDigest)
         throw Failure(failure::PathOrFileAccess,
                       "The survey was changed by another program. Nothing was imported");
     Connection& file = state.SurveyConnection;
-    WriteBatch batch(file, WriteBatch::OnFailure::TakeBack);
     TableInsert undated(file, "Respondent", {"Source"});
     TableInsert dated(file, "Respondent", {"Source", "submitteddate"});
     TableInsert answers(

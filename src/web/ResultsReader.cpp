@@ -169,7 +169,7 @@ bool DoLoadXML(ApplicationState& state, const QString& path, const ImportProgres
     ResultsLines lines(path);
     int count = 0;
     {
-        SurveyBatch batch(state);
+        SurveyBatch batch(state, WriteBatch::OnFailure::Keep);
         if (!batch)
             throw Failure(failure::PathOrFileAccess,
                           "The survey was changed by another program. Nothing was imported");

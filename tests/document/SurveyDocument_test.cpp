@@ -406,6 +406,32 @@ TEST_F(SurveyDocumentTest, SaveAsRescuesASurveyWhoseFileIsGone) {
     EXPECT_EQ(dialogs.TakeTexts(), QStringList());
 }
 
+// What a crash cut off in a file would be taken for a part of the one in its place.
+TEST_F(SurveyDocumentTest, SaveAsOverALinkSettlesTheFileThatItLeadsTo) {
+    const QString target = program.Path("target.plxs"), link = program.Path("link.plxs");
+    {
+        Connection cut;
+        cut.Open(program.BlankSurvey("cut.plxs"));
+        cut.Execute("PRAGMA cache_size = 5");
+        const WriteBatch batch(cut, WriteBatch::OnFailure::TakeBack);
+        cut.Run("UPDATE responsematrix SET name = 'half way'");
+        for (int i = 0; i < 100; ++i)
+            cut.Run(
+                "INSERT INTO question (question, qtype, pos) VALUES (hex(zeroblob(2000)), 0, 1)");
+        ASSERT_TRUE(QFile::copy(cut.Path(), target));
+        ASSERT_TRUE(QFile::copy(cut.Path() + "-journal", target + "-journal"));
+    }
+    ASSERT_TRUE(QFile::link(target, link));
+    OpenBlank();
+    Add(0, "ours");
+    dialogs.fileNames = {{link}};
+    EXPECT_TRUE(document.mnuFileSaveAs_Click());
+    EXPECT_EQ(dialogs.TakeTexts(), QStringList());
+    EXPECT_FALSE(QFile::exists(target + "-journal"));
+    EXPECT_EQ(Questions(target), QStringList("1|ours|1|0|1|0"));
+    EXPECT_TRUE(QFileInfo(link).isSymLink());
+}
+
 TEST_F(SurveyDocumentTest, ANameThatEndsInTmpGetsTheSuffix) {
     OpenBlank("HC1.tmp");
     Add(0, "hello");
