@@ -223,12 +223,11 @@ TEST_F(ManualEntry, AnAnswerThatCouldNotBeReadIsNotStoredOver) {
     Add(kind::Matrix, "No scale", {"a"}, 11);
     Add(kind::Check, "Which?", {"x"});
     document.DoSave();
-    for (const char* sql : {"INSERT INTO respondent (source) VALUES ('Web')",
-                            "INSERT INTO respondent_responses (RespondentID, QuestionID, "
-                            "ResponseID, SimpleResponse, ResponseMatrixID) VALUES "
-                            "(1, 1, 1, NULL, NULL), (1, 2, 1, '', 47)",
-                            "UPDATE response SET responseMatrixGroupID = NULL WHERE id = 1"})
-        state.SurveyConnection.Run(sql);
+    RunOwnSql(state, {"INSERT INTO respondent (source) VALUES ('Web')",
+                      "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+                      "SimpleResponse, ResponseMatrixID) VALUES (1, 1, 1, NULL, NULL), "
+                      "(1, 2, 1, '', 47)",
+                      "UPDATE response SET responseMatrixGroupID = NULL WHERE id = 1"});
     ShowScreen();
     const QStringList stored = Answers();
     Enter(EditOne, [&](EntryPage page) {
@@ -236,8 +235,8 @@ TEST_F(ManualEntry, AnAnswerThatCouldNotBeReadIsNotStoredOver) {
         page.Next();
         EXPECT_EQ(page.Question(), "1. Why?");
         EXPECT_EQ(Answers(), stored);
-        state.SurveyConnection.Run("UPDATE respondent_responses SET SimpleResponse = 'near' "
-                                   "WHERE QuestionID = 1");
+        RunOwnSql(state, {"UPDATE respondent_responses SET SimpleResponse = 'near' "
+                          "WHERE QuestionID = 1"});
         page.Next(); // refused once more, but read
         EXPECT_EQ(page.Find<QPlainTextEdit>("txtDCSimpleResponse").toPlainText(), "near");
         page.Next();
