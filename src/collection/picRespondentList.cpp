@@ -326,6 +326,7 @@ void picRespondentList::cmdCreateResponse_Click() {
         SurveyBatch batch(state_);
         if (!batch)
             return;
+        RequireWritableForEntry();
         TableInsert insert(state_.SurveyConnection, "Respondent", {"Source"});
         entry_.CurrentRespondentID = Narrow32(insert.Add({"Manual Entry"}));
         batch.Commit();
