@@ -19,13 +19,15 @@ std::vector<Choice> ChoicesOf(Connection& file, std::int64_t question) {
     std::vector<Choice> choices;
     for (Recordset row = file.Execute(Choices, {question}); !row.AtEnd(); row.MoveNext())
         choices.push_back({row.Integer(0), row.NullToString(1),
-                           row.IsNull(2) ? DbValue() : DbValue(row.Integer(2))});
+                           row.IsNull(2) ? std::nullopt : std::optional(row.Integer(2))});
     return choices;
 }
 
-std::vector<Point> PointsOf(Connection& file, const DbValue& group) {
+std::vector<Point> PointsOf(Connection& file, std::optional<std::int64_t> group) {
     std::vector<Point> points;
-    for (Recordset row = file.Execute(Points, {group}); !row.AtEnd(); row.MoveNext())
+    if (!group)
+        return points;
+    for (Recordset row = file.Execute(Points, {*group}); !row.AtEnd(); row.MoveNext())
         points.push_back({row.Integer(0), row.NullToString(1)});
     return points;
 }

@@ -6,6 +6,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "platform/database/Database.h"
@@ -16,7 +17,7 @@ namespace pollarix {
 struct Choice {
     std::int64_t id = 0; // response.id
     QString name;
-    DbValue group; // responsematrixgroup.id of a sub question's scale; Null for none
+    std::optional<std::int64_t> group; // responsematrixgroup.id of a sub question's scale
 };
 
 struct Point {
@@ -26,7 +27,7 @@ struct Point {
 
 // By pos. All throw what the database throws, and TypeMismatch for a value of another kind.
 std::vector<Choice> ChoicesOf(Connection& file, std::int64_t question);
-std::vector<Point> PointsOf(Connection& file, const DbValue& group); // none for a Null
+std::vector<Point> PointsOf(Connection& file, std::optional<std::int64_t> group); // none for none
 
 // Answers with this response to this question.
 std::int64_t CountOfChoice(Connection& file, std::int64_t response, std::int64_t question);

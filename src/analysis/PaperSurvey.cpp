@@ -22,7 +22,7 @@ void AppendBox(RichTextFileWriter& out, QStringView box) {
 
 // Without a scale there is nothing to tick, and the form would be one that can't be filled in.
 std::vector<Point> PointsFor(Connection& survey, const Choice& sub) {
-    if (std::holds_alternative<std::monostate>(sub.group.Value()))
+    if (!sub.group)
         throw Failure(failure::InvalidNull, "\"" + sub.name + "\" has no response scale");
     return PointsOf(survey, sub.group);
 }
