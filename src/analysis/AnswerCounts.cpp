@@ -8,8 +8,13 @@ constexpr const char* Choices = "SELECT id, name, responseMatrixGroupID FROM res
                                 "WHERE questionid = ? ORDER BY pos, id";
 constexpr const char* Points = "SELECT id, name FROM responsematrix "
                                "WHERE responsematrixgroupid = ? ORDER BY pos, id";
-constexpr const char* ChoiceCount = "SELECT COUNT(*) FROM respondent_responses "
-                                    "WHERE responseid = ? AND questionid = ?";
+// In two parts: where there is no point, as in most files everywhere, the index knows the range
+// that is to be counted, and no row of it is compared with the question.
+constexpr const char* ChoiceCount =
+    "SELECT (SELECT COUNT(*) FROM respondent_responses WHERE responseid = ?1 "
+    "AND responseMatrixID IS NULL AND questionid = ?2) + "
+    "(SELECT COUNT(*) FROM respondent_responses WHERE responseid = ?1 "
+    "AND responseMatrixID IS NOT NULL AND questionid = ?2)";
 constexpr const char* PointCount = "SELECT COUNT(*) FROM respondent_responses "
                                    "WHERE responseid = ? AND responseMatrixID = ?";
 
@@ -32,12 +37,43 @@ std::vector<Point> PointsOf(Connection& file, std::optional<std::int64_t> group)
     return points;
 }
 
-std::int64_t CountOfChoice(Connection& file, std::int64_t response, std::int64_t question) {
-    return file.Count(ChoiceCount, {response, question});
+void AnswerCounts::LookAt(Connection& file) {
+    Connection::Moment now = file.Now();
+    if (file_ == &file && moment_ == now)
+        return;
+    file_ = &file;
+    moment_ = std::move(now);
+    totals_.reset();
+    choices_.clear();
+    points_.clear();
 }
 
-std::int64_t CountOfPoint(Connection& file, std::int64_t response, std::int64_t point) {
-    return file.Count(PointCount, {response, point});
+const SummaryTotals& AnswerCounts::Totals() {
+    if (!totals_) {
+        SummaryTotals totals;
+        totals.all = file_->Count("SELECT count(*) FROM respondent");
+        totals.manualEntry =
+            file_->Count("SELECT count(*) FROM respondent WHERE source='Manual Entry'");
+        totals.webBased = file_->Count("SELECT count(*) FROM respondent WHERE source='Web Based'");
+        totals.imported = file_->Count("SELECT count(*) FROM respondent WHERE source='Imported'");
+        totals_ = totals;
+    }
+    return *totals_;
+}
+
+std::int64_t AnswerCounts::Count(Counts& known, const char* sql, Ids ids) {
+    const auto found = known.find(ids);
+    if (found != known.end())
+        return found->second;
+    return known[ids] = file_->Count(sql, {ids.first, ids.second});
+}
+
+std::int64_t AnswerCounts::OfChoice(std::int64_t response, std::int64_t question) {
+    return Count(choices_, ChoiceCount, {response, question});
+}
+
+std::int64_t AnswerCounts::OfPoint(std::int64_t response, std::int64_t point) {
+    return Count(points_, PointCount, {response, point});
 }
 
 void CheckCounts(Connection& file) {

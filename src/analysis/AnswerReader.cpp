@@ -1,56 +1,42 @@
 #include "analysis/AnswerReader.h"
 
-#include "document/AnswerRows.h"
-
 namespace pollarix {
 
-using namespace answer_rows;
-
-namespace {
-
-int PlaceIn(const QHash<std::int64_t, int>& places, const Recordset& rows, Field field) {
-    return rows.IsNull(field) ? -1 : places.value(rows.Integer(field), -1);
-}
-
-} // namespace
-
 AnswerReader::AnswerReader(Connection& survey, const ReportSurvey& layout)
-    : layout_(layout), rows_(survey.Execute(AllAnswers)), ranges_(layout.questions.size()) {}
+    : layout_(layout), rows_(survey), ranges_(layout.questions.size()) {}
 
 bool AnswerReader::Next() {
-    if (rows_.AtEnd())
-        return false;
     for (const std::size_t question : answered_)
         ranges_[question] = {};
     answered_.clear();
     answers_.clear();
-
-    respondent_.id = rows_.Integer(Id);
-    respondent_.submitteddate = TextOrNull(rows_, SubmittedDate);
-    respondent_.source = TextOrNull(rows_, Source);
-    do {
-        if (!rows_.IsNull(AnswerId))
-            ReadAnswer();
-        rows_.MoveNext();
-    } while (!rows_.AtEnd() && rows_.Integer(Id) == respondent_.id);
+    if (!rows_.NextRespondent())
+        return false;
+    respondent_ = {rows_.Id(), rows_.SubmittedDate(), rows_.Source()};
+    while (rows_.NextAnswer())
+        ReadAnswer();
     return true;
 }
 
 void AnswerReader::ReadAnswer() {
     // Answers to deleted questions stay in the file and belong to nothing.
-    const int place = PlaceIn(layout_.questionIndex, rows_, QuestionId);
-    if (place < 0)
+    const int owner = layout_.questionPlaces.Of(rows_.QuestionId()).at;
+    if (owner < 0)
         return;
+    const auto place = static_cast<std::size_t>(owner);
     const ReportQuestion& question = layout_.questions[place];
     ReportAnswer answer;
     if (question.AnswerShape() == Shape::Text) {
-        answer.simpleresponse = TextOrNull(rows_, SimpleResponse);
+        answer.simpleresponse = rows_.SimpleResponse();
+        if (answer.simpleresponse)
+            answer.simpleresponse->detach(); // more rows are read before it is used
     } else {
-        answer.response = PlaceIn(question.responseIndex, rows_, ResponseId);
-        if (answer.response < 0)
+        const ReportSurvey::ResponsePlace found = layout_.responsePlaces.Of(rows_.ResponseId());
+        if (found.question != owner)
             return; // of another question, or gone
+        answer.response = found.response;
         if (question.AnswerShape() == Shape::Grid)
-            answer.point = PlaceIn(layout_.pointIndex, rows_, PointId);
+            answer.point = layout_.pointPlaces.Of(rows_.PointId()).at;
     }
     auto& [begin, end] = ranges_[place];
     if (begin == end) {

@@ -2,7 +2,7 @@
 // reads everything in this order, so that only one respondent stands in memory at a time.
 #pragma once
 
-#include <QString>
+#include <QByteArray>
 
 #include <cstdint>
 #include <optional>
@@ -11,19 +11,22 @@
 #include <vector>
 
 #include "analysis/ReportSurvey.h"
+#include "document/AnswerRows.h"
 
 namespace pollarix {
 
 struct ReportAnswer {
     int response = -1; // place in the question's responses; -1 for an open ended question
     int point = -1;    // place in the survey's points; -1 for none
-    std::optional<QString> simpleresponse; // read for open ended questions only; none for Null
+    // Read for open ended questions only; UTF-8, none for Null.
+    std::optional<QByteArray> simpleresponse;
 };
 
 struct Respondent {
     std::int64_t id = 0;
-    std::optional<QString> submitteddate; // as stored
-    std::optional<QString> source;
+    // As stored, in UTF-8; none for Null. They stand until the next respondent.
+    std::optional<QByteArray> submitteddate;
+    std::optional<QByteArray> source;
 };
 
 class AnswerReader {
@@ -48,7 +51,7 @@ class AnswerReader {
     void ReadAnswer();
 
     const ReportSurvey& layout_;
-    Recordset rows_;
+    AnswerRows rows_;
     Respondent respondent_;
     std::vector<ReportAnswer> answers_;
     std::vector<std::pair<std::size_t, std::size_t>> ranges_; // of answers_, for each question

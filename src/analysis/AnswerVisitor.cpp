@@ -5,7 +5,7 @@
 
 namespace pollarix {
 
-const QString* QuestionAnswers::Text() const {
+const QByteArray* QuestionAnswers::Text() const {
     if (stored.empty())
         return nullptr;
     if (!stored.front().simpleresponse)

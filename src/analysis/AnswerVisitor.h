@@ -19,9 +19,9 @@ struct QuestionAnswers {
     const std::vector<const ReportAnswer*>& ByResponse() const {
         return reader.FirstByResponse(place);
     }
-    // The text of an open ended answer; null without a stored answer. Throws InvalidNull for a
-    // stored one without text.
-    const QString* Text() const;
+    // The text of an open ended answer in UTF-8; null without a stored answer. Throws InvalidNull
+    // for a stored one without text.
+    const QByteArray* Text() const;
 };
 
 class AnswerVisitor {

@@ -2,8 +2,12 @@
 // matter. Knows nothing of what is written.
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
+
+#include <array>
+#include <cstring>
+#include <memory>
 
 #include "platform/files/Files.h"
 
@@ -11,17 +15,21 @@ namespace pollarix {
 
 class BlockWriter {
   public:
-    // Throws PathOrFileAccess, as the two others do. The file at the path is replaced only by Save.
-    explicit BlockWriter(const QString& path) : file_(path) { text_.reserve(2 * BlockSize); }
+    // Throws PathOrFileAccess, as the others do. The file at the path is replaced only by Save.
+    explicit BlockWriter(const QString& path) : file_(path) {}
 
-    // What has not been written yet, to append to.
-    QByteArray& Text() { return text_; }
-
-    // To be called now and then, after each line say.
-    void WriteIfFull() {
-        if (text_.size() >= BlockSize)
+    void Add(QByteArrayView bytes) {
+        if (bytes.size() > BlockSize - used_) {
             WriteBlock();
+            if (bytes.size() > BlockSize) {
+                file_.Write(bytes);
+                return;
+            }
+        }
+        std::memcpy(block_->data() + used_, bytes.data(), static_cast<std::size_t>(bytes.size()));
+        used_ += bytes.size();
     }
+    void Add(char byte) { Add(QByteArrayView(&byte, 1)); }
     void Save() {
         WriteBlock();
         file_.Finish();
@@ -31,12 +39,14 @@ class BlockWriter {
     static constexpr qsizetype BlockSize = 1 << 16;
 
     void WriteBlock() {
-        file_.Write(text_);
-        text_.resize(0); // keeps its memory
+        file_.Write(QByteArrayView(block_->data(), used_));
+        used_ = 0;
     }
 
     WholeFile file_;
-    QByteArray text_;
+    std::unique_ptr<std::array<char, BlockSize>> block_ =
+        std::make_unique<std::array<char, BlockSize>>();
+    qsizetype used_ = 0;
 };
 
 } // namespace pollarix

@@ -1,28 +1,29 @@
 #include "analysis/DetailedReport.h"
 
 #include "analysis/AnswerVisitor.h"
+#include "analysis/RespondentDates.h"
 #include "analysis/SaveCommand.h"
-#include "platform/base/Formats.h"
 #include "platform/richtext/RichText.h"
 
 namespace pollarix {
 
 namespace {
 
-QString DateOf(const Respondent& respondent) {
-    return respondent.submitteddate ? GeneralDate(StoredDate(*respondent.submitteddate))
-                                    : QString();
-}
-
 class Report : public AnswerVisitor {
   public:
-    Report(RichTextFileWriter& out, const ReportSurvey& layout) : out_(out), layout_(layout) {}
+    Report(RichTextFileWriter& out, const ReportSurvey& layout) : out_(out) {
+        for (const QString& point : layout.points)
+            points_.emplace_back(point + "\r\n");
+    }
 
     void Begin(const Respondent& respondent) override {
         out_.SetSelBold(true);
         const double size = out_.SelFontSize();
         out_.SetSelFontSize(size + 1);
-        out_.Append(respondent.source.value_or(QString()) + " on " + DateOf(respondent) + "\r\n");
+        out_.Append(
+            TextOfUtf8(respondent.source.value_or(QByteArray())) + " on " +
+            (respondent.submitteddate ? dates_.General(*respondent.submitteddate) : QString()) +
+            "\r\n");
         out_.SetSelBold(false);
         out_.SetSelFontSize(size);
         out_.Append(u"\r\n");
@@ -30,47 +31,59 @@ class Report : public AnswerVisitor {
 
     void Ask(std::size_t place, const ReportQuestion& question) override {
         // Made for the first respondent: without one no question's text is read.
-        if (headLines_.size() == place)
-            headLines_.push_back(question.HeadLine() + "\r\n");
+        if (questions_.size() == place)
+            questions_.emplace_back(question);
         out_.SetSelBold(true);
-        out_.Append(headLines_[place]);
+        out_.Append(questions_[place].headLine);
         out_.SetSelBold(false);
-        text_.resize(0); // keeps its memory
     }
 
     void OpenEnded(const QuestionAnswers& answers) override {
-        const QString* const answer = answers.Text();
-        text_ += '\t';
-        text_ += answer ? QString(*answer).replace("\r\n", "\r\n\t") : "Data not found";
-        text_ += "\r\n";
-        out_.Append(text_);
+        const QByteArray* const answer = answers.Text();
+        if (!answer) {
+            out_.Append(noAnswer_);
+            return;
+        }
+        out_.Append('\t' + TextOfUtf8(*answer).replace("\r\n", "\r\n\t") + "\r\n");
     }
 
     void Choices(const QuestionAnswers& answers) override {
         for (const ReportAnswer& answer : answers.stored)
-            text_ += '\t' + answers.question.responses[answer.response] + "\r\n";
-        out_.Append(text_);
+            out_.Append(
+                questions_[answers.place].choices[static_cast<std::size_t>(answer.response)]);
     }
 
     void Matrix(const QuestionAnswers& answers) override {
         const std::vector<const ReportAnswer*>& byResponse = answers.ByResponse();
         for (std::size_t i = 0; i < byResponse.size(); ++i) {
-            text_ += '\t' + answers.question.responses[i] + '\t';
+            out_.Append(questions_[answers.place].subQuestions[i]);
             // Without an answer no line end follows: the next sub question goes on in the same
             // line, and behind the last one the next question does.
             if (byResponse[i] && byResponse[i]->point >= 0)
-                text_ += layout_.points[byResponse[i]->point] + "\r\n";
+                out_.Append(points_[static_cast<std::size_t>(byResponse[i]->point)]);
         }
-        out_.Append(text_);
     }
 
     void End() override { out_.Append(u"\r\n"); }
 
   private:
+    struct Question {
+        explicit Question(const ReportQuestion& question) : headLine(question.HeadLine() + "\r\n") {
+            for (const QString& response : question.responses) {
+                choices.emplace_back('\t' + response + "\r\n");
+                subQuestions.emplace_back('\t' + response + '\t');
+            }
+        }
+        RepeatedText headLine;
+        std::vector<RepeatedText> choices;
+        std::vector<RepeatedText> subQuestions;
+    };
+
     RichTextFileWriter& out_;
-    const ReportSurvey& layout_;
-    std::vector<QString> headLines_;
-    QString text_; // of the question being answered
+    RespondentDates dates_;
+    std::vector<Question> questions_;
+    std::vector<RepeatedText> points_;
+    const RepeatedText noAnswer_{"\tData not found\r\n"};
 };
 
 } // namespace

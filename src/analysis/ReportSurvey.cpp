@@ -21,23 +21,22 @@ ReportSurvey::ReportSurvey(Connection& survey) {
         question.questionno = rows.NullToString("questionno");
         if (!rows.IsNull("question"))
             question.question = rows.Text("question");
-        questionIndex.insert(question.id, static_cast<int>(questions.size()));
+        questionPlaces.Insert(question.id, {static_cast<int>(questions.size())});
         questions.push_back(std::move(question));
     }
     for (Recordset rows = survey.Execute(
              "SELECT id, questionid, name FROM response ORDER BY questionid, pos, id");
          !rows.AtEnd(); rows.MoveNext()) {
-        const auto owner = questionIndex.constFind(rows.Integer("questionid"));
-        if (owner == questionIndex.cend())
+        const int owner = questionPlaces.Of(rows.Integer("questionid")).at;
+        if (owner < 0)
             continue;
-        ReportQuestion& question = questions[*owner];
-        question.responseIndex.insert(rows.Integer("id"),
-                                      static_cast<int>(question.responses.size()));
-        question.responses.push_back(rows.NullToString("name"));
+        std::vector<QString>& responses = questions[static_cast<std::size_t>(owner)].responses;
+        responsePlaces.Insert(rows.Integer("id"), {owner, static_cast<int>(responses.size())});
+        responses.push_back(rows.NullToString("name"));
     }
     for (Recordset rows = survey.Execute("SELECT id, name FROM responsematrix"); !rows.AtEnd();
          rows.MoveNext()) {
-        pointIndex.insert(rows.Integer("id"), static_cast<int>(points.size()));
+        pointPlaces.Insert(rows.Integer("id"), {static_cast<int>(points.size())});
         points.push_back(rows.NullToString("name"));
     }
 }

@@ -2,13 +2,13 @@
 // questions. Only what the file holds: the model with its unsaved changes is another matter.
 #pragma once
 
-#include <QHash>
 #include <QString>
 
 #include <cstdint>
 #include <optional>
 #include <vector>
 
+#include "analysis/IdPlaces.h"
 #include "document/Kinds.h"
 #include "platform/database/Database.h"
 
@@ -17,10 +17,9 @@ namespace pollarix {
 struct ReportQuestion {
     std::int64_t id = 0;
     std::int32_t qtype = 0;
-    QString questionno;                     // "" for Null
-    std::optional<QString> question;        // rich text; none for Null
-    std::vector<QString> responses;         // names of the answers or sub questions, by pos
-    QHash<std::int64_t, int> responseIndex; // response.id to its place in responses
+    QString questionno;              // "" for Null
+    std::optional<QString> question; // rich text; none for Null
+    std::vector<QString> responses;  // names of the answers or sub questions, by pos
 
     Shape AnswerShape() const { return KindOf(qtype).shape; }
     // The text without formats. Throws InvalidNull when there is none.
@@ -31,13 +30,24 @@ struct ReportQuestion {
 };
 
 struct ReportSurvey {
+    // A place in a list; -1 for what is not in it.
+    struct Place {
+        int at = -1;
+    };
+    struct ResponsePlace {
+        int question = -1; // in questions
+        int response = -1; // in that question's responses
+    };
+
     // Reads all questions but the instruction texts, by pos.
     explicit ReportSurvey(Connection& survey);
 
     std::vector<ReportQuestion> questions;
-    QHash<std::int64_t, int> questionIndex; // question.id to its place in questions
-    std::vector<QString> points;            // names of the points of all scales
-    QHash<std::int64_t, int> pointIndex;    // responsematrix.id to its place in points
+    std::vector<QString> points; // names of the points of all scales
+
+    IdPlaces<Place> questionPlaces;         // by question.id
+    IdPlaces<ResponsePlace> responsePlaces; // by response.id
+    IdPlaces<Place> pointPlaces;            // by responsematrix.id, in points
 };
 
 } // namespace pollarix

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "analysis/AnswerCounts.h"
 #include "document/Kinds.h"
 #include "platform/base/Failure.h"
 
@@ -14,17 +13,18 @@ ChartRow RowOf(const QString& name, std::int64_t count) {
     return {' ' + name, static_cast<double>(count)};
 }
 
-std::vector<ChartRow> GraphOfChoices(Connection& file, std::int64_t question) {
+std::vector<ChartRow> GraphOfChoices(Connection& file, AnswerCounts& counts,
+                                     std::int64_t question) {
     std::vector<ChartRow> table;
     for (const Choice& choice : ChoicesOf(file, question))
-        table.push_back(RowOf(choice.name, CountOfChoice(file, choice.id, question)));
+        table.push_back(RowOf(choice.name, counts.OfChoice(choice.id, question)));
     return table;
 }
 
 // The table has a row for each point of the scale of the sub question that was made first, whatever
 // the scale of the one that is drawn.
-std::optional<std::vector<ChartRow>> GraphOfMatrix(Connection& file, std::int64_t question,
-                                                   std::int16_t key) {
+std::optional<std::vector<ChartRow>> GraphOfMatrix(Connection& file, AnswerCounts& counts,
+                                                   std::int64_t question, std::int16_t key) {
     const std::vector<Choice> subs = ChoicesOf(file, question);
     if (subs.empty())
         return std::nullopt;
@@ -35,7 +35,7 @@ std::optional<std::vector<ChartRow>> GraphOfMatrix(Connection& file, std::int64_
         return table; // the key belongs to another question: the rows stay empty
     const std::vector<Point> points = PointsOf(file, sub->group);
     for (std::size_t i = 0; i < points.size(); ++i) {
-        const std::int64_t count = CountOfPoint(file, sub->id, points[i].id);
+        const std::int64_t count = counts.OfPoint(sub->id, points[i].id);
         if (i >= table.size())
             throw Failure(failure::Subscript);
         table[i] = RowOf(points[i].name, count);
@@ -70,11 +70,12 @@ GraphQuestion QuestionOfGraph(Connection& file, std::int64_t RowData) {
     return question;
 }
 
-std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, std::int64_t question,
-                                               std::int64_t qtype, std::int16_t Key) {
+std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, AnswerCounts& counts,
+                                               std::int64_t question, std::int64_t qtype,
+                                               std::int16_t Key) {
     if (qtype == kind::Matrix)
-        return GraphOfMatrix(file, question, Key);
-    return GraphOfChoices(file, question);
+        return GraphOfMatrix(file, counts, question, Key);
+    return GraphOfChoices(file, counts, question);
 }
 
 } // namespace pollarix

@@ -5,6 +5,7 @@
 #include <optional>
 #include <vector>
 
+#include "analysis/AnswerCounts.h"
 #include "platform/charts/Chart.h"
 #include "platform/database/Database.h"
 
@@ -23,8 +24,9 @@ GraphQuestion QuestionOfGraph(Connection& file, std::int64_t RowData);
 // The chart's table; none leaves what it showed. Key is the row's entry of SummaryKeys (-1 for
 // none). It decides which sub question of a matrix is drawn; one of another question gives rows
 // without label and value.
-std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, std::int64_t question,
-                                               std::int64_t qtype, std::int16_t Key);
+std::optional<std::vector<ChartRow>> ReadGraph(Connection& file, AnswerCounts& counts,
+                                               std::int64_t question, std::int64_t qtype,
+                                               std::int16_t Key);
 
 // Entry of the style list, from 0, to the chart's own number.
 ChartType ChartTypeOfStyle(int ListIndex);

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "analysis/AnswerCounts.h"
 #include "document/Kinds.h"
 #include "platform/base/Failure.h"
 #include "platform/base/Formats.h"
@@ -23,8 +22,8 @@ constexpr const char* Questions = "SELECT question.id, question, qtype, question
 
 class Builder {
   public:
-    Builder(Connection& file, SummaryReport& report, std::int64_t responseID)
-        : file_(file), report_(report), responseID_(responseID) {}
+    Builder(Connection& file, AnswerCounts& counts, SummaryReport& report, std::int64_t responseID)
+        : file_(file), counts_(counts), report_(report), responseID_(responseID) {}
 
     void AddQuestion(const Recordset& question) {
         const std::int64_t id = question.Integer(0);
@@ -57,7 +56,7 @@ class Builder {
     void AddChoices(std::int64_t question) {
         ++R_;
         for (const Choice& choice : ChoicesOf(file_, question)) {
-            const std::int64_t count = CountOfChoice(file_, choice.id, question);
+            const std::int64_t count = counts_.OfChoice(choice.id, question);
             report_.AddEntry(Narrow32(count), -1);
             Write({PercentageText(count, report_.totals.all), "     " + choice.name, choice.id});
             SelectIfAsked(choice.id);
@@ -86,13 +85,14 @@ class Builder {
                 ++R_;
                 report_.AddEntry(0, sub.id);
             }
-            const std::int64_t count = CountOfPoint(file_, sub.id, points[i].id);
+            const std::int64_t count = counts_.OfPoint(sub.id, points[i].id);
             Write(
                 {PercentageText(count, report_.totals.all), "          " + points[i].name, sub.id});
         }
     }
 
     Connection& file_;
+    AnswerCounts& counts_;
     SummaryReport& report_;
     std::int64_t responseID_;
     std::size_t R_ = 1;
@@ -120,23 +120,16 @@ void CheckSummary(Connection& file) {
     const bool nobody = file.Execute("SELECT source FROM respondent LIMIT 1").AtEnd();
     if (nobody && !file.Execute("SELECT id FROM respondent_responses LIMIT 1").AtEnd()) {
         SummaryReport report;
-        ReadSummary(file, 1, 0, report); // divides by nobody for each answer that counts
+        AnswerCounts counts;
+        counts.LookAt(file);
+        ReadSummary(file, counts, 1, 0, report); // divides by nobody for each answer that counts
     }
 }
 
-SummaryTotals ReadTotals(Connection& file) {
-    SummaryTotals totals;
-    totals.all = file.Count("SELECT count(*) FROM respondent");
-    totals.manualEntry = file.Count("SELECT count(*) FROM respondent WHERE source='Manual Entry'");
-    totals.webBased = file.Count("SELECT count(*) FROM respondent WHERE source='Web Based'");
-    totals.imported = file.Count("SELECT count(*) FROM respondent WHERE source='Imported'");
-    return totals;
-}
-
-void ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID,
+void ReadSummary(Connection& file, AnswerCounts& counts, std::int64_t Row, std::int64_t ResponseID,
                  SummaryReport& report) {
     report.row = Row;
-    Builder builder(file, report, ResponseID);
+    Builder builder(file, counts, report, ResponseID);
     for (Recordset question = file.Execute(Questions); !question.AtEnd(); question.MoveNext())
         builder.AddQuestion(question);
     if (report.row >= static_cast<std::int64_t>(report.rows.size()))

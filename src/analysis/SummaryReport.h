@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "analysis/AnswerCounts.h"
 #include "platform/database/Database.h"
 
 namespace pollarix {
@@ -15,15 +16,6 @@ struct SummaryRow {
     QString percentage; // "n/a", "" or a percentage
     QString text;
     std::int64_t rowData = 0; // -1 for a question, else a response.id; 0 in a blank row
-};
-
-// How many respondents there are, by where their answers came from. Those from the web by this
-// program's own import ("Web") count in the first number only.
-struct SummaryTotals {
-    std::int64_t all = 0;
-    std::int64_t manualEntry = 0;
-    std::int64_t webBased = 0;
-    std::int64_t imported = 0;
 };
 
 struct SummaryReport {
@@ -45,12 +37,11 @@ struct SummaryReport {
     void AddEntry(std::int32_t count, std::int64_t key);
 };
 
-SummaryTotals ReadTotals(Connection& file);
-
-// Adds rows and entries to a new report that has its totals. Row is the grid row to select,
-// overridden by the row of the response with ResponseID. Throws Overflow for a response.id of a
-// matrix beyond 16 bits, and what the database throws; the report then ends where that happened.
-void ReadSummary(Connection& file, std::int64_t Row, std::int64_t ResponseID,
+// Adds rows and entries to a new report that has its totals, with the counts of the same file. Row
+// is the grid row to select, overridden by the row of the response with ResponseID. Throws Overflow
+// for a response.id of a matrix beyond 16 bits, and what the database throws; the report then ends
+// where that happened.
+void ReadSummary(Connection& file, AnswerCounts& counts, std::int64_t Row, std::int64_t ResponseID,
                  SummaryReport& report);
 
 // Throws what ReadSummary would throw for a file that lacks tables or columns, or that holds

@@ -2,15 +2,17 @@
 
 #include <QByteArray>
 
+#include <algorithm>
+
 #include "analysis/AnswerVisitor.h"
 #include "analysis/BlockWriter.h"
 #include "analysis/HtmlQuestionnaire.h"
 #include "analysis/PdfQuestionnaire.h"
+#include "analysis/RespondentDates.h"
 #include "analysis/SaveCommand.h"
 #include "analysis/TableExport.h"
 #include "labelled/LabelledFile.h"
 #include "platform/base/Failure.h"
-#include "platform/base/Formats.h"
 #include "platform/base/Windows1252.h"
 
 namespace pollarix {
@@ -25,52 +27,68 @@ std::vector<QByteArray> FieldsOf(const std::vector<QString>& names) {
     return fields;
 }
 
-QByteArray FieldOf(const std::optional<QString>& value) {
-    if (!value)
-        throw Failure(failure::InvalidNull);
-    return ToWindows1252(SurveyExport::QuoteMe(*value));
+bool IsAscii(QByteArrayView text) {
+    return std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 0; });
 }
 
 class Lines : public AnswerVisitor {
   public:
     Lines(BlockWriter& out, const ReportSurvey& layout)
-        : out_(out), line_(out.Text()), points_(FieldsOf(layout.points)) {
+        : out_(out), points_(FieldsOf(layout.points)) {
         for (const ReportQuestion& question : layout.questions)
             responses_.push_back(FieldsOf(question.responses));
     }
 
     void Begin(const Respondent& respondent) override {
-        line_ += FieldOf(respondent.source);
-        line_ += ", ";
-        if (!respondent.submitteddate)
+        if (!respondent.source || !respondent.submitteddate)
             throw Failure(failure::InvalidNull);
-        line_ += FieldOf(GeneralDate(StoredDate(*respondent.submitteddate)));
+        AddField(*respondent.source);
+        out_.Add(", ");
+        out_.Add(ToWindows1252(SurveyExport::QuoteMe(dates_.General(*respondent.submitteddate))));
     }
     void OpenEnded(const QuestionAnswers& answers) override {
-        const QString* const answer = answers.Text();
-        line_ += ", ";
-        line_ += answer ? FieldOf(*answer) : QByteArray("\"Data not found\"");
+        const QByteArray* const answer = answers.Text();
+        out_.Add(", ");
+        if (answer)
+            AddField(*answer);
+        else
+            out_.Add("\"Data not found\"");
     }
     void Choices(const QuestionAnswers& answers) override {
+        const std::vector<QByteArray>& responses = responses_[answers.place];
         for (const ReportAnswer& answer : answers.stored)
-            line_ += responses_[answers.place][answer.response];
+            out_.Add(responses[static_cast<std::size_t>(answer.response)]);
     }
     void Matrix(const QuestionAnswers& answers) override {
         const std::vector<const ReportAnswer*>& byResponse = answers.ByResponse();
+        const std::vector<QByteArray>& responses = responses_[answers.place];
         for (std::size_t i = 0; i < byResponse.size(); ++i) {
-            line_ += responses_[answers.place][i];
+            out_.Add(responses[i]);
             if (byResponse[i] && byResponse[i]->point >= 0)
-                line_ += points_[byResponse[i]->point];
+                out_.Add(points_[static_cast<std::size_t>(byResponse[i]->point)]);
         }
     }
-    void End() override {
-        line_ += "\r\n";
-        out_.WriteIfFull();
-    }
+    void End() override { out_.Add("\r\n"); }
 
   private:
+    // What QuoteMe makes of the text, without its letters being converted where all are ASCII.
+    void AddField(QByteArrayView utf8) {
+        if (!IsAscii(utf8)) {
+            out_.Add(ToWindows1252(SurveyExport::QuoteMe(TextOfUtf8(utf8))));
+            return;
+        }
+        out_.Add('"');
+        for (auto from = utf8.begin(); from != utf8.end();) {
+            const auto to = std::find_if(from, utf8.end(),
+                                         [](char byte) { return byte == '"' || byte == ','; });
+            out_.Add({from, to});
+            from = to == utf8.end() ? to : to + 1;
+        }
+        out_.Add('"');
+    }
+
     BlockWriter& out_;
-    QByteArray& line_;
+    RespondentDates dates_;
     std::vector<QByteArray> points_;
     std::vector<std::vector<QByteArray>> responses_; // by question
 };
@@ -122,14 +140,12 @@ void SurveyExport::mnuFileExport_Click() {
 }
 
 QString SurveyExport::QuoteMe(const QString& s) {
-    QString quoted;
-    quoted.reserve(s.size() + 2);
-    quoted += '"';
-    for (const QChar character : s) {
-        if (character != '"' && character != ',')
-            quoted += character;
-    }
-    quoted += '"';
+    QString quoted(s.size() + 2, '"');
+    QChar* const end =
+        std::remove_copy_if(s.begin(), s.end(), quoted.begin() + 1,
+                            [](QChar character) { return character == '"' || character == ','; });
+    *end = '"';
+    quoted.truncate(end + 1 - quoted.constData());
     return quoted;
 }
 

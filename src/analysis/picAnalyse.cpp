@@ -150,11 +150,12 @@ void picAnalyse::RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t
         return;
     }
     summary_ = {};
-    summary_.totals = ReadTotals(state_.SurveyConnection);
+    counts_.LookAt(state_.SurveyConnection);
+    summary_.totals = counts_.Totals();
     ShowTotals();
     const RedrawOff redrawOff(*gSummaryReport_);
     try {
-        ReadSummary(state_.SurveyConnection, Row, ResponseID, summary_);
+        ReadSummary(state_.SurveyConnection, counts_, Row, ResponseID, summary_);
     } catch (...) {
         if (summary_.rows.size() > 1) // else the rows of before stand
             FillGrid();
@@ -230,8 +231,9 @@ void picAnalyse::RefreshGraph() {
         ShowGraph(*question.shows);
     if (!question.id)
         return;
+    counts_.LookAt(file);
     const std::optional<std::vector<ChartRow>> table =
-        ReadGraph(file, *question.id, question.qtype, key);
+        ReadGraph(file, counts_, *question.id, question.qtype, key);
     if (!table)
         return;
     // After a start-up that failed no style is selected: the chart keeps its own.

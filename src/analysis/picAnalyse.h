@@ -35,7 +35,7 @@ class picAnalyse : public QWidget {
     // Rebuilds grid and totals. Row is the grid row to select, overridden by that of the response
     // with ResponseID. On the hidden screen nothing is counted, only what would fail is told: the
     // screen is shown by a refresh alone, so nobody sees the grid before the next one. Does not
-    // redraw the graph. Throws what ReadTotals and ReadSummary throw; the screen then shows what
+    // redraw the graph. Throws what the counts and ReadSummary throw; the screen then shows what
     // was read until then, and behind it nothing or, without totals or rows, what it showed before.
     void RefreshRespondeSummaryReportList(std::int64_t Row, std::int64_t ResponseID);
 
@@ -65,6 +65,7 @@ class picAnalyse : public QWidget {
     ApplicationState& state_;
     const LongWork& work_;
     SummaryReport summary_;
+    AnswerCounts counts_;
     bool isExpanded_ = false; // the graph covers the rest of the screen
 
     QLabel* picTitleAnalyse_;

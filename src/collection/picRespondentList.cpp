@@ -42,7 +42,7 @@ constexpr int Gap = ToPixels(90);
 // such row does not raise a message at every look at the list.
 QString DateText(const QString& stored) {
     try {
-        return LongDateAndTime(StoredDate(stored));
+        return LongDateAndTime(StoredDate(stored.toUtf8()));
     } catch (const Failure&) {
         return stored;
     }
@@ -197,7 +197,10 @@ void picRespondentList::FillExampleQuestions() {
 void picRespondentList::RefreshRespondentList(std::int64_t Row, std::int64_t RespondentID) {
     // Until they are read anew, no respondents are listed: the ones that were may be of another
     // file.
-    gRespondents_->SetRows(1);
+    if (!ListsAsItStands()) {
+        gRespondents_->SetRows(1);
+        listed_.reset();
+    }
     waiting_.reset();
     FillExampleQuestions();
     if (isVisible()) {
@@ -234,28 +237,41 @@ void picRespondentList::FillWaitingList() {
     FillList(selection.Row, selection.RespondentID);
 }
 
-void picRespondentList::FillList(std::int64_t Row, std::int64_t RespondentID) {
-    // Only the ids are read for every row. What a row shows is read when it comes on the screen.
+// Whether the rows are those of the open file, in which nothing has changed since.
+bool picRespondentList::ListsAsItStands() const {
+    return listed_ && state_.SurveyConnection.IsOpen() && *listed_ == state_.SurveyConnection.Now();
+}
+
+// Only the ids are read for every row. What a row shows is read when it comes on the screen.
+std::vector<std::int64_t> picRespondentList::ReadIds() {
     std::vector<std::int64_t> ids;
     ids.reserve(
         static_cast<std::size_t>(state_.SurveyConnection.Count("SELECT count(*) FROM respondent")));
     for (Recordset row = state_.SurveyConnection.Execute(ListRespondents); !row.AtEnd();
          row.MoveNext())
         ids.push_back(row.Integer(0));
+    return ids;
+}
 
+void picRespondentList::FillList(std::int64_t Row, std::int64_t RespondentID) {
+    const bool asItStands = ListsAsItStands();
+    const Connection::Moment now = state_.SurveyConnection.Now();
+    const std::vector<std::int64_t> ids = asItStands ? std::vector<std::int64_t>() : ReadIds();
     if (!ids.empty())
         FitTexts();
     const RedrawOff redrawOff(*gRespondents_);
     listedFile_ = state_.SurveyConnection.Path();
     gRespondents_->SetProvider([this](int row, int col) { return CellText(row, col); });
-    const int rows = static_cast<int>(ids.size()) + 1;
-    gRespondents_->SetRows(rows);
-    for (int row = 1; row < rows; ++row) {
-        const std::int64_t id = ids[static_cast<std::size_t>(row - 1)];
-        gRespondents_->SetRowData(row, id);
-        if (id == RespondentID)
-            Row = row;
+    if (!asItStands) {
+        gRespondents_->SetRows(static_cast<int>(ids.size()) + 1);
+        for (std::size_t i = 0; i < ids.size(); ++i)
+            gRespondents_->SetRowData(static_cast<int>(i) + 1, ids[i]);
+        listed_ = now;
     }
+    const int rows = gRespondents_->Rows();
+    for (int row = 1; RespondentID != 0 && row < rows; ++row)
+        if (gRespondents_->RowData(row) == RespondentID)
+            Row = row;
     gRespondents_->SetRow(static_cast<int>(Row >= rows ? rows - 1 : Row));
     gRespondents_->SetCol(0);
     gRespondents_->SetColSel(2);

@@ -56,6 +56,8 @@ class picRespondentList : public QWidget {
 
   private:
     void FillExampleQuestions();
+    bool ListsAsItStands() const;
+    std::vector<std::int64_t> ReadIds();
     void FillList(std::int64_t Row, std::int64_t RespondentID);
     void FillWaitingList();
     QString CellText(int row, int col) const;
@@ -73,7 +75,8 @@ class picRespondentList : public QWidget {
 
     ApplicationState& state_;
     ManualEntryState entry_;
-    QString listedFile_; // path of the survey whose rows are listed
+    QString listedFile_;                       // path of the survey whose rows are listed
+    std::optional<Connection::Moment> listed_; // as of when
     struct Selection {
         std::int64_t Row;
         std::int64_t RespondentID;

@@ -62,7 +62,8 @@ void ChooseMissing(Column& column, double smallest) {
 // Dates that no calendar knows are none.
 std::optional<double> SecondsOf(const QString& stored) {
     try {
-        return std::floor(static_cast<double>(StoredDate(stored).toMSecsSinceEpoch()) / 1000);
+        return std::floor(static_cast<double>(StoredDate(stored.toUtf8()).toMSecsSinceEpoch()) /
+                          1000);
     } catch (const Failure&) {
         return std::nullopt;
     }

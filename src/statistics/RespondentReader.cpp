@@ -2,15 +2,20 @@
 
 #include <algorithm>
 
-#include "document/AnswerRows.h"
 #include "document/clsQ.h"
 
 namespace pollarix::statistics {
 
-using namespace answer_rows;
+namespace {
+
+std::optional<QString> TextOrNone(const std::optional<QByteArray>& utf8) {
+    return utf8 ? std::optional(TextOfUtf8(*utf8)) : std::nullopt;
+}
+
+} // namespace
 
 RespondentReader::RespondentReader(Connection& survey, const SurveyVariables& variables)
-    : variables_(variables), rows_(survey.Execute(AllAnswers)), codes_(variables.variables.size()),
+    : variables_(variables), rows_(survey), codes_(variables.variables.size()),
       texts_(variables.variables.size()), answered_(variables.questions.size()),
       asked_(variables.questions.size()), jumped_(variables.questions.size()) {
     for (std::size_t i = 0; i < variables.questions.size(); ++i)
@@ -18,18 +23,15 @@ RespondentReader::RespondentReader(Connection& survey, const SurveyVariables& va
 }
 
 bool RespondentReader::Next() {
-    if (rows_.AtEnd())
+    if (!rows_.NextRespondent())
         return false;
     std::fill(codes_.begin(), codes_.end(), LeftEmpty);
     std::fill(answered_.begin(), answered_.end(), 0);
-    id_ = rows_.Integer(Field::Id);
-    date_ = TextOrNull(rows_, Field::SubmittedDate);
-    source_ = TextOrNull(rows_, Field::Source);
-    do {
-        if (!rows_.IsNull(AnswerId))
-            ReadAnswer();
-        rows_.MoveNext();
-    } while (!rows_.AtEnd() && rows_.Integer(Field::Id) == id_);
+    id_ = rows_.Id();
+    date_ = TextOrNone(rows_.SubmittedDate());
+    source_ = TextOrNone(rows_.Source());
+    while (rows_.NextAnswer())
+        ReadAnswer();
     CompleteTicks();
     if (variables_.hasJumps)
         MarkNotAsked();
@@ -37,8 +39,8 @@ bool RespondentReader::Next() {
 }
 
 void RespondentReader::ReadAnswer() {
-    const int place =
-        rows_.IsNull(QuestionId) ? -1 : questionPlaces_.value(rows_.Integer(QuestionId), -1);
+    const std::optional<std::int64_t> answered = rows_.QuestionId();
+    const int place = answered ? questionPlaces_.value(*answered, -1) : -1;
     if (place < 0)
         return;
     const SurveyQuestion& question = variables_.questions[place];
@@ -48,14 +50,15 @@ void RespondentReader::ReadAnswer() {
         if (answered_[place])
             return;
         answered_[place] = 1;
-        texts_[first] = rows_.NullToString(SimpleResponse);
+        texts_[first] = TextOfUtf8(rows_.SimpleResponse().value_or(QByteArray()));
         if (!texts_[first].isEmpty())
             codes_[first] = 0;
         return;
     }
-    if (rows_.IsNull(ResponseId))
+    const std::optional<std::int64_t> chosen = rows_.ResponseId();
+    if (!chosen)
         return;
-    const auto response = question.responses.constFind(rows_.Integer(ResponseId));
+    const auto response = question.responses.constFind(*chosen);
     if (response == question.responses.cend())
         return;
     if (question.qtype == kind::Check) {
@@ -66,8 +69,8 @@ void RespondentReader::ReadAnswer() {
         codes_[first] = *response;
     } else {
         const auto& points = question.points[*response];
-        const auto point =
-            rows_.IsNull(PointId) ? points.cend() : points.constFind(rows_.Integer(PointId));
+        const std::optional<std::int64_t> given = rows_.PointId();
+        const auto point = given ? points.constFind(*given) : points.cend();
         if (point == points.cend() || codes_[first + *response] != LeftEmpty)
             return;
         codes_[first + *response] = *point;

@@ -8,6 +8,7 @@
 #include <optional>
 #include <vector>
 
+#include "document/AnswerRows.h"
 #include "statistics/Variables.h"
 
 namespace pollarix::statistics {
@@ -54,7 +55,7 @@ class RespondentReader {
     void MarkNotAsked();
 
     const SurveyVariables& variables_;
-    Recordset rows_;
+    AnswerRows rows_;
     QHash<std::int64_t, int> questionPlaces_;
     std::int64_t id_ = 0;
     std::optional<QString> date_;

@@ -56,3 +56,33 @@ TEST_F(SummaryReportTest, WhatCannotBeReportedIsToldWithoutCounting) {
     EXPECT_EQ(failing("INSERT INTO respondent (source) VALUES ('Web')"), 0);
     EXPECT_EQ(failing("ALTER TABLE responsematrix RENAME COLUMN pos TO place"), 1);
 }
+TEST_F(SummaryReportTest, WhatWasCountedStandsUntilTheFileChanges) {
+    Fill({"INSERT INTO respondent (source) VALUES ('web based'), ('Web')",
+          "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+          "ResponseMatrixID) VALUES (1, 1, 11, NULL), (1, 1, 11, 3), (1, 2, 11, NULL), "
+          "(2, 1, 12, NULL)"});
+    AnswerCounts counts;
+    const auto expect = [&](std::int64_t all, std::int64_t choice, std::int64_t point) {
+        counts.LookAt(file);
+        for (int again = 0; again < 2; ++again) {
+            EXPECT_EQ(counts.Totals().all, all);
+            EXPECT_EQ(counts.Totals().webBased, 1);
+            EXPECT_EQ(counts.OfChoice(11, 1), choice);
+            EXPECT_EQ(counts.OfPoint(11, 3), point);
+        }
+    };
+    expect(2, 2, 1);
+    file.Run("DELETE FROM respondent_responses WHERE ResponseMatrixID = 3");
+    expect(2, 1, 0);
+    RunSql(program.Path("survey.plxs"), // another program
+           {"INSERT INTO respondent (source) VALUES ('Web')",
+            "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID, "
+            "ResponseMatrixID) VALUES (3, 2, 11, 3)"});
+    expect(3, 1, 1);
+    const QString path = file.Path();
+    file.Close(); // a new opening counts its own changes from none
+    RunSql(path,
+           {"DELETE FROM respondent_responses", "DELETE FROM respondent WHERE source = 'Web'"});
+    file.Open(path);
+    expect(1, 0, 0);
+}

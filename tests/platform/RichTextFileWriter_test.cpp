@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+
 #include "platform/richtext/RichText.h"
 #include "support/Bytes.h"
 
@@ -47,4 +49,33 @@ TEST(RichTextFileWriter, FormatsHoldForWhatIsAppendedAfterThem) {
     EXPECT_TRUE(bytes.contains("\\pard\\plain\\rtlch\\af0\\afs20\\ltrch\\f0\\fs20"));
     EXPECT_TRUE(bytes.contains("\\rtlch\\af0\\afs22\\ab\\ai0\\ltrch\\fs22\\b 1. "));
     EXPECT_TRUE(bytes.contains("\\rtlch\\af0\\afs20\\ab0\\ai0\\ltrch\\fs20\\b0\\par"));
+}
+
+TEST(RichTextFileWriter, ATextKeptAsItWasEncodedGivesTheBytesOfAnyOther) {
+    const QTemporaryDir directory;
+    RichTextFileWriter kept(directory.filePath("kept.rtf"));
+    RichTextFileWriter plain(directory.filePath("plain.rtf"));
+    std::vector<RepeatedText> texts;
+    for (const QString& text :
+         {QString(), QString("\r\n"), QString("\tTab\r\n"), QString("head"), QString("\\{}"),
+          QString::fromUtf8("Ωmega 😀\t"), QString("\n"), QString("end\r"), QString(QChar(0xD83D))})
+        texts.emplace_back(text);
+    std::mt19937 random(7);
+    for (int i = 0; i < 20'000; ++i) {
+        const RepeatedText& text = texts[random() % texts.size()];
+        kept.Append(text);
+        plain.Append(QStringView(text.Text()));
+        const auto choice = random() % 8;
+        for (RichTextFileWriter* writer : {&kept, &plain}) {
+            if (choice == 0)
+                writer->SetSelBold(i % 2);
+            else if (choice == 1)
+                writer->SetSelFontSize(10 + i % 3);
+            else if (choice == 2)
+                writer->SetSelFontName(i % 2 ? "Wingdings" : "Arial");
+        }
+    }
+    kept.Save();
+    plain.Save();
+    EXPECT_EQ(BytesOf(directory.filePath("kept.rtf")), BytesOf(directory.filePath("plain.rtf")));
 }

@@ -2,8 +2,10 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
+#include <string_view>
 
 #include "platform/base/Failure.h"
 
@@ -52,9 +54,7 @@ const DateFormats& FormatsOf(const QLocale& locale) {
     return *last;
 }
 
-} // namespace
-
-QDateTime StoredDate(const QString& stored) {
+QDateTime DateInAnyForm(const QString& stored) {
     static const QRegularExpression form(QRegularExpression::anchoredPattern(
         R"((\d{4})-(\d\d)-(\d\d)(?:[ T](\d\d):(\d\d):(\d\d)(?:\.(\d+))?)?)"));
     const QRegularExpressionMatch match = form.match(stored);
@@ -67,9 +67,36 @@ QDateTime StoredDate(const QString& stored) {
     return QDateTime(date, time, Qt::UTC);
 }
 
+} // namespace
+
+QDateTime StoredDate(QByteArrayView stored) {
+    // "YYYY-MM-DD hh:mm:ss.fff", as a survey file itself writes it.
+    constexpr std::string_view usual = "0000-00-00 00:00:00.000";
+    const auto isUsual = [](char form, char byte) {
+        return form == '0' ? byte >= '0' && byte <= '9' : byte == form;
+    };
+    if (std::equal(usual.begin(), usual.end(), stored.begin(), stored.end(), isUsual)) {
+        const auto number = [&](int begin, int digits) {
+            int value = 0;
+            for (int i = begin; i < begin + digits; ++i)
+                value = value * 10 + (stored[i] - '0');
+            return value;
+        };
+        const QDate date(number(0, 4), number(5, 2), number(8, 2));
+        const QTime time(number(11, 2), number(14, 2), number(17, 2), number(20, 3));
+        if (date.isValid() && time.isValid())
+            return QDateTime(date, time, Qt::UTC);
+    }
+    return DateInAnyForm(QString::fromUtf8(stored));
+}
+
+QString LongTime(QTime time, const QLocale& locale) {
+    return locale.toString(time, FormatsOf(locale).longTime);
+}
+
 QString LongDateAndTime(const QDateTime& when, const QLocale& locale) {
     return locale.toString(when.date(), QLocale::LongFormat) + " - " +
-           locale.toString(when.time(), FormatsOf(locale).longTime);
+           LongTime(when.time(), locale);
 }
 
 QString GeneralDate(const QDateTime& when, const QLocale& locale) {
@@ -77,7 +104,7 @@ QString GeneralDate(const QDateTime& when, const QLocale& locale) {
     const QTime time = when.time();
     if (time.hour() == 0 && time.minute() == 0 && time.second() == 0)
         return date;
-    return date + ' ' + locale.toString(time, FormatsOf(locale).longTime);
+    return date + ' ' + LongTime(time, locale);
 }
 
 QString GeneralNumber(double value, const QLocale& locale) {

@@ -85,6 +85,11 @@ class LineSplitter {
         onText(QStringView(&replacement, 1));
     }
 
+    // Whether a text that begins with a plain unit or CR LF may go past this splitter. It has to
+    // be told of it; the text must end in a plain unit or CR LF.
+    bool IsBetweenUnits() const { return !high_; }
+    void Passed() { afterReturn_ = false; }
+
   private:
     bool afterReturn_ = false;
     char16_t high_ = 0;

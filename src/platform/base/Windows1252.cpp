@@ -17,16 +17,17 @@ QString FromWindows1252(QByteArrayView bytes) {
 }
 
 QByteArray ToWindows1252(QStringView text) {
-    QByteArray bytes;
-    bytes.reserve(text.size());
+    QByteArray bytes(text.size(), Qt::Uninitialized);
+    char* to = bytes.data();
     for (qsizetype i = 0; i < text.size(); ++i) {
         const bool pair =
             text[i].isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate();
         const int byte = ByteOf(text[i].unicode());
-        bytes += byte < 0 ? '?' : static_cast<char>(byte);
+        *to++ = byte < 0 ? '?' : static_cast<char>(byte);
         if (pair)
             ++i;
     }
+    bytes.truncate(to - bytes.constData());
     return bytes;
 }
 

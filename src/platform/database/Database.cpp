@@ -38,20 +38,16 @@ QString InDecimal(double value) {
     return text.toDouble() == value ? text : QString::number(value, 'g', 17);
 }
 
-// A text may begin with U+FEFF, which a decoder would take for a mark of its own and drop.
-QString FromUtf8(const char* text, int size) {
-    constexpr char16_t mark = u'\xFEFF';
-    const QString decoded = QString::fromUtf8(text, size);
-    return QByteArrayView(text, size).startsWith("\xEF\xBB\xBF") ? mark + decoded : decoded;
+QByteArrayView StoredText(sqlite3_stmt* statement, int field) {
+    const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, field));
+    return {text, sqlite3_column_bytes(statement, field)};
 }
 
 // The type is asked for before the value: asking for text would change it.
 QString TextOf(sqlite3_stmt* statement, int field, bool nullIsEmpty) {
     switch (sqlite3_column_type(statement, field)) {
-    case SQLITE_TEXT: {
-        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(statement, field));
-        return FromUtf8(text, sqlite3_column_bytes(statement, field));
-    }
+    case SQLITE_TEXT:
+        return TextOfUtf8(StoredText(statement, field));
     case SQLITE_INTEGER:
         return QString::number(sqlite3_column_int64(statement, field));
     case SQLITE_FLOAT:
@@ -147,8 +143,30 @@ QString Recordset::NullToString(int field) const {
     return TextOf(Row(field), field, true);
 }
 
+std::optional<QByteArray> Recordset::Utf8(int field) const {
+    sqlite3_stmt* const row = Row(field);
+    switch (sqlite3_column_type(row, field)) {
+    case SQLITE_NULL:
+        return std::nullopt;
+    case SQLITE_TEXT: {
+        const QByteArrayView text = StoredText(row, field);
+        return QByteArray::fromRawData(text.data(), text.size());
+    }
+    default:
+        return TextOf(row, field, false).toUtf8();
+    }
+}
+
 std::int64_t Recordset::Integer(int field) const {
     return WholeOf(Row(field), field);
+}
+
+std::optional<std::int64_t> Recordset::IntegerOrNull(int field) const {
+    sqlite3_stmt* const row = Row(field);
+    const int type = sqlite3_column_type(row, field);
+    if (type == SQLITE_NULL)
+        return std::nullopt;
+    return type == SQLITE_INTEGER ? sqlite3_column_int64(row, field) : WholeOf(row, field);
 }
 
 double Recordset::Real(int field) const {
@@ -162,6 +180,13 @@ double Recordset::Real(int field) const {
     default:
         throw Failure(failure::TypeMismatch);
     }
+}
+
+// A text may begin with U+FEFF, which a decoder would take for a mark of its own and drop.
+QString TextOfUtf8(QByteArrayView utf8) {
+    constexpr char16_t mark = u'\xFEFF';
+    const QString decoded = QString::fromUtf8(utf8);
+    return utf8.startsWith("\xEF\xBB\xBF") ? mark + decoded : decoded;
 }
 
 // --- Connection ---
@@ -258,6 +283,14 @@ std::int64_t Connection::DataVersion() {
 
 std::int64_t Connection::OwnChanges() const {
     return sqlite3_total_changes64(RequireOpen().Raw());
+}
+
+Connection::Moment Connection::Now() {
+    Moment now;
+    now.version_ = DataVersion();
+    now.changes_ = OwnChanges();
+    now.opening_ = handle_;
+    return now;
 }
 
 // --- TableInsert ---

@@ -2,6 +2,7 @@
 // knows what a survey is. Names of tables and columns are compared without regard to case.
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 
 #include <concepts>
@@ -60,9 +61,12 @@ class Recordset {
     // "" for a Null: NullToString.
     QString NullToString(int field) const;
     QString NullToString(const char* field) const { return NullToString(Ordinal(field)); }
+    // The text as UTF-8, none for a Null. It is not copied: it stands until the next row.
+    std::optional<QByteArray> Utf8(int field) const;
     // Whole numbers; a real value is rounded half to even, text is refused.
     std::int64_t Integer(int field) const;
     std::int64_t Integer(const char* field) const { return Integer(Ordinal(field)); }
+    std::optional<std::int64_t> IntegerOrNull(int field) const;
     double Real(int field) const;
     double Real(const char* field) const { return Real(Ordinal(field)); }
 
@@ -73,6 +77,9 @@ class Recordset {
     sqlite3_stmt* Row(int field) const;
     std::unique_ptr<State> state_;
 };
+
+// What Utf8 gave, as Text gives it.
+QString TextOfUtf8(QByteArrayView utf8);
 
 // A connection to one database file.
 class Connection {
@@ -122,6 +129,23 @@ class Connection {
     // same content, but for this connection's own writes, which OwnChanges counts.
     std::int64_t DataVersion();
     std::int64_t OwnChanges() const;
+    // A state of the content. Two that are equal have seen the same content through the same
+    // opening of a file; what another connection is about to commit is in neither.
+    class Moment {
+      public:
+        bool operator==(const Moment& other) const {
+            return !opening_.owner_before(other.opening_) &&
+                   !other.opening_.owner_before(opening_) && version_ == other.version_ &&
+                   changes_ == other.changes_;
+        }
+
+      private:
+        friend class Connection;
+        std::weak_ptr<const void> opening_;
+        std::int64_t version_ = 0;
+        std::int64_t changes_ = 0;
+    };
+    Moment Now();
     // Both go on with the other's file. What was read of it before becomes unusable.
     void Swap(Connection& other) { handle_.swap(other.handle_); }
 

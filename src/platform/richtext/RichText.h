@@ -66,6 +66,19 @@ QString PlainTextOf(QStringView source);
 // gives the same bytes.
 QString WriteRichText(const RichText& text);
 
+// A text that is appended very often: what it was encoded to is kept with it.
+class RepeatedText {
+  public:
+    explicit RepeatedText(const QString& text);
+    const QString& Text() const { return text_; }
+
+  private:
+    friend class RichTextFileWriter;
+    struct Encoded;
+    QString text_;
+    std::shared_ptr<Encoded> encoded_; // none where it can't be kept
+};
+
 // Writes a rich text file as it grows, in bounded memory: the report builders' hidden box, whose
 // caret always stands at the end. Formats hold for the text appended after they are set. The file
 // at the path is replaced only by Save, when the whole text is on disk (written beside it, flushed,
@@ -86,6 +99,7 @@ class RichTextFileWriter {
     void SetSelFontName(const QString& name);
     // Appends; CR LF, LF and CR end a paragraph. Throws PathOrFileAccess when the disk is full.
     void Append(QStringView text);
+    void Append(const RepeatedText& text);
     void Save();
 
   private:

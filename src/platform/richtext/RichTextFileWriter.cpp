@@ -1,5 +1,8 @@
 #include "platform/richtext/RichText.h"
 
+#include <algorithm>
+#include <array>
+
 #include "platform/base/TextUnits.h"
 #include "platform/files/Files.h"
 #include "platform/richtext/RtfEncoder.h"
@@ -30,6 +33,26 @@ struct RichTextFileWriter::State {
     RunFormat format;
     qsizetype fontTableUsed;
 };
+
+// The first of its kind in a paragraph, and the others, are two.
+struct RepeatedText::Encoded {
+    std::array<rtf::Encoder::Piece, 2> pieces;
+    std::size_t oldest = 0;
+
+    void Keep(rtf::Encoder::Piece piece) {
+        pieces[oldest] = std::move(piece);
+        oldest = (oldest + 1) % pieces.size();
+    }
+};
+
+RepeatedText::RepeatedText(const QString& text) : text_(text) {
+    const QString lines = QString(text).remove("\r\n");
+    const bool plain = std::all_of(lines.begin(), lines.end(), [](QChar unit) {
+        return KindOf(unit.unicode()) == UnitKind::Plain;
+    });
+    if (plain && text.size() < BlockSize / 8) // which no encoding fills a block with
+        encoded_ = std::make_shared<Encoded>();
+}
 
 RichTextFileWriter::RichTextFileWriter(const QString& path)
     : state_(std::make_unique<State>(path)) {}
@@ -87,6 +110,31 @@ void RichTextFileWriter::Append(QStringView text) {
         });
     if (encoder.PendingSize() >= BlockSize)
         state_->Flush();
+}
+
+void RichTextFileWriter::Append(const RepeatedText& text) {
+    rtf::Encoder& encoder = state_->encoder;
+    if (!text.encoded_ || !state_->splitter.IsBetweenUnits()) {
+        Append(text.Text());
+        return;
+    }
+    for (const rtf::Encoder::Piece& piece : text.encoded_->pieces) {
+        if (encoder.AddAgain(piece)) {
+            state_->splitter.Passed();
+            if (encoder.PendingSize() >= BlockSize)
+                state_->Flush();
+            return;
+        }
+    }
+    state_->Flush(); // so that no block ends within what is kept
+    rtf::Encoder::Piece piece;
+    piece.wanted = encoder.Now().wanted;
+    piece.before = encoder.Now().current;
+    piece.blankBefore = encoder.Now().blankDue;
+    Append(text.Text());
+    piece.blankAfter = encoder.Now().blankDue;
+    piece.bytes = encoder.Pending();
+    text.encoded_->Keep(std::move(piece));
 }
 
 void RichTextFileWriter::Save() {

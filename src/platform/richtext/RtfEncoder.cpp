@@ -164,13 +164,15 @@ void Encoder::ComplexFormat(int font, int halfPoints) {
 void Encoder::ApplyFormat() {
     if (now_.wanted == now_.current)
         return;
-    EnterFont(now_.wanted.fontName);
-    const int font = now_.fonts.value(now_.wanted.fontName);
+    if (now_.wanted.fontName != now_.current.fontName || font_ < 0) {
+        EnterFont(now_.wanted.fontName);
+        font_ = now_.fonts.value(now_.wanted.fontName);
+    }
     const int halfPoints = HalfPoints(now_.wanted);
     if (scripts_ == Scripts::Both)
-        ComplexFormat(font, halfPoints);
+        ComplexFormat(font_, halfPoints);
     if (now_.wanted.fontName != now_.current.fontName)
-        Number("\\f", font);
+        Number("\\f", font_);
     if (now_.wanted.fontSize != now_.current.fontSize)
         Number("\\fs", halfPoints);
     Switch("\\b", now_.current.bold, now_.wanted.bold);
@@ -190,6 +192,18 @@ void Encoder::ApplyFormat() {
         Number("\\cf", number);
     }
     now_.current = now_.wanted;
+}
+
+bool Encoder::AddAgain(const Piece& piece) {
+    if (piece.bytes.isEmpty() || piece.blankBefore != now_.blankDue ||
+        piece.wanted != now_.wanted || piece.before != now_.current)
+        return false;
+    body_ += piece.bytes;
+    if (now_.current.fontName != now_.wanted.fontName)
+        font_ = -1;
+    now_.current = now_.wanted;
+    now_.blankDue = piece.blankAfter;
+    return true;
 }
 
 QByteArray Encoder::Head(qsizetype fontTableSize) const {

@@ -40,7 +40,21 @@ class Encoder {
         }
     };
     const State& Now() const { return now_; }
-    void Resume(const State& state) { now_ = state; }
+    void Resume(const State& state) {
+        now_ = state;
+        font_ = -1;
+    }
+
+    // Lines without bullets as they were encoded once, with what that depended on.
+    struct Piece {
+        RunFormat wanted = {};
+        RunFormat before = {}; // the current format where it began
+        bool blankBefore = false;
+        bool blankAfter = false;
+        QByteArray bytes = {}; // empty: nothing is kept
+    };
+    // Adds it where the bytes would be the same; false where they would not, and nothing is added.
+    bool AddAgain(const Piece& piece);
 
     // Paragraph by paragraph, from the first.
     void BeginParagraph(bool bullet);
@@ -60,6 +74,7 @@ class Encoder {
 
     // The bytes of the body since the last taking.
     qsizetype PendingSize() const { return body_.size(); }
+    const QByteArray& Pending() const { return body_; }
     QByteArray TakeBody() { return std::exchange(body_, {}); }
 
     // What stands before the body, with the fonts and colours known up to now. The font table is
@@ -76,6 +91,7 @@ class Encoder {
     Scripts scripts_;
     QByteArray body_;
     State now_;
+    int font_ = -1; // number of the current format's font; -1 where it was not looked up
 };
 
 } // namespace pollarix::rtf
