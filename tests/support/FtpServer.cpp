@@ -84,8 +84,7 @@ bool FtpServer::Start(const FtpServerOptions& options, int attempt) {
             "\nnopriv_user=" + user +
             "\nxferlog_enable=YES\nxferlog_std_format=NO\n"
             "log_ftp_protocol=YES\nvsftpd_log_file=" +
-            Path("log").toUtf8() +
-            "\nftpd_banner=" + greeting + '\n' + options.furtherLines);
+            Path("log").toUtf8() + "\nftpd_banner=" + greeting + '\n' + options.furtherLines);
     const QString program = QStandardPaths::findExecutable("vsftpd");
     process_.setProgram(program.isEmpty() ? "/usr/sbin/vsftpd" : program);
     process_.setArguments({Path("vsftpd.conf")});
