@@ -32,7 +32,7 @@ void JumpDelegate::paint(QPainter* painter, const QStyleOptionViewItem& option,
                          const QModelIndex& index) const {
     const QString jump = index.data(JumpRole).toString();
     if (jump.isEmpty()) {
-        OneLineDelegate::paint(painter, option, index);
+        EditableDelegate::paint(painter, option, index);
         return;
     }
     QStyleOptionViewItem item = option;
@@ -64,7 +64,7 @@ bool JumpDelegate::helpEvent(QHelpEvent* event, QAbstractItemView* view,
                              const QStyleOptionViewItem& option, const QModelIndex& index) {
     const QString jump = index.data(JumpRole).toString();
     if (event->type() != QEvent::ToolTip || jump.isEmpty())
-        return OneLineDelegate::helpEvent(event, view, option, index);
+        return EditableDelegate::helpEvent(event, view, option, index);
     return ShowTip(*event, *view, index.data().toString() + '\n' + jump);
 }
 

@@ -4,16 +4,16 @@
 
 #include <functional>
 
-#include "platform/controls/OneLineDelegate.h"
+#include "design/EditInPlace.h"
 
 namespace pollarix {
 
 // Draws what an entry's JumpRole says at the right of its text.
-class JumpDelegate : public OneLineDelegate {
+class JumpDelegate : public EditableDelegate {
   public:
     static constexpr int JumpRole = Qt::UserRole + 1; // a text; none for no jump
 
-    using OneLineDelegate::OneLineDelegate;
+    using EditableDelegate::EditableDelegate;
 
     void paint(QPainter* painter, const QStyleOptionViewItem& option,
                const QModelIndex& index) const override;

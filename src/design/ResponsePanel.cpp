@@ -156,6 +156,25 @@ void ResponsePanel::FocusBox() {
     MoveFocusQuietly(*box_);
 }
 
+void ResponsePanel::EditResponse(int row, const QString& text) {
+    const std::shared_ptr<clsQ> q = QuestionOfList();
+    if (!q)
+        return;
+    // A list of sub questions may have an order of its own: then they go by their texts.
+    int position = row + 1;
+    const auto shows = [&](int at) {
+        return q->GetResponse(Narrow16(at))->Text == list_->List(row);
+    };
+    for (int at = q->ResponsesCount(); at >= 1 && !shows(position); --at)
+        if (shows(at))
+            position = at;
+    if (!shows(position))
+        return;
+    editor_.SetResponseText(*q, Narrow16(position), text);
+    list_->SetList(row, text);
+    ListChanged(*q);
+}
+
 void ResponsePanel::Add_Click() {
     const std::shared_ptr<clsQ> q = QuestionOfList();
     if (!q)

@@ -58,6 +58,9 @@ class ResponsePanel : public QWidget {
 
     bool ShowsResponsesOf(const clsQ& q) const;
 
+    // Gives the response that a row of the list shows another text.
+    void EditResponse(int row, const QString& text);
+
     void Add_Click();
     void Delete_Click();
     void List_Click();

@@ -30,7 +30,9 @@ picCheck::picCheck(ApplicationState& state, SurveyEditor& editor, TreeView& tvTr
     cmdRadioLogic_->setAccessibleName("Logic of the response");
     cmdRadioLogic_->setToolTip("Choose the question that follows the selected response");
     ButtonColumn().addWidget(cmdRadioLogic_);
-    list_->setItemDelegate(new JumpDelegate(list_));
+    EditInPlace(*list_, new JumpDelegate(*list_, [this](int row, const QString& text) {
+        EditResponse(row, text);
+    }));
     OnClick(cmdRadioLogic_, this, &picCheck::cmdRadioLogic_Click);
 }
 

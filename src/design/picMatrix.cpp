@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "design/EditInPlace.h"
 #include "design/ResponseScales.h"
 #include "design/frmMatrixDefine.h"
 #include "platform/controls/OnClick.h"
@@ -25,6 +26,9 @@ picMatrix::picMatrix(ApplicationState& state, SurveyEditor& editor, TreeView& tv
                      .what = "sub question"},
                     state, editor, tvTreeView, parent),
       cmbMatrixResponses_(new ComboBox(this)) {
+    EditInPlace(*list_, new EditableDelegate(*list_, [this](int row, const QString& text) {
+        EditResponse(row, text);
+    }));
     auto* const heading = new QLabel("Responses:", this);
     heading->setObjectName("Label1(9)");
     cmbMatrixResponses_->setObjectName("cmbMatrixResponses");

@@ -168,6 +168,16 @@ void SurveyEditor::AddResponses(clsQ& q, const QStringList& texts) {
     });
 }
 
+void SurveyEditor::SetResponseText(clsQ& q, std::int16_t position, const QString& text) {
+    if (q.GetResponse(position)->Text == text)
+        return;
+    AsOneStep([&] {
+        state_.History.Questions().Touch(q);
+        q.GetResponse(position)->Text = text;
+        state_.MarkFileChanged();
+    });
+}
+
 void SurveyEditor::DeleteResponse(clsQ& q, std::int16_t position) {
     AsOneStep([&] {
         state_.History.Questions().Touch(q);

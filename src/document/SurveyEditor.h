@@ -36,9 +36,10 @@ class SurveyEditor {
     // numbered anew. Throws Overflow for a 32768th question.
     QString AddQuestion(std::int32_t qType, std::int16_t ResponseMatrixGroupID);
 
-    // Adds a copy of a question at the end, as every addition, and gives its key. Its responses have
-    // no rows yet; their jumps lead where those of the question do, and to the copy where those lead
-    // to the question itself. Marks. The key must be known. Throws Overflow as AddQuestion does.
+    // Adds a copy of a question at the end, as every addition, and gives its key. Its responses
+    // have no rows yet; their jumps lead where those of the question do, and to the copy where
+    // those lead to the question itself. Marks. The key must be known. Throws Overflow as
+    // AddQuestion does.
     QString DuplicateQuestion(const QString& key);
 
     // These two renumber, and mark. The keys are those of neighbours; that of the question to
@@ -72,6 +73,9 @@ class SurveyEditor {
     // Appends responses without row or jump. Marks also when there is none to add. Throws Overflow
     // for a 32768th one; those before it are added then, and mark.
     void AddResponses(clsQ& q, const QStringList& texts);
+    // Another text for a response, which keeps its row and so its answers. The position is 1-based.
+    // Marks. Throws Subscript.
+    void SetResponseText(clsQ& q, std::int16_t position, const QString& text);
     // Positions are 1-based. Both mark; a response that moves keeps its row and its jump. Throw
     // Subscript.
     void DeleteResponse(clsQ& q, std::int16_t position);

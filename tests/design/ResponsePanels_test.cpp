@@ -72,6 +72,37 @@ TEST_P(ResponsePanels, ArrowsAndDeleteGoByTheSelectedEntry) {
     EXPECT_EQ(Entries(panel.list), Responses(1)) << "filled anew";
 }
 
+TEST_P(ResponsePanels, AnEntryIsChangedInItsPlaceAndKeepsItsRow) {
+    AddResponses(panel.box, {"a", "b", "c"});
+    document_.DoSave();
+    const auto edit = [&](const char* text, Qt::Key end) {
+        Key(panel.list, Qt::Key_F2);
+        auto& line = Get<QLineEdit>("txtInPlace");
+        QTest::keyClicks(&line, text);
+        QTest::keyClick(&line, end);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    };
+    ClickEntry(panel.list, 1);
+    EXPECT_TRUE(Marks([&] { edit("B, new", Qt::Key_Return); }));
+    EXPECT_EQ(Entries(panel.list), "a|B, new|c");
+    EXPECT_EQ(Responses(1), "a|B, new|c");
+    EXPECT_FALSE(Marks([&] {
+        edit("not so", Qt::Key_Escape);
+        edit("", Qt::Key_Return);
+        edit("  ", Qt::Key_Return);
+    }));
+    EXPECT_EQ(Entries(panel.list), "a|B, new|c");
+    // A list of sub questions has an order of its own by now.
+    Press(panel.up);
+    edit("first", Qt::Key_Return);
+    EXPECT_EQ(Entries(panel.list), "first|a|c");
+    EXPECT_EQ(Responses(1), panel.qType == Radio ? "first|a|c" : "a|first|c");
+    document_.DoSave();
+    EXPECT_EQ(Rows("SELECT id || name FROM response ORDER BY id"), "1a|2first|3c");
+    design_->Undo();
+    EXPECT_EQ(Responses(1), panel.qType == Radio ? "B, new|a|c" : "a|B, new|c");
+}
+
 TEST_P(ResponsePanels, LinesBeyondTheBoundStayInTheBox) {
     while (Q(1).ResponsesCount() < 32766)
         Q(1).AddResponse("a", -1, -1, "");
