@@ -75,6 +75,8 @@ void AnswerList::Load() {
     }
     button->setObjectName(QString("%1(%2)").arg(buttonName_).arg(buttons_.size()));
     button->installEventFilter(this);
+    if (const std::size_t number = buttons_.size() + 1; number <= 9)
+        button->setToolTip(QString("Key %1").arg(number));
     // Each stands below the one before; the stretch stays last. The Tab key follows.
     layout_->insertWidget(layout_->count() - 1, button);
     if (!buttons_.empty())
@@ -139,6 +141,17 @@ int AnswerList::EntryButton() const {
     return 0;
 }
 
+void AnswerList::ShowFirstChosen() {
+    const auto show = [this] {
+        const auto chosen =
+            std::find_if(buttons_.begin(), buttons_.end(),
+                         [](const QAbstractButton* button) { return button->isChecked(); });
+        if (chosen != buttons_.end())
+            ensureWidgetVisible(*chosen);
+    };
+    QMetaObject::invokeMethod(this, show, Qt::QueuedConnection);
+}
+
 int AnswerList::TextWidth() const {
     const bool radio = kind_ == Kind::Radio;
     const QStyle& look = *style();
@@ -167,7 +180,8 @@ bool AnswerList::eventFilter(QObject* watched, QEvent* event) {
         return done;
     }
     if (event->type() == QEvent::FocusIn) {
-        if (static_cast<QFocusEvent*>(event)->reason() != Qt::MouseFocusReason)
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::MouseFocusReason && reason != Qt::ActiveWindowFocusReason)
             ensureWidgetVisible(static_cast<QWidget*>(watched));
     } else if (event->type() == QEvent::KeyPress) {
         // On some desktops Enter would press the button. It is the window's.
@@ -176,6 +190,9 @@ bool AnswerList::eventFilter(QObject* watched, QEvent* event) {
             event->ignore();
             return true;
         }
+        // The button may have been scrolled away from. What it leaves goes on to the column.
+        if (watched != column_)
+            ensureWidgetVisible(static_cast<QWidget*>(watched));
     }
     return QScrollArea::eventFilter(watched, event);
 }

@@ -38,6 +38,8 @@ class AnswerList : public QScrollArea {
     void FocusButton(int i);
     // The button that the Tab key would come to: the chosen one of radio buttons, else the first.
     int EntryButton() const;
+    // Scrolls to the first answer that is on, as soon as the answers have their places.
+    void ShowFirstChosen();
 
   protected:
     bool eventFilter(QObject* watched, QEvent* event) override;

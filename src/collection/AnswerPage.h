@@ -41,6 +41,8 @@ class AnswerPage : public QWidget {
     // Whether the page takes the focus from the buttons below it. A page that doesn't only takes
     // over what the page before had.
     virtual bool TakesFocusFromButtons() const { return true; }
+    // A digit from 1 to 9 was typed outside of a text. True where it chose or took back an answer.
+    virtual bool ChooseByDigit(int /*digit*/) { return false; }
     virtual EnterKey Enter() const = 0;
 
   protected:

@@ -33,6 +33,16 @@ void ChoicePage::ShowAnswer(const AnswerPlace& place) {
     for (int i = 0; i <= list_->UBound(); ++i)
         if (IsAnswered(place, list_->Tag(i)))
             list_->SetValue(i, true);
+    list_->ShowFirstChosen();
+}
+
+bool ChoicePage::ChooseByDigit(int digit) {
+    const int i = digit - 1;
+    if (!HasAnswers() || i > list_->UBound())
+        return false;
+    list_->SetValue(i, kind_ == AnswerList::Kind::Radio || !list_->Value(i));
+    list_->FocusButton(i); // so that Enter turns the page, and the other keys go on from there
+    return true;
 }
 
 std::int16_t ChoicePage::Store(const AnswerPlace& place) {

@@ -19,6 +19,8 @@ class ChoicePage : public AnswerPage {
     void TakeFocus() override { list_->FocusButton(list_->EntryButton()); }
     // A page of radio buttons leaves the focus where it is. Required.
     bool TakesFocusFromButtons() const override { return kind_ == AnswerList::Kind::Check; }
+    // The response with this number: a radio button is chosen, a box ticked or cleared.
+    bool ChooseByDigit(int digit) override;
     EnterKey Enter() const override { return EnterKey::NextPage; }
 
   private:

@@ -170,6 +170,22 @@ void MatrixPage::gMatrix_KeyDown(QKeyEvent& event) {
     event.accept();
 }
 
+bool MatrixPage::ChooseByDigit(int digit) {
+    const int row = gMatrix_->Row();
+    if (!HasAnswers() || row < 1 || digit >= gMatrix_->Cols())
+        return false;
+    gMatrix_->SetCol(digit);
+    gMatrix_Click();
+    if (row + 1 < gMatrix_->Rows()) {
+        gMatrix_->SetRow(row + 1);
+        gMatrix_->SetCol(ChosenCol(row + 1));
+        TakeFocus();
+    } else if (AnsweredLast) {
+        AnsweredLast();
+    }
+    return true;
+}
+
 std::int16_t MatrixPage::Store(const AnswerPlace& place) {
     TableInsert insert(
         place.file, "Respondent_Responses",

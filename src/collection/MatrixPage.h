@@ -20,10 +20,15 @@ class MatrixPage : public AnswerPage {
     std::int16_t Store(const AnswerPlace& place) override; // one row for each chosen cell
     bool HasAnswers() const override;
     void TakeFocus() override;
+    // The point with this number, for the sub question that is current; then the next one is. After
+    // the last there is nothing left to choose.
+    bool ChooseByDigit(int digit) override;
     EnterKey Enter() const override { return EnterKey::AsOnThePageBefore; }
 
     // Whether Enter turns the page now, and so chooses no cell; set by the window.
     std::function<bool()> EnterTurnsPage;
+    // The last sub question was answered by digit; set by the window.
+    std::function<void()> AnsweredLast;
 
   private:
     void FillGrid(const AnswerPlace& place, bool& shows);

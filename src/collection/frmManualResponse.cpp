@@ -26,6 +26,20 @@ namespace {
 
 constexpr qsizetype LongestQuestion = 10000; // characters that are shown of it
 
+// The question.pos of a page, asked for with how many of the questions that are numbered come up to
+// it, itself included, and how many there are.
+constexpr const char* PageAt =
+    "SELECT id, question, questionno, qtype, (SELECT count(*) FROM question AS earlier WHERE "
+    "earlier.qtype IS NOT 4 AND earlier.pos <= page.pos) AS through, (SELECT count(*) FROM "
+    "question WHERE qtype IS NOT 4) AS questions FROM question AS page WHERE pos = ?";
+
+// 0 for all keys but 1 to 9. Some keyboards have the digits on Shift.
+int DigitOf(const QKeyEvent& key) {
+    const auto without = ~(Qt::KeypadModifier | Qt::ShiftModifier);
+    const bool digit = key.key() >= Qt::Key_1 && key.key() <= Qt::Key_9;
+    return digit && (key.modifiers() & without) == Qt::NoModifier ? key.key() - Qt::Key_0 : 0;
+}
+
 } // namespace
 
 frmManualResponse::frmManualResponse(ApplicationState& state, ManualEntryState& entry,
@@ -72,6 +86,7 @@ void frmManualResponse::BuildAnswers() {
     answers->setContentsMargins(0, 0, 0, 0);
     auto* matrix = new MatrixPage(picDCAnswers_);
     matrix->EnterTurnsPage = [this] { return cmdDCAnswersNext_->isDefault(); };
+    matrix->AnsweredLast = [this] { cmdDCAnswersNext_->setFocus(Qt::TabFocusReason); };
     PageOf(Shape::Text) = new TextPage(picDCAnswers_);
     PageOf(Shape::Many) =
         new ChoicePage(AnswerList::Kind::Check, "picDCResponseCheck", "chkDCCheck", picDCAnswers_);
@@ -89,7 +104,11 @@ void frmManualResponse::BuildFooter() {
     layout()->addWidget(picDCFooter);
     auto* footer = new QHBoxLayout(picDCFooter);
     footer->setContentsMargins(0, 0, 0, 0);
-    footer->addStretch();
+    lblPlace_ = new QLabel(picDCFooter);
+    lblPlace_->setObjectName("lblPlace");
+    // In a narrow window it is cut off before it widens the window.
+    lblPlace_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    footer->addWidget(lblPlace_, 1);
     const auto button = [&](const char* name, const QString& caption) {
         auto* made = new PageButton(caption, picDCFooter);
         made->setObjectName(name);
@@ -147,7 +166,13 @@ void frmManualResponse::resizeEvent(QResizeEvent* event) {
 
 void frmManualResponse::keyPressEvent(QKeyEvent* event) {
     if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
-        QDialog::keyPressEvent(event);
+        const int digit = DigitOf(*event);
+        AnswerPage* const page = Page();
+        if (digit > 0 && page && !event->isAutoRepeat() && page->ChooseByDigit(digit)) {
+            event->accept();
+            setAttribute(Qt::WA_KeyboardFocusChange); // the focus has moved by key, and is shown
+        } else
+            QDialog::keyPressEvent(event);
         return;
     }
     if (event->isAutoRepeat())
@@ -158,10 +183,24 @@ void frmManualResponse::keyPressEvent(QKeyEvent* event) {
         cmdDCAnswersNext_->click();
 }
 
+// Counts as the numbers before the questions do: an instruction text lies between two of them.
+void frmManualResponse::ShowPlace(std::int64_t through, std::int64_t questions) {
+    QStringList says;
+    if (entry_.CurrentQType != kind::Text)
+        says << QString("Question %1 of %2").arg(through).arg(questions);
+    else if (through < questions)
+        says << QString("Before question %1 of %2").arg(through + 1).arg(questions);
+    else if (questions > 0)
+        says << QString("After question %1 of %1").arg(questions);
+    if (entry_.Respondents > 0)
+        says << QString(entry_.Respondents == 1 ? "%1 respondent" : "%1 respondents")
+                    .arg(entry_.Respondents);
+    lblPlace_->setText(says.join(QString(" \u00b7 ")));
+    lblPlace_->setAccessibleName(says.join(", "));
+}
+
 bool frmManualResponse::RespondentAnswers_ShowQuestion() {
-    const Recordset row = state_.SurveyConnection.Execute(
-        "SELECT id, question, questionno, qtype FROM question WHERE pos = ?",
-        {entry_.CurrentPosition});
+    const Recordset row = state_.SurveyConnection.Execute(PageAt, {entry_.CurrentPosition});
     isRead_ = row.AtEnd();
     if (isRead_)
         return false;
@@ -178,6 +217,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
     entry_.CurrentQType = qtype;
     unread_.reset();
     FitQuestion();
+    ShowPlace(row.Integer("through"), row.Integer("questions"));
 
     if (qtype < kind::OpenEnded || qtype > kind::Text)
         return true; // a kind from elsewhere: the panels stay as they are

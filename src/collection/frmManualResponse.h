@@ -50,6 +50,7 @@ class frmManualResponse : public QDialog {
     void BuildAnswers();
     void BuildFooter();
     void FitQuestion();
+    void ShowPlace(std::int64_t through, std::int64_t questions);
     void Form_Load();
 
     AnswerPage*& PageOf(Shape shape) { return pages_[static_cast<std::size_t>(shape)]; }
@@ -74,6 +75,7 @@ class frmManualResponse : public QDialog {
     QScrollArea* scrollDCQuestion_;
     QWidget* picDCAnswers_;
     std::array<AnswerPage*, 5> pages_{}; // by shape of the answer; none for Shape::None
+    QLabel* lblPlace_;
     QPushButton* cmdDCAnswersPrevious_;
     QPushButton* cmdDCAnswersNext_;
     QPushButton* cmdDCAnswersCancel_;

@@ -3,6 +3,7 @@
 #include <QDateTime>
 #include <QFontMetrics>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -81,6 +82,7 @@ picRespondentList::picRespondentList(ApplicationState& state, QWidget* parent)
     // The first survey is opened, and its rows listed, before the start-up lays the grid out.
     PrepareGrid();
     gRespondents_->DblClick = [this] { gRespondents_DblClick(); };
+    gRespondents_->KeyDown = [this](QKeyEvent& key) { gRespondents_KeyDown(key); };
 
     const auto button = [this](const char* name, const QString& caption, const QString& icon) {
         auto* made = new QPushButton(QIcon(":/icons/" + icon), caption, this);
@@ -317,6 +319,7 @@ bool picRespondentList::IsOneSelected() const {
 }
 
 void picRespondentList::EnterAnswers() {
+    entry_.Respondents = state_.SurveyConnection.Count("SELECT count(*) FROM respondent");
     {
         frmManualResponse form(state_, entry_, window());
         form.exec();
@@ -348,6 +351,21 @@ void picRespondentList::cmdCreateResponse_Click() {
         batch.Commit();
     }
     EnterAnswers();
+    // A pile of forms: Enter begins with the next.
+    cmdCreateResponse_->setFocus(Qt::TabFocusReason);
+}
+
+// A key held down opens no window, and answers no question, a second time.
+void picRespondentList::gRespondents_KeyDown(QKeyEvent& key) {
+    if (key.isAutoRepeat() || (key.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return;
+    if (key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter) {
+        key.accept();
+        gRespondents_DblClick();
+    } else if (key.key() == Qt::Key_Delete) {
+        key.accept();
+        cmdDeleteResponse_Click();
+    }
 }
 
 void picRespondentList::gRespondents_DblClick() {

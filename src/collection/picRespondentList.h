@@ -11,6 +11,7 @@
 #include "document/ApplicationState.h"
 #include "platform/controls/ColumnWidths.h"
 
+class QKeyEvent;
 class QLabel;
 class QPushButton;
 
@@ -71,6 +72,7 @@ class picRespondentList : public QWidget {
     void cboDCExampleQuestion_Click();
     void cmdCreateResponse_Click();
     void gRespondents_DblClick();
+    void gRespondents_KeyDown(QKeyEvent& key);
     void cmdDeleteResponse_Click();
 
     ApplicationState& state_;

@@ -5,6 +5,8 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
+#include <QPushButton>
+#include <QToolButton>
 #include <QWidget>
 
 namespace pollarix {
@@ -32,6 +34,26 @@ bool SelectionKeeper::eventFilter(QObject* watched, QEvent* event) {
     // As for a menu that is opened by mouse.
     QFocusEvent toPopup(QEvent::FocusOut, Qt::PopupFocusReason);
     QCoreApplication::sendEvent(watched, &toPopup);
+    return true;
+}
+
+bool EnterPresses::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const auto& key = static_cast<const QKeyEvent&>(*event);
+    const bool enter = key.key() == Qt::Key_Return || key.key() == Qt::Key_Enter;
+    if (!enter || (key.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return false;
+    if (auto* const button = qobject_cast<QPushButton*>(watched)) {
+        if (!key.isAutoRepeat())
+            button->click();
+        return true;
+    }
+    auto* const tool = qobject_cast<QToolButton*>(watched);
+    if (!tool || tool->popupMode() == QToolButton::InstantPopup)
+        return false;
+    if (!key.isAutoRepeat())
+        tool->click();
     return true;
 }
 

@@ -1,5 +1,5 @@
-// The Edit menu's way of working: it sends keystrokes to whatever control has the focus and knows
-// nothing of surveys.
+// Keys that mean the same in every window, whatever control has the focus. Nothing here knows of
+// surveys. The Edit menu works so: it sends keystrokes.
 #pragma once
 
 #include <QKeySequence>
@@ -15,6 +15,17 @@ void SendKeys(const QKeyCombination& key);
 // Filters the application's events, so that a box of one line keeps what is selected in it while a
 // menu is open. It would drop that when the menus are opened by key.
 class SelectionKeeper : public QObject {
+    Q_OBJECT
+  public:
+    using QObject::QObject;
+
+  protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+};
+
+// Filters the application's events, so that Enter presses the button that has the focus, on every
+// desktop and in every window, and a key that is held down presses it once.
+class EnterPresses : public QObject {
     Q_OBJECT
   public:
     using QObject::QObject;

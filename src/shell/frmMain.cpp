@@ -66,6 +66,7 @@ frmMain::frmMain(ApplicationState& state)
     resize(1024, 740);
     connect(qApp, &QGuiApplication::commitDataRequest, this, &frmMain::EndOfSession);
     qApp->installEventFilter(new SelectionKeeper(this));
+    qApp->installEventFilter(new EnterPresses(this));
 }
 
 frmMain::~frmMain() {

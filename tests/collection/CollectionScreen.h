@@ -37,6 +37,7 @@ struct EntryPage {
         return *window.findChild<Control*>(name);
     }
     QString Question() const { return Find<QLabel>("lblDCQuestion").text(); }
+    QString Place() const { return Find<QLabel>("lblPlace").accessibleName(); }
     Grid& Matrix() const { return Find<Grid>("gMatrix"); }
     QAbstractButton& Answer(const char* array, int i) const {
         return Find<QAbstractButton>(qPrintable(QString("%1(%2)").arg(array).arg(i)));
@@ -165,7 +166,15 @@ class CollectionScreen : public testing::Test {
     // Opens the window with the button and hands it to the steps. A window that they leave open
     // fails the test and is closed.
     template <class Steps> void Enter(const char* button, const Steps& steps) {
-        QTimer::singleShot(0, qApp, [&] {
+        Await(steps);
+        Press(button);
+    }
+    template <class Steps> void EnterByKey(QWidget& control, Qt::Key key, const Steps& steps) {
+        Await(steps);
+        QTest::keyClick(&control, key);
+    }
+    template <class Steps> void Await(const Steps& steps) {
+        QTimer::singleShot(0, qApp, [&steps] {
             auto* window = qobject_cast<frmManualResponse*>(QApplication::activeModalWidget());
             ASSERT_NE(window, nullptr);
             ASSERT_TRUE(QTest::qWaitForWindowActive(window));
@@ -173,7 +182,6 @@ class CollectionScreen : public testing::Test {
             EXPECT_FALSE(window->isVisible()) << "still open";
             window->reject();
         });
-        Press(button);
     }
 
     QStringList Answers() {

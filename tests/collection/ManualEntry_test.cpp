@@ -19,6 +19,7 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
 
     Enter(AddOne, [&](EntryPage page) {
         EXPECT_EQ(page.Question(), "Welcome"); // no number
+        EXPECT_EQ(page.Place(), "Before question 1 of 6, 1 respondent");
         page.Key(Qt::Key_Return);
         EXPECT_EQ(page.Question(), "1. Your first visit?");
         page.Previous();
@@ -39,27 +40,34 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
         page.Next();
         EXPECT_EQ(dialogs.TakeTexts(), QStringList("Survey completed."));
     });
+    EXPECT_EQ(screen->focusWidget()->objectName(), AddOne);
     const QStringList first = {"1|2|1||NULL", "1|5|8||46", "1|5|9||46",
                                "1|7|1|Soup\r\n& more|NULL"};
     EXPECT_EQ(Answers(), first);
 
     Enter(AddOne, [&](EntryPage page) {
         page.Next();
-        page.Choose(1);
-        page.Next();
+        page.Key(Qt::Key_1);
+        page.Key(Qt::Key_2);
+        page.Key(Qt::Key_9); // there is none
+        page.Key(Qt::Key_Return);
         EXPECT_EQ(page.Question(), "2. Why again?");
+        EXPECT_EQ(page.Place(), "Question 2 of 6, 2 respondents");
         page.Type("Near");
         QTest::keyClick(&page.window, Qt::Key_N, Qt::AltModifier); // acts before the next key
         page.Key(Qt::Key_Space);                                   // the first box has the focus
         page.Key(Qt::Key_Down);
         page.Key(Qt::Key_Down);
         page.Key(Qt::Key_Space);
+        page.Key(Qt::Key_2);
+        page.Key(Qt::Key_2);
         EXPECT_EQ(page.Chosen("chkDCCheck"), QList<int>({0, 2}));
         page.Key(Qt::Key_Return);
         EXPECT_EQ(page.Question(), "4. Did you like");
-        page.Key(Qt::Key_Right);
-        page.Key(Qt::Key_Right);
-        page.Key(Qt::Key_Space);
+        page.Key(Qt::Key_3); // and to the next row
+        page.Key(Qt::Key_4); // there is none
+        page.Key(Qt::Key_1);
+        EXPECT_EQ(page.FocusedControl(), "cmdDCAnswersNext");
         page.ClickCell(2, 2);
         page.ClickCell(2, 2); // stays chosen
         page.Next();
@@ -101,7 +109,7 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
 
     // The first one after all was no first visit. Answers of pages not walked stay.
     List().SetRow(3);
-    Enter(EditOne, [&](EntryPage page) {
+    EnterByKey(List(), Qt::Key_Return, [&](EntryPage page) {
         page.Next();
         EXPECT_EQ(page.Chosen("optDCRadio"), QList<int>({0}));
         page.Choose(1);
@@ -116,7 +124,7 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
     List().SetRow(2);
     dialogs.answers = {MsgAnswer::Yes};
     dialogs.shown.clear();
-    Press("cmdDeleteResponse");
+    QTest::keyClick(&List(), Qt::Key_Delete);
     EXPECT_EQ(dialogs.TakeTexts(), QStringList("Delete Respondent? This will delete all responses "
                                                "provided by this Respondent."));
     EXPECT_EQ(Answers(), first.mid(1) + third + edited);
@@ -126,6 +134,31 @@ TEST_F(ManualEntry, ThreeTypedInOneEditedOneCancelledOneDeleted) {
     EXPECT_EQ(Column(1), QStringList({"No Answer", "Hungry"}));
     EXPECT_FALSE(state.FileChanged());
     EXPECT_EQ(failures, std::vector<int>());
+}
+
+TEST_F(ManualEntry, AnAnswerFarBelowIsInViewWhenItIsEdited) {
+    OpenBlank();
+    QStringList many;
+    for (int i = 1; i <= 60; ++i)
+        many << QString("Response %1").arg(i);
+    Add(kind::Text, "Hello", {});
+    Add(kind::Check, "Which?", many);
+    document.DoSave();
+    RunSql(path, {"INSERT INTO respondent (source) VALUES ('Web')",
+                  "INSERT INTO respondent_responses (RespondentID, QuestionID, ResponseID) VALUES "
+                  "(1, 2, 50), (1, 2, 55)"});
+    ShowScreen();
+    Enter(EditOne, [&](EntryPage page) {
+        const auto inView = [&](int i) {
+            return page.Answer("chkDCCheck", i).visibleRegion().boundingRect().height() > 10;
+        };
+        page.Next();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return inView(49) && !inView(0); }));
+        EXPECT_EQ(page.FocusedControl(), "chkDCCheck(0)");
+        page.Key(Qt::Key_1); // what the keys go to is in view again
+        EXPECT_TRUE(inView(0));
+        page.Cancel();
+    });
 }
 
 TEST_F(ManualEntry, AJumpToNowhereShowsThePageAgain) {

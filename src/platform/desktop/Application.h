@@ -1,5 +1,7 @@
 // The program's QApplication: its names, and the last place where an exception is caught. Handlers
-// report their own failures (Handlers.h); what slips past them is reported here.
+// report their own failures (Handlers.h); what slips past them is reported here. When a dialog
+// closes, the window below it becomes the active one; a program that is in use beside stays in
+// front.
 #pragma once
 
 #include <QApplication>
