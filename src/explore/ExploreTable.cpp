@@ -3,11 +3,13 @@
 #include <QLocale>
 
 #include <cmath>
+#include <numeric>
 
 #include "document/clsQ.h"
 #include "statistics/Association.h"
 #include "statistics/Comparison.h"
 #include "statistics/Frequencies.h"
+#include "statistics/Reliability.h"
 
 namespace pollarix {
 
@@ -194,6 +196,33 @@ ExploreTable MakeCrossTable(const Answers& answers, const ExploreItem& rows,
     return table;
 }
 
+ExploreTable MakeReliability(const Answers& answers, std::size_t question, bool byAnother,
+                             const Sample& sample) {
+    const statistics::SurveyQuestion& matrix = answers.Survey().questions[question];
+    std::vector<std::size_t> items(matrix.variableCount);
+    std::iota(items.begin(), items.end(), matrix.firstVariable);
+    const statistics::Reliability found = statistics::CronbachsAlpha(answers, items, sample);
+    ExploreTable table;
+    table.head << ""
+               << "Mean"
+               << "Std. deviation"
+               << "With others"
+               << "Alpha without";
+    for (std::size_t i = 0; i < found.items.size(); ++i) {
+        const statistics::ItemReliability& item = found.items[i];
+        AddRow(table,
+               {answers.At(items[i]).item, Number(item.mean, 2), Number(item.standardDeviation, 2),
+                Number(item.totalCorrelation, 3), Number(item.alphaWithout, 3)});
+    }
+    table.notes << QString("Cronbach's alpha %1, of %2 who answered all sub questions.")
+                       .arg(Number(found.alpha, 3))
+                       .arg(found.respondents);
+    if (byAnother)
+        table.notes << "A matrix as a whole is not shown by another question: choose one of its "
+                       "sub questions for that.";
+    return table;
+}
+
 QString OneLine(const QString& text) {
     return text.simplified();
 }
@@ -204,11 +233,13 @@ std::vector<ExploreItem> ExploreItems(const SurveyVariables& survey) {
     std::vector<ExploreItem> items;
     for (std::size_t i = 0; i < survey.variables.size(); ++i) {
         const Variable& variable = survey.variables[i];
-        if (variable.kind == VariableKind::Tick &&
+        const bool isPoint = variable.kind == VariableKind::Point;
+        if ((variable.kind == VariableKind::Tick || isPoint) &&
             survey.questions[variable.question].firstVariable == i)
-            items.push_back({{Axis::Kind::Ticks, static_cast<std::size_t>(variable.question)},
-                             variable.name.section('_', 0, 0) + "  " +
-                                 survey.questions[variable.question].text});
+            items.push_back(
+                {{Axis::Kind::Ticks, static_cast<std::size_t>(variable.question)},
+                 variable.name.section('_', 0, 0) + "  " + survey.questions[variable.question].text,
+                 isPoint});
         // The item first: what they have in common is the same for all of a question.
         const QString label =
             variable.item.isEmpty()
@@ -222,6 +253,8 @@ std::vector<ExploreItem> ExploreItems(const SurveyVariables& survey) {
 ExploreTable MakeExploreTable(const Answers& answers, const ExploreItem& rows,
                               const std::optional<ExploreItem>& columns, ExploreCell cell,
                               const Sample& sample) {
+    if (rows.isMatrix)
+        return MakeReliability(answers, rows.axis.place, columns.has_value(), sample);
     return columns ? MakeCrossTable(answers, rows, *columns, cell, sample)
                    : MakeFrequencies(answers, rows, sample);
 }

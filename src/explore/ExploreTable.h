@@ -12,14 +12,16 @@
 
 namespace pollarix {
 
-// Something that can be counted: a variable, or a check question as a whole.
+// Something that can be counted: a variable, or a check question as a whole; or a matrix as a
+// whole, which is told how well its sub questions go together instead.
 struct ExploreItem {
     statistics::Axis axis;
-    QString label; // name and question
+    QString label;         // name and question
+    bool isMatrix = false; // axis.place is then the question
 };
 
 // All of them, in the order of the survey; date and source first. A check question stands before
-// its responses.
+// its responses, a matrix before its sub questions.
 std::vector<ExploreItem> ExploreItems(const statistics::SurveyVariables& survey);
 
 enum class ExploreCell { Count, OfRow, OfColumn, OfAll, Expected };
@@ -30,7 +32,7 @@ struct ExploreTable {
     QStringList notes;             // sentences below
 };
 
-// Throws what counting throws.
+// Throws what counting throws. A matrix is not taken apart by columns.
 ExploreTable MakeExploreTable(const statistics::Answers& answers, const ExploreItem& rows,
                               const std::optional<ExploreItem>& columns, ExploreCell cell,
                               const statistics::Sample& sample);

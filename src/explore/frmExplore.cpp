@@ -137,6 +137,8 @@ void frmExplore::BuildControls() {
     layout->addWidget(lblFilter_, 3, 1, 1, 3);
     layout->addWidget(gTable_, 4, 1, 1, 3);
     layout->addWidget(notes, 5, 1, 1, 3);
+    layout->setRowStretch(4, 3);
+    layout->setRowStretch(5, 1);
     layout->addWidget(cmdCopy, 6, 1);
     layout->addWidget(cmdRefresh, 6, 2);
     layout->addWidget(cmdClose, 6, 3);
@@ -201,7 +203,8 @@ void frmExplore::FillCombos() {
     cboFilterVariable_->Clear();
     for (std::size_t i = 0; i < items_.size(); ++i) {
         const auto place = static_cast<std::int64_t>(i);
-        AddEntry(*cboColumns_, "by " + items_[i].label, place);
+        if (!items_[i].isMatrix)
+            AddEntry(*cboColumns_, "by " + items_[i].label, place);
         if (items_[i].axis.kind == statistics::Axis::Kind::Variable)
             AddEntry(*cboFilterVariable_, items_[i].label,
                      static_cast<std::int64_t>(items_[i].axis.place));
