@@ -212,6 +212,7 @@ bool frmManualResponse::RespondentAnswers_ShowQuestion() {
         text.prepend(number + ". ");
     // From here on this page is the one on the screen, however far it gets.
     isRead_ = true;
+    shown_ = id;
     lblDCQuestion_->setText(Shortened(text, LongestQuestion));
     scrollDCQuestion_->verticalScrollBar()->setValue(0);
     entry_.CurrentQType = qtype;
@@ -296,6 +297,11 @@ bool frmManualResponse::ShowDCAnswer() {
             return false;
         question = row.Integer(0);
     }
+    if (question != shown_)
+        throw Failure(
+            failure::PathOrFileAccess,
+            "The survey's questions were changed meanwhile. What was entered on this page "
+            "is not stored");
     const AnswerPlace place{file, question, entry_.CurrentRespondentID};
     RequireRead(place);
     file.Run("DELETE FROM Respondent_Responses WHERE RespondentID = ? AND questionid = ?",

@@ -68,6 +68,7 @@ class frmManualResponse : public QDialog {
     ApplicationState& state_;
     ManualEntryState& entry_;
     bool isRead_ = false;           // a page was read, or is known not to exist
+    std::int64_t shown_ = 0;        // question.id of the page on the screen
     std::optional<Failure> unread_; // why the answers on file are not on the page that shows
     std::int16_t JumpTarget = -1;   // question.id that the chosen answer leads to; -1 for none
 

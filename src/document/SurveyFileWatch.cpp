@@ -95,7 +95,9 @@ void SurveyFileWatch::Commit(Connection& survey, WriteBatch& batch) {
     Content content = Read(survey, noted_->content);
     batch.Commit();
     noted_->content = std::move(content);
-    if (const std::optional<FileState> file = StateOfFile(survey.Path()))
+    // Another file may have taken the name while the batch was open; the next look tells of it.
+    if (const std::optional<FileState> file = StateOfFile(survey.Path());
+        file && file->IsSameFile(noted_->file))
         noted_->file = *file;
 }
 

@@ -123,8 +123,8 @@ void frmExplore::BuildControls() {
     layout->setColumnStretch(0, 2);
     layout->setColumnStretch(1, 2);
     layout->setColumnStretch(2, 2);
-    layout->setRowStretch(4, 4);
-    layout->setRowStretch(5, 2);
+    layout->setRowStretch(4, 3);
+    layout->setRowStretch(5, 1);
     layout->addWidget(txtSearch_, 0, 0);
     layout->addWidget(lstVariables_, 1, 0, 6, 1);
     layout->addWidget(cboColumns_, 0, 1, 1, 2);
@@ -137,8 +137,6 @@ void frmExplore::BuildControls() {
     layout->addWidget(lblFilter_, 3, 1, 1, 3);
     layout->addWidget(gTable_, 4, 1, 1, 3);
     layout->addWidget(notes, 5, 1, 1, 3);
-    layout->setRowStretch(4, 3);
-    layout->setRowStretch(5, 1);
     layout->addWidget(cmdCopy, 6, 1);
     layout->addWidget(cmdRefresh, 6, 2);
     layout->addWidget(cmdClose, 6, 3);

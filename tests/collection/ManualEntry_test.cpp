@@ -285,6 +285,23 @@ TEST_F(ManualEntry, AnAnswerThatCouldNotBeReadIsNotStoredOver) {
     EXPECT_EQ(Answers(), QStringList({"1|2|1||47", "1|1|1|near|NULL"}));
 }
 
+TEST_F(ManualEntry, APageIsNotStoredUnderTheQuestionThatHasComeInItsPlace) {
+    OpenBlank();
+    Add(kind::OpenEnded, "Why?", {});
+    Add(kind::OpenEnded, "Where?", {});
+    document.DoSave();
+    ShowScreen();
+    Enter(AddOne, [&](EntryPage page) {
+        page.Type("because");
+        RunOwnSql(state, {"UPDATE question SET pos = 3 - pos"});
+        page.Next();
+        EXPECT_EQ(page.Question(), "1. Why?");
+        page.Cancel();
+    });
+    EXPECT_EQ(failures, std::vector<int>{failure::PathOrFileAccess});
+    EXPECT_EQ(Answers(), QStringList());
+}
+
 TEST_F(ManualEntry, AnAnswerOfAnyLengthWithoutABlankStaysWhole) {
     OpenBlank();
     const QString endless(300000, 'x');

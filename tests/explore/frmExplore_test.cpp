@@ -91,7 +91,7 @@ TEST_F(Explore, CountsOneQuestionAndItByAnother) {
     EXPECT_TRUE(Text("lblNotes").contains("Analysis of variance: F 3.20 with 2 and 85"));
 
     Search("q5  ");
-    EXPECT_EQ(Row(0), "|Mean|Std. deviation|With the others|Alpha without");
+    EXPECT_EQ(Row(0), "|Mean|Std. deviation|With others|Alpha without");
     EXPECT_TRUE(Row(1).endsWith("|0.656"));
     EXPECT_EQ(Row(4).section('|', 3, 3), "0.552");
     EXPECT_TRUE(Text("lblNotes").startsWith("Cronbach's alpha 0.718, of "));

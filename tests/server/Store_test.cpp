@@ -9,6 +9,7 @@
 
 #include <atomic>
 #include <csignal>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <set>
@@ -353,6 +354,8 @@ TEST_F(Stored, OnlyTheServerBringsAnOlderDatabaseUpToDate) {
 
 TEST_F(Stored, ABackupIsWholeWhileAnswersComeInAndCanBeRestored) {
     const std::string file = directory.filePath("copy").toStdString();
+    const std::string left = directory.filePath("left").toStdString();
+    std::int64_t sent = 0;
     {
         Store store(Directory());
         survey = LiveSurvey(store);
@@ -367,7 +370,13 @@ TEST_F(Stored, ABackupIsWholeWhileAnswersComeInAndCanBeRestored) {
         EXPECT_THROW(BackupDatabase(Directory(), file), StoreFailure); // never over another one
         isEnough = true;
         sender.join();
+        EXPECT_THROW(store.Submit(survey, 99, "of no version", "a", Now), StoreFailure);
+        sent = store.CountResults(survey).waiting;
+        for (const char* part : {"", "-wal"}) // as a crash leaves them
+            std::filesystem::copy_file(DatabasePath(Directory()) + part, left + part);
     }
+    EXPECT_NE(RestoreDatabase(Directory(), left), "");
+    EXPECT_EQ(Store(Directory()).CountResults(survey).waiting, sent);
     EXPECT_NE(RestoreDatabase(Directory(), file), "");
     Store store(Directory());
     EXPECT_TRUE(CheckDatabase(Directory()).empty());

@@ -392,7 +392,9 @@ class HttpServer::Core::Session : public std::enable_shared_from_this<Session> {
             return;
         std::string().swap(request_.body);
         if (!Hold(response.body.size())) { // pages that nobody reads
-            response = Response::Text(503, "");
+            response =
+                Response::Text(503, "The server has too much to do just now. Please go back, "
+                                    "where your answers still are, and try again.");
             Hold(0);
         }
         response_ = std::move(response);

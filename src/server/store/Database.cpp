@@ -6,6 +6,8 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <SQLiteCpp/Backup.h>
+
 #include "server/store/Schema.h"
 #include "server/store/Store.h"
 
@@ -156,18 +158,23 @@ std::string RestoreDatabase(const std::string& directory, const std::string& fil
     try {
         std::error_code ignored;
         fs::remove(incoming, ignored);
+        fs::remove(incoming + "-journal", ignored);
         {
             SQLite::Database source(file, SQLite::OPEN_READONLY);
             if (SchemaOf(source) == 0)
                 throw StoreFailure("There is nothing in " + file);
             if (const std::vector<std::string> faults = Faults(source); !faults.empty())
                 throw StoreFailure(file + " is damaged: " + faults.front());
+            // With what stands in its log, if it has one beside it.
+            SQLite::Database target(incoming, SQLite::OPEN_READWRITE | SQLite::OPEN_CREATE);
+            SQLite::Backup(target, source).executeStep(-1);
         }
-        fs::copy_file(file, incoming);
+        for (const char* part : {"-wal", "-shm", "-journal"})
+            fs::remove(incoming + part, ignored);
         Settle(incoming);
         std::string kept;
         // Its log goes along with a database: what stands in there is part of it.
-        if (fs::exists(path))
+        if (fs::exists(path) || fs::exists(path + "-wal"))
             kept = path + ".before-restore-" + std::to_string(std::time(nullptr));
         for (const char* part : {"", "-wal", "-shm"})
             if (fs::exists(path + part))

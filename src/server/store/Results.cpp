@@ -110,6 +110,12 @@ Submitted Insert(Connection& database, const Sent& sent) {
     }
     if (!TakesAnswers(database, sent.survey, sent.now))
         return Submitted::Closed;
+    // Answers to a version that is gone could never be read again.
+    if (!database
+             .Ask("SELECT 1 FROM version WHERE survey = ? AND number = ?", sent.survey,
+                  sent.version)
+             .Next())
+        throw StoreFailure("The form's version of the survey is gone");
     database
         .Ask("INSERT INTO submission (survey, version, token_hash, digest, answers, received, "
              "is_conflict, lost, lost_letters) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?)",

@@ -63,13 +63,14 @@ std::int64_t DocumentBytes(Connection& database, Id account, Id but) {
     return row.Next() ? row.Number(0) : 0;
 }
 
-// Those of the account without answers and drafts. The live ones stay, and all of the last days: a
-// form of theirs may be open in a browser.
+// Those of the account without answers and drafts. The live ones stay, and all that another took
+// the place of in the last days: a form of theirs may be open in a browser.
 void DropUnneededVersions(Connection& database, Id account, Time now) {
     constexpr Time formsLast = 2 * 86400;
     database
         .Ask("DELETE FROM version WHERE survey IN (SELECT id FROM survey WHERE account = ?1) "
-             "AND published <= ?2 "
+             "AND (SELECT min(later.published) FROM version AS later "
+             "WHERE later.survey = version.survey AND later.number > version.number) <= ?2 "
              "AND number <> (SELECT version FROM survey WHERE id = version.survey) "
              "AND (survey, number) NOT IN (SELECT survey, version FROM submission "
              "WHERE survey IN (SELECT id FROM survey WHERE account = ?1)) "
