@@ -28,7 +28,8 @@ std::vector<QByteArray> FieldsOf(const std::vector<QString>& names) {
 }
 
 bool IsAscii(QByteArrayView text) {
-    return std::all_of(text.begin(), text.end(), [](char byte) { return byte >= 0; });
+    return std::all_of(text.begin(), text.end(),
+                       [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
 class Lines : public AnswerVisitor {

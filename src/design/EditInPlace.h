@@ -31,4 +31,8 @@ class EditableDelegate : public OneLineDelegate {
 // Gives the list the delegate and the key.
 void EditInPlace(ListBox& list, EditableDelegate* delegate);
 
+// Takes what an open line within the widget holds, as Enter does: before what goes by the model and
+// takes no focus away, a save or a menu's command.
+void FinishEditInPlace(const QWidget& within);
+
 } // namespace pollarix

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 
+#include "platform/base/Failure.h"
 #include "platform/base/Handlers.h"
 #include "platform/base/ShownText.h"
 #include "platform/controls/Grid.h"
@@ -193,12 +194,14 @@ void frmCheckSurvey::changeEvent(QEvent* event) {
     QWidget::changeEvent(event);
     if (event->type() != QEvent::ActivationChange || !isActiveWindow() || !isVisible())
         return;
-    RunHandler([this] {
+    try {
         const std::vector<Finding> before = findings_;
         Check();
         if (findings_ != before)
             FillGrid();
-    });
+    } catch (const Failure&) {
+        // Told by the button; here the box's closing would bring the user back, and the next box.
+    }
 }
 
 } // namespace pollarix

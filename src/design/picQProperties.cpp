@@ -14,6 +14,7 @@
 #include <memory>
 #include <utility>
 
+#include "design/EditInPlace.h"
 #include "design/FormattingBar.h"
 #include "design/SelectedQuestion.h"
 #include "design/picCheck.h"
@@ -321,6 +322,7 @@ bool picQProperties::IsEdited() const {
 }
 
 void picQProperties::CommitText() {
+    FinishEditInPlace(*this);
     CommitNoOfRows();
     Commit(!IsEdited()                       ? SurveyEditor::Edit::None
            : txtQ_->document()->isModified() ? SurveyEditor::Edit::Typed
@@ -328,6 +330,7 @@ void picQProperties::CommitText() {
 }
 
 void picQProperties::CommitEdits() {
+    FinishEditInPlace(*this);
     CommitNoOfRows();
     if (IsEdited())
         CommitText();

@@ -193,6 +193,10 @@ void frmFind::Go(bool activate) {
     const int row = gFound_->Row();
     if (row < 1 || static_cast<std::size_t>(row) > found_.size())
         return;
+    if (opening_ != state_.Openings()) { // the rows are of the survey before
+        Search();
+        return;
+    }
     const FoundText place = found_[static_cast<std::size_t>(row) - 1];
     if (!GoTo(place, activate))
         Search();

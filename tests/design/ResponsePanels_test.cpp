@@ -101,6 +101,13 @@ TEST_P(ResponsePanels, AnEntryIsChangedInItsPlaceAndKeepsItsRow) {
     EXPECT_EQ(Rows("SELECT id || name FROM response ORDER BY id"), "1a|2first|3c");
     design_->Undo();
     EXPECT_EQ(Responses(1), panel.qType == Radio ? "B, new|a|c" : "a|B, new|c");
+    ClickNode(2);
+    ClickNode(1);
+    ClickEntry(panel.list, 2);
+    Key(panel.list, Qt::Key_F2);
+    QTest::keyClicks(&Get<QLineEdit>("txtInPlace"), "open");
+    design_->CommitEdits(); // as a save does, which takes no focus away
+    EXPECT_EQ(Responses(1), panel.qType == Radio ? "B, new|a|open" : "a|B, new|open");
 }
 
 TEST_P(ResponsePanels, LinesBeyondTheBoundStayInTheBox) {
