@@ -19,6 +19,8 @@ class BlockWriter {
     explicit BlockWriter(const QString& path) : file_(path) {}
 
     void Add(QByteArrayView bytes) {
+        if (bytes.isEmpty())
+            return; // which may have no address
         if (bytes.size() > BlockSize - used_) {
             WriteBlock();
             if (bytes.size() > BlockSize) {
