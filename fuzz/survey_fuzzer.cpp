@@ -38,8 +38,10 @@ class Views : public test::FakeViews {
     }
     void Refresh() {
         SummaryReport report;
-        report.totals = ReadTotals(state_.SurveyConnection);
-        ReadSummary(state_.SurveyConnection, 1, 0, report);
+        AnswerCounts counts;
+        counts.LookAt(state_.SurveyConnection);
+        report.totals = counts.Totals();
+        ReadSummary(state_.SurveyConnection, counts, 1, 0, report);
         list_.RefreshRespondentList(1, 0);
     }
 
